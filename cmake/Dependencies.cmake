@@ -1,0 +1,12 @@
+# Every library is a Debian package; ./dev installs them.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
+find_package(CLI11 REQUIRED)
+if(PAINT_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+if(PAINT_BENCH)
+  find_package(benchmark REQUIRED)
+endif()

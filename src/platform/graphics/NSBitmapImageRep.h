@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "platform/foundation/Geometry.h"
+#include "platform/foundation/NSObject.h"
+
+/// A half-open range of rows, counted from the top.
+struct RowRange {
+  int64_t first = 0;
+  int64_t end = 0;
+  bool empty() const { return first >= end; }
+};
+
+/// A bitmap of 8-bit R, G, B, A in that byte order, premultiplied, rows top first, rows packed
+/// (4 x width bytes). New bitmaps are transparent.
+///
+/// Memory comes from the system zeroed and untouched, so a bitmap costs what was painted on it;
+/// the rows that may hold anything but zero are tracked, so that copying, scaling and clearing can
+/// pass over the rest.
+class NSBitmapImageRep : public NSObject {
+ public:
+  static const NSClass kClass;
+
+  /// A transparent bitmap. Null when a side is negative, or when it would hold more pixels than
+  /// limits::kMaxCanvasPixels, or when the system has no memory for it.
+  static std::shared_ptr<NSBitmapImageRep> create(int64_t pixelsWide, int64_t pixelsHigh);
+
+  /// An empty bitmap of 0 by 0 pixels; archives allocate this before decoding.
+  NSBitmapImageRep() = default;
+  NSBitmapImageRep(const NSBitmapImageRep&) = delete;
+  NSBitmapImageRep& operator=(const NSBitmapImageRep&) = delete;
+  ~NSBitmapImageRep() override;
+
+  const NSClass& classInfo() const override { return kClass; }
+
+  int64_t pixelsWide() const { return width_; }
+  int64_t pixelsHigh() const { return height_; }
+  NSSize size() const { return {static_cast<CGFloat>(width_), static_cast<CGFloat>(height_)}; }
+  size_t bytesPerRow() const { return static_cast<size_t>(width_) * 4; }
+
+  /// The pixels, for reading. Row y starts at bitmapData() + y * bytesPerRow().
+  const uint8_t* bitmapData() const { return data_; }
+  const uint8_t* row(int64_t y) const { return data_ + static_cast<size_t>(y) * bytesPerRow(); }
+
+  /// Announces that rows [first, end) are about to be written and returns the first byte of row
+  /// `first`. The range must lie inside the bitmap.
+  uint8_t* writableRows(int64_t first, int64_t end);
+
+  /// Every row outside this range is known to be transparent.
+  RowRange usedRows() const { return used_; }
+
+  /// Makes every pixel transparent; the memory of large bitmaps goes back to the system.
+  void clear();
+
+  /// A copy of the pixels; null when there is no memory.
+  std::shared_ptr<NSBitmapImageRep> copy() const;
+
+ private:
+  NSBitmapImageRep(int64_t width, int64_t height, uint8_t* data)
+      : width_(width), height_(height), data_(data) {}
+  size_t byteCount() const { return bytesPerRow() * static_cast<size_t>(height_); }
+
+  int64_t width_ = 0;
+  int64_t height_ = 0;
+  uint8_t* data_ = nullptr;
+  RowRange used_;
+};
