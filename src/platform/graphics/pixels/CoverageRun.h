@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+/// A horizontal run of pixels with their coverage by a shape, in device pixels (x to the right).
+struct CoverageRun {
+  int32_t x = 0;
+  int32_t length = 0;
+  /// `length` bytes, one per pixel; null when every pixel has the coverage `cover`.
+  const uint8_t* covers = nullptr;
+  /// 1 to 255 for constant runs; unused when `covers` is set.
+  uint8_t cover = 255;
+};
+
+/// Consumer of coverage, row by row. Rows are device rows counted from the top of the bitmap.
+class CoverageSink {
+ public:
+  virtual ~CoverageSink() = default;
+  /// Runs are disjoint and in increasing x. They and the bytes they point at are valid during the
+  /// call only. Rows come in increasing y within one sweep; rows without coverage are left out.
+  virtual void row(int32_t y, std::span<const CoverageRun> runs) = 0;
+};
