@@ -1,0 +1,110 @@
+#include "svg/SVGScanner.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+namespace SVGNative {
+
+namespace {
+
+// Ten to the 38th is the largest power of ten in single precision: later digits add nothing.
+constexpr int kFractionDigits = 38;
+using FractionTable = std::array<std::array<float, 10>, kFractionDigits>;
+
+// Entry [k][d] is d / 10^(k+1).
+constexpr FractionTable makeFractionTable() {
+  FractionTable table{};
+  float scale = 1.0f;
+  for (auto& row : table) {
+    scale *= 10.0f;
+    for (int digit = 0; digit < 10; ++digit) {
+      row[static_cast<size_t>(digit)] = static_cast<float>(digit) / scale;
+    }
+  }
+  return table;
+}
+
+constexpr FractionTable kFraction = makeFractionTable();
+
+unsigned digitValue(char c) {
+  return static_cast<unsigned>(c - '0');
+}
+
+bool digitAt(const Cursor& cursor) {
+  return !cursor.atEnd() && isDigit(*cursor.pos);
+}
+
+float scanInteger(Cursor& cursor) {
+  // Seven digits are exact in single precision, so whole numbers can do the first ones.
+  const char* exactEnd = cursor.pos + std::min<std::ptrdiff_t>(7, cursor.end - cursor.pos);
+  uint32_t exact = 0;
+  for (; cursor.pos != exactEnd && isDigit(*cursor.pos); ++cursor.pos) {
+    exact = exact * 10 + digitValue(*cursor.pos);
+  }
+  auto value = static_cast<float>(exact);
+  for (; digitAt(cursor); ++cursor.pos) {
+    value = value * 10.0f + static_cast<float>(digitValue(*cursor.pos));
+  }
+  return value;
+}
+
+void addFraction(Cursor& cursor, float& value) {
+  for (size_t k = 0; digitAt(cursor); ++k, ++cursor.pos) {
+    if (k < kFractionDigits) value += kFraction[k][digitValue(*cursor.pos)];
+  }
+}
+
+// Sign and digits after the exponent letter. Far more than single precision can hold is enough:
+// the value is then zero or not finite anyway.
+bool scanExponent(Cursor& cursor, int& exponent) {
+  const bool negative = cursor.at('-');
+  if (negative || cursor.at('+')) ++cursor.pos;
+  if (!digitAt(cursor)) return false;
+  int value = 0;
+  for (; digitAt(cursor); ++cursor.pos) {
+    value = std::min(value * 10 + static_cast<int>(digitValue(*cursor.pos)), 9999);
+  }
+  exponent = negative ? -value : value;
+  return true;
+}
+
+}  // namespace
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
+  return text.size() == lower.size() && std::equal(text.begin(), text.end(), lower.begin(),
+                                                   [](char a, char b) { return toLower(a) == b; });
+}
+
+bool scanNumber(Cursor& cursor, float& number) {
+  Cursor scan = cursor;
+  const bool negative = scan.at('-');
+  if (negative || scan.at('+')) ++scan.pos;
+  const bool hasInteger = digitAt(scan);
+  float value = scanInteger(scan);
+  if (skipChar(scan, '.')) {
+    if (!digitAt(scan)) return false;
+    addFraction(scan, value);
+  } else if (!hasInteger) {
+    return false;
+  }
+  if (skipChar(scan, 'e') || skipChar(scan, 'E')) {
+    int exponent = 0;
+    if (!scanExponent(scan, exponent)) return false;
+    if (exponent != 0) value *= std::pow(10.0f, static_cast<float>(exponent));
+  }
+  if (!std::isfinite(value)) return false;
+  number = negative ? -value : value;
+  cursor = scan;
+  return true;
+}
+
+}  // namespace SVGNative
