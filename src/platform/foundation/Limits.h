@@ -20,4 +20,25 @@ inline constexpr int kMaxPropertyListDepth = 512;
 /// dozen deep; the limit keeps the stack of a hostile chain of objects bounded.
 inline constexpr int kMaxDecodingDepth = 256;
 
+/// Elements of a path that is still drawn. Traced pictures reach some millions; more is refused
+/// before any memory is taken for it.
+inline constexpr size_t kMaxPathElements = 16'000'000;
+
+/// Points that the curves of one path may be divided into, all together (17 bytes each): longer
+/// paths get fewer chords per curve, one at least.
+inline constexpr size_t kMaxFlattenedPoints = 16'000'000;
+
+/// Chords of one curve: full accuracy up to sizes of 100,000 pixels, and a bound on the work
+/// that a curve with coordinates of 1e300 can ask for.
+inline constexpr int kMaxCurveSteps = 2000;
+
+/// Pixels that all edges of one shape may run through, counted inside the clip: some seconds of
+/// work. The densest scribble over the largest canvas crosses each pixel a dozen times at most;
+/// a shape beyond that is not drawn.
+inline constexpr int64_t kMaxEdgePixels = int64_t{1} << 32;
+
+/// Edges held back for drawing in bands (512 MiB). Shapes with more are accumulated over their
+/// whole box at once.
+inline constexpr size_t kMaxHeldEdges = size_t{1} << 24;
+
 }  // namespace limits

@@ -19,5 +19,7 @@ class CoverageSink {
   virtual ~CoverageSink() = default;
   /// Runs are disjoint and in increasing x. They and the bytes they point at are valid during the
   /// call only. Rows come in increasing y within one sweep; rows without coverage are left out.
+  /// A shape comes as one sweep, or, when it is wider than ScanConverter::kStripWidth, as several
+  /// that lie side by side.
   virtual void row(int32_t y, std::span<const CoverageRun> runs) = 0;
 };

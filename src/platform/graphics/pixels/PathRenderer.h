@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/foundation/Geometry.h"
+#include "platform/graphics/PathData.h"
+#include "platform/graphics/pixels/ClipRegion.h"
+#include "platform/graphics/pixels/CoverageRun.h"
+#include "platform/graphics/pixels/DeviceGrid.h"
+#include "platform/graphics/pixels/FlatPath.h"
+#include "platform/graphics/pixels/ScanConverter.h"
+
+/// From paths in user space to coverage of device pixels (row 0 at the top): what a drawing
+/// context calls to fill, stroke and clip.
+///
+/// `toDevice` maps user space to device pixels, y down. Coverage goes to `sink` row by row,
+/// already multiplied by `clip`; pixels without coverage are not mentioned. A path with a
+/// coordinate that is not finite after the transform, with missing points, or beyond the bounds of
+/// Limits.h, paints nothing.
+///
+/// Owns the buffers that drawing needs, so keep one per context; one renderer serves one thread.
+class PathRenderer {
+ public:
+  /// Fills the area inside the path; open subpaths are closed.
+  void fillPath(const PathData& path, WindingRule winding, const CGAffineTransform& toDevice,
+                Antialias antialias, const ClipRegion& clip, CoverageSink& sink);
+
+  /// Fills a rectangle, whatever the signs of its sides.
+  void fillRect(const NSRect& rect, const CGAffineTransform& toDevice, Antialias antialias,
+                const ClipRegion& clip, CoverageSink& sink);
+
+  /// The part of `clip` inside the path. An empty path leaves nothing.
+  ClipRegion clipToPath(const PathData& path, WindingRule winding,
+                        const CGAffineTransform& toDevice, Antialias antialias,
+                        const ClipRegion& clip);
+
+  /// The part of `clip` inside the rectangle; a box stays one when the edges lie on pixel edges
+  /// or antialiasing is off.
+  ClipRegion clipToRect(const NSRect& rect, const CGAffineTransform& toDevice, Antialias antialias,
+                        const ClipRegion& clip);
+
+ private:
+  void fillRectangle(const DeviceBounds& rectangle, Antialias antialias, const ClipRegion& clip,
+                     CoverageSink& sink);
+  void fillFlat(const CoverRule& rule, const PixelBox& box, const ClipRegion& clip,
+                CoverageSink& sink);
+
+  FlatPath flat_;
+  ScanConverter converter_;
+};
+
+/// The device pixels that filling `path` may touch inside `box`: the box around its control
+/// points. Empty also for paths that paint nothing.
+PixelBox fillBox(const PathData& path, const CGAffineTransform& toDevice, const PixelBox& box);

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+
+#include "platform/foundation/Geometry.h"
+#include "platform/graphics/PathData.h"
+#include "platform/graphics/pixels/CoverageRun.h"
+#include "platform/graphics/pixels/DeviceGrid.h"
+#include "platform/graphics/pixels/PixelBox.h"
+
+/// The device rectangle that filling `path` covers when that is what it is: one subpath of four
+/// corners (the fourth side or the close may be left out), sides along the pixel rows and columns
+/// after `toDevice`, lone moves aside. Nothing for other paths and for coordinates that are not
+/// finite.
+std::optional<DeviceBounds> deviceRectangle(const PathData& path,
+                                            const CGAffineTransform& toDevice);
+
+/// Whether `toDevice` maps rectangles to rectangles.
+constexpr bool keepsRectangles(const CGAffineTransform& toDevice) {
+  return (toDevice.b == 0 && toDevice.c == 0) || (toDevice.a == 0 && toDevice.d == 0);
+}
+
+/// The coverage of a rectangle within `box`, the same as the scan converter's, without scan
+/// conversion.
+void emitRectangle(const DeviceBounds& rectangle, Antialias antialias, const PixelBox& box,
+                   CoverageSink& sink);
