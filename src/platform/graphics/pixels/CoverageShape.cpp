@@ -1,0 +1,27 @@
+#include "platform/graphics/pixels/CoverageShape.h"
+
+#include "platform/graphics/pixels/RectCoverage.h"
+
+PixelBox FillShape::bounds(const PixelBox& box) const {
+  return fillBox(path_, style_.toDevice, box);
+}
+
+void FillShape::cover(const ClipRegion& clip, CoverageSink& sink) const {
+  renderer_.fillPath(path_, style_.winding, style_.toDevice, style_.antialias, clip, sink);
+}
+
+bool FillShape::fills(const PixelBox& box) const {
+  const auto rect = deviceRectangle(path_, style_.toDevice);
+  return rect && rect->x0 <= box.x0 && rect->y0 <= box.y0 && rect->x1 >= box.x1 &&
+         rect->y1 >= box.y1;
+}
+
+PathData pathOfRect(const NSRect& rect) {
+  PathData path;
+  path.move({NSMinX(rect), NSMinY(rect)});
+  path.line({NSMaxX(rect), NSMinY(rect)});
+  path.line({NSMaxX(rect), NSMaxY(rect)});
+  path.line({NSMinX(rect), NSMaxY(rect)});
+  path.close();
+  return path;
+}

@@ -1,0 +1,45 @@
+#include "platform/graphics/pixels/PixelSurface.h"
+
+#include <cassert>
+#include <utility>
+
+namespace {
+
+PixelBox unionBox(const PixelBox& a, const PixelBox& b) {
+  if (a.empty()) return b;
+  return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+}
+
+}  // namespace
+
+PixelSurface::PixelSurface(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x0, int32_t y0)
+    : bitmap_(std::move(bitmap)) {
+  if (bitmap_ == nullptr) return;
+  box_ = {x0, y0, x0 + static_cast<int32_t>(bitmap_->pixelsWide()),
+          y0 + static_cast<int32_t>(bitmap_->pixelsHigh())};
+}
+
+PixelBox PixelSurface::used() const {
+  if (bitmap_ == nullptr) return {};
+  const RowRange rows = bitmap_->usedRows();
+  return {box_.x0, box_.y0 + static_cast<int32_t>(rows.first), box_.x1,
+          box_.y0 + static_cast<int32_t>(rows.end)};
+}
+
+uint32_t* PixelSurface::paint(int32_t x, int32_t y, int32_t end) {
+  assert(x >= box_.x0 && x < end && end <= box_.x1 && y >= box_.y0 && y < box_.y1);
+  painted_ = unionBox(painted_, {x, y, end, y + 1});
+  const int64_t row = y - box_.y0;
+  void* const bytes = bitmap_->writableRows(row, row + 1);
+  return static_cast<uint32_t*>(bytes) + (x - box_.x0);
+}
+
+const uint32_t* PixelSurface::pixels(int32_t x, int32_t y) const {
+  const void* const bytes = bitmap_->row(y - box_.y0);
+  return static_cast<const uint32_t*>(bytes) + (x - box_.x0);
+}
+
+void PixelSurface::clear() {
+  if (bitmap_ != nullptr) bitmap_->clear();
+  painted_ = {};
+}

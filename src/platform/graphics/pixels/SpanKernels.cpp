@@ -1,0 +1,50 @@
+#include "platform/graphics/pixels/SpanKernels.h"
+
+#include "platform/TargetClones.h"
+#include "platform/graphics/pixels/PixelMath.h"
+
+VECTOR_CLONES void fillSpan(uint32_t* d, int32_t n, uint32_t s) {
+  for (int32_t i = 0; i < n; ++i) d[i] = s;
+}
+
+VECTOR_CLONES void mixSolid(uint32_t* d, int32_t n, uint32_t s, uint32_t cover) {
+  for (int32_t i = 0; i < n; ++i) d[i] = mixed(d[i], s, cover);
+}
+
+VECTOR_CLONES void mixSolid(uint32_t* d, int32_t n, uint32_t s, const uint8_t* covers) {
+  for (int32_t i = 0; i < n; ++i) d[i] = mixed(d[i], s, covers[i]);
+}
+
+VECTOR_CLONES void mixRow(uint32_t* d, int32_t n, const uint32_t* s, uint32_t cover) {
+  for (int32_t i = 0; i < n; ++i) d[i] = mixed(d[i], s[i], cover);
+}
+
+VECTOR_CLONES void mixRow(uint32_t* d, int32_t n, const uint32_t* s, const uint8_t* covers) {
+  for (int32_t i = 0; i < n; ++i) d[i] = mixed(d[i], s[i], covers[i]);
+}
+
+VECTOR_CLONES void overSolid(uint32_t* d, int32_t n, uint32_t s, uint32_t cover) {
+  const uint32_t covered = scaled(s, cover);
+  const uint32_t rest = 255 - alphaOf(covered);
+  for (int32_t i = 0; i < n; ++i) d[i] = covered + scaled(d[i], rest);
+}
+
+VECTOR_CLONES void overSolid(uint32_t* d, int32_t n, uint32_t s, const uint8_t* covers) {
+  for (int32_t i = 0; i < n; ++i) d[i] = sourceOver(scaled(s, covers[i]), d[i]);
+}
+
+VECTOR_CLONES void overRow(uint32_t* d, int32_t n, const uint32_t* s, uint32_t cover) {
+  if (cover == 255) {
+    for (int32_t i = 0; i < n; ++i) d[i] = sourceOverSaturating(s[i], d[i]);
+  } else {
+    for (int32_t i = 0; i < n; ++i) d[i] = sourceOverSaturating(scaled(s[i], cover), d[i]);
+  }
+}
+
+VECTOR_CLONES void overRow(uint32_t* d, int32_t n, const uint32_t* s, const uint8_t* covers) {
+  for (int32_t i = 0; i < n; ++i) d[i] = sourceOverSaturating(scaled(s[i], covers[i]), d[i]);
+}
+
+VECTOR_CLONES void scaleRow(uint32_t* out, const uint32_t* s, int32_t n, uint32_t alpha) {
+  for (int32_t i = 0; i < n; ++i) out[i] = scaled(s[i], alpha);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/graphics/CompositingOperation.h"
+
+/// Loops over one span of premultiplied pixels, compiled for the vector units. Coverage m is
+/// 0..255: a constant, or one byte per pixel. Every destination pixel d becomes
+/// (1 - m) d + m f(s, d) for the function f of the operation.
+
+/// d = s.
+void fillSpan(uint32_t* d, int32_t n, uint32_t s);
+/// f = s.
+void mixSolid(uint32_t* d, int32_t n, uint32_t s, uint32_t cover);
+void mixSolid(uint32_t* d, int32_t n, uint32_t s, const uint8_t* covers);
+void mixRow(uint32_t* d, int32_t n, const uint32_t* s, uint32_t cover);
+void mixRow(uint32_t* d, int32_t n, const uint32_t* s, const uint8_t* covers);
+/// f = source over destination. The solid forms need a source whose channels do not exceed its
+/// alpha.
+void overSolid(uint32_t* d, int32_t n, uint32_t s, uint32_t cover);
+void overSolid(uint32_t* d, int32_t n, uint32_t s, const uint8_t* covers);
+void overRow(uint32_t* d, int32_t n, const uint32_t* s, uint32_t cover);
+void overRow(uint32_t* d, int32_t n, const uint32_t* s, const uint8_t* covers);
+
+/// out = s scaled by alpha (0..255). `out` may be `s`.
+void scaleRow(uint32_t* out, const uint32_t* s, int32_t n, uint32_t alpha);
+
+/// d = f(s, d) over n pixels.
+using BlendFunction = void (*)(uint32_t* d, const uint32_t* s, int32_t n);
+
+/// The function of an operation at full coverage.
+BlendFunction blendFunction(NSCompositingOperation operation);
