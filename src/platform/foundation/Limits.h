@@ -13,8 +13,11 @@ inline constexpr int64_t kMaxCanvasPixels = 250'000'000;
 /// this 32-bit tools that share the format give up too.
 inline constexpr int64_t kMaxFileBytes = int64_t{2} << 30;
 
-/// Containers inside containers in a property list; what the platform's own reader allows.
-inline constexpr int kMaxPropertyListDepth = 512;
+/// What decoding may make of an archive: this many bytes for each byte of the archive, plus an
+/// allowance for small ones. The densest real record is a one-byte reference that becomes a
+/// 16-byte pointer; only an archive that hands out the same bytes again and again needs more.
+inline constexpr uint64_t kMaxArchiveExpansion = 16;
+inline constexpr uint64_t kArchiveAllowance = uint64_t{16} << 20;
 
 /// Objects being decoded inside each other. Groups, arrays and texts of real documents nest a
 /// dozen deep; the limit keeps the stack of a hostile chain of objects bounded.

@@ -8,9 +8,13 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/NSObject.h"
+
+class NSData;
+class NSNumber;
 
 /// Keyed coding interface. An archiver implements the encode half, an unarchiver the decode half;
 /// calling the other half throws NSException (NSInvalidArgumentException).
@@ -40,6 +44,12 @@ class NSCoder {
   void encodeRect(const NSRect& value, std::string_view key);
   /// Encodes the text as an NSString object.
   void encodeString(std::string_view utf8, std::string_view key);
+  // The contents of strings, data and collections, which stand inside their own record.
+  virtual void encodeInlineText(std::string_view utf8, std::string_view key);
+  /// The bytes are not copied before the archive is finished.
+  virtual void encodeInlineData(const NSData& data, std::string_view key);
+  virtual void encodeObjects(std::span<const std::shared_ptr<NSObject>> objects,
+                             std::string_view key);
 
   // Decoding.
   virtual bool containsValueForKey(std::string_view key) const;
@@ -52,6 +62,7 @@ class NSCoder {
   virtual float decodeFloatForKey(std::string_view key);
   virtual double decodeDoubleForKey(std::string_view key);
   /// View of inline bytes, valid as long as the archive's data lives; also accepts a data object.
+  /// Empty for nil and an absent key; other kinds throw NSException.
   virtual std::span<const uint8_t> decodeBytesForKey(std::string_view key);
   virtual NSPoint decodePointForKey(std::string_view key);
   virtual NSSize decodeSizeForKey(std::string_view key);
@@ -64,8 +75,21 @@ class NSCoder {
   std::shared_ptr<T> decodeObjectOfClass(std::string_view key) {
     return std::dynamic_pointer_cast<T>(decodeObjectForKey(key));
   }
-  /// The text of a string object, or nothing when the key is absent, nil or another kind.
-  std::optional<std::string> decodeStringForKey(std::string_view key);
+  /// The text of a string object or of inline text, or nothing when the key is absent, nil or
+  /// another kind.
+  virtual std::optional<std::string> decodeStringForKey(std::string_view key);
+  /// A data object, or inline bytes as one; null when absent, nil or another kind. It shares the
+  /// archive's bytes and keeps them alive.
+  virtual std::shared_ptr<NSData> decodeDataForKey(std::string_view key);
+  /// A number object, or an inline number of the kind it was stored as; null otherwise.
+  virtual std::shared_ptr<NSNumber> decodeNumberForKey(std::string_view key);
+  /// The objects of an inline list of references, as collections store theirs. Nothing when the
+  /// key is absent, holds something else, or an element is nil. A null entry stands for an object
+  /// that is still being decoded: it leads back to an owner of the list, which must not own it.
+  virtual std::optional<std::vector<std::shared_ptr<NSObject>>> decodeObjectsForKey(
+      std::string_view key);
+  /// The keys of the record being decoded, for classes whose keys differ between writers.
+  virtual std::vector<std::string> decodableKeys() const;
 
   /// True while `object` is allocated by this coder but its initWithCoder has not returned.
   /// Owners must not keep a strong reference to such an object: it would be a cycle.

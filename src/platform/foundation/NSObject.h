@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <string>
@@ -38,6 +39,12 @@ class NSObject {
   std::string_view className() const { return classInfo().name; }
   bool isKindOfClass(const NSClass& c) const { return classInfo().isSubclassOf(c); }
   bool isMemberOfClass(const NSClass& c) const { return &classInfo() == &c; }
+
+  /// Equality of contents for simple values, of identity otherwise (also for collections: comparing
+  /// them by content could take for ever where they share parts). Equal objects have equal hashes;
+  /// both serve as keys of dictionaries and members of sets.
+  virtual bool isEqual(const NSObject& other) const { return this == &other; }
+  virtual size_t hash() const { return reinterpret_cast<size_t>(this) >> 4; }
 
   /// Fills a freshly allocated object from the keyed record open on the coder. Answers false for
   /// nil: the reference that led here then decodes to nil. May throw NSException.

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Unsigned big-endian number of `size` bytes, 1 to 8.
+inline uint64_t loadBigEndian(const uint8_t* bytes, size_t size) {
+  uint64_t value = 0;
+  for (size_t i = 0; i < size; ++i) value = value << 8 | bytes[i];
+  return value;
+}
+
+/// Appends the low `size` bytes of a value, most significant first.
+inline void appendBigEndian(std::vector<uint8_t>& out, uint64_t value, size_t size) {
+  for (size_t i = size; i-- > 0;) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
+}
+
+inline float loadBigEndianFloat(const uint8_t* bytes) {
+  return std::bit_cast<float>(static_cast<uint32_t>(loadBigEndian(bytes, 4)));
+}
+
+inline double loadBigEndianDouble(const uint8_t* bytes) {
+  return std::bit_cast<double>(loadBigEndian(bytes, 8));
+}

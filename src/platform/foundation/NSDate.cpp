@@ -1,0 +1,42 @@
+#include "platform/foundation/NSDate.h"
+
+#include <chrono>
+#include <functional>
+
+#include "platform/foundation/NSCoder.h"
+
+const NSClass NSDate::kClass{"NSDate", &NSObject::kClass, NSAllocate<NSDate>};
+
+std::shared_ptr<NSDate> NSDate::date() {
+  using Seconds = std::chrono::duration<double>;
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return dateWithTimeIntervalSince1970(std::chrono::duration_cast<Seconds>(now).count());
+}
+
+std::shared_ptr<NSDate> NSDate::dateWithTimeIntervalSinceReferenceDate(double seconds) {
+  auto date = std::make_shared<NSDate>();
+  date->seconds_ = seconds;
+  return date;
+}
+
+std::shared_ptr<NSDate> NSDate::dateWithTimeIntervalSince1970(double seconds) {
+  return dateWithTimeIntervalSinceReferenceDate(seconds - kIntervalBetween1970AndReferenceDate);
+}
+
+bool NSDate::isEqual(const NSObject& other) const {
+  const auto* date = dynamic_cast<const NSDate*>(&other);
+  return date != nullptr && date->seconds_ == seconds_;
+}
+
+size_t NSDate::hash() const {
+  return std::hash<double>{}(seconds_);
+}
+
+bool NSDate::initWithCoder(NSCoder& coder) {
+  seconds_ = coder.decodeDoubleForKey("NS.time");
+  return true;
+}
+
+void NSDate::encodeWithCoder(NSCoder& coder) const {
+  coder.encodeDouble(seconds_, "NS.time");
+}

@@ -1,0 +1,234 @@
+#!/usr/bin/env python3
+"""Makes the archives that tests read:  make_archives.py OUTPUT_DIR
+
+good/ holds archives as the platform and other tools write them, bad/ archives
+with one thing wrong each; what a reader must make of them stands in the tests.
+"""
+import os
+import plistlib
+import subprocess
+import sys
+
+import keyed_archive
+from keyed_archive import Float32, KeyedArchive, UID, Wide, write_bplist
+
+
+def everything():
+    """One object with a value of every kind under a key of its own."""
+    a = KeyedArchive()
+    root = a.reserve()
+    a.fill(root, ["Sample", "NSObject"], {
+        "true": True, "false": False, "int8": 200, "int16": 40000, "int32": 3000000000,
+        "int64": 1 << 40, "negative": -1, "wide": Wide(7), "unsigned": (1 << 64) - 2,
+        "float": Float32(0.1), "double": 0.1, "nan": float("nan"), "infinity": float("-inf"),
+        "bytes": b"\1\0\1", "no bytes": b"", "nil": None, "point": a.point(0.5, -2),
+        "size": a.size(640, 480), "rect": a.rect(1, 2, 3.25, 842.5997125), "self": root,
+        "ascii": a.add("plain"), "unicode": a.add("na\u00efve \U0001F600"),
+        "lone": a.add("a\ud800b\udc00"), "zeros": a.add("a\0b"),
+        "mutable": a.mutable_string("m\u00e4h"), "bytes string": a.string_bytes("b\u00fc"),
+        "data": a.data(b"abc"), "mutable data": a.mutable_data(bytes(range(256)) * 4),
+        "list": a.array([1, 2.5, Float32(2.5), True, "x", -3, a.null()]),
+        "empty list": a.array([], mutable=True), "dict": a.dictionary({"k": 1, "l": "two"}, True),
+        "set": a.set(["a", "b", "a"]), "date": a.date(86400.5),
+        "url": a.url("b%20c", a.url("file:///a/")),
+        "vpoint": a.value_point(1, 2), "vsize": a.value_size(3, 4),
+        "vrect": a.value_rect(1, 2, 3, 4), "vrange": a.value_range(5, 6), "$odd": 7})
+    return a.to_bytes(root=root)
+
+
+def historic():
+    """Collections and numbers as coders other than the keyed archiver leave them."""
+    a = KeyedArchive()
+    items = {f"NS.object.{i}": a.add(f"item {i}") for i in range(12)}
+    keys = {f"NS.key.{i}": a.add(f"key {i}") for i in range(12)}
+    a.top = {
+        "array": a.obj(["NSArray", "NSObject"], dict(items)),
+        "gap": a.obj(["NSArray", "NSObject"], {"NS.object.0": a.add("x"), "NS.object.2": a.add("y")}),
+        "dictionary": a.obj(["NSDictionary", "NSObject"], {**keys, **items}),
+        "ordered set": a.obj(["NSOrderedSet", "NSObject"], dict(items)),
+        "number": a.obj(["NSNumber", "NSValue", "NSObject"], {"NS.number": 1 << 60}),
+        "int": a.obj(["NSNumber", "NSValue", "NSObject"], {"NS.intval": -5}),
+        "double": a.obj(["NSNumber", "NSValue", "NSObject"], {"NS.dblval": 2.5}),
+        "bool": a.obj(["NSNumber", "NSValue", "NSObject"], {"NS.boolval": True}),
+        "data": a.obj(["NSMutableData", "NSData", "NSObject"], {"NS.bytes": b"xyz"}),
+        "text of object": a.obj(["NSMutableString", "NSString", "NSObject"],
+                                {"NS.string": a.add("by reference")}),
+        "more keys": a.obj(["NSDictionary", "NSObject"], {
+            "NS.keys": [a.add("a"), a.add("b")], "NS.objects": [a.add(1)]}, raw=True),
+        "twice": a.obj(["NSDictionary", "NSObject"], {
+            "NS.keys": [a.add("a"), a.mutable_string("a")],
+            "NS.objects": [a.add(1), a.add(2)]}, raw=True)}
+    return a.to_bytes()
+
+
+def graph():
+    """An object shared, cycles, conditional slots, hints, and nil elements."""
+    a = KeyedArchive()
+    shared = a.array(["s"])
+    cycle, dictionary = a.reserve(), a.reserve()
+    a.fill(cycle, ["NSMutableArray", "NSArray", "NSObject"],
+           {"NS.objects": [a.add("first"), cycle, dictionary]}, raw=True)
+    a.fill(dictionary, ["NSMutableDictionary", "NSDictionary", "NSObject"],
+           {"NS.keys": [a.add("up"), a.add("self"), a.add("kept")],
+            "NS.objects": [cycle, dictionary, a.add("value")]}, raw=True)
+    url = a.reserve()
+    a.fill(url, ["NSURL", "NSObject"], {"NS.base": url, "NS.relative": a.add("x")})
+    a.top = {"one": shared, "two": shared, "cycle": cycle, "url": url,
+             "unwanted": a.bare("$null"),
+             "hinted": a.fill(a.reserve(), ["Unheard", "NSObject"],
+                              {"NS.objects": []}, hints=["Unseen", "NSArray"], raw=True),
+             "with nil": a.array(["x", None, "y"]),
+             "with unwanted": a.array([a.bare("$null")]),
+             "dictionary with nil": a.dictionary({"k": None})}
+    return a.to_bytes()
+
+
+def many_keys(shuffled):
+    """A record with more keys than anyone would search one by one."""
+    a = KeyedArchive()
+    names = [f"key {i * 7919 % 1000 if shuffled else i}" for i in range(1000)]
+    root = a.fill(a.reserve(), ["Sample", "NSObject"], {n: int(n[4:]) for n in names})
+    return a.to_bytes(root=root, ref_size=5, offset_size=7)
+
+
+def through_xml(data):
+    """What is left of an archive after tools have turned it into XML and back."""
+    xml = KeyedArchive.xml_of(plistlib.loads(data))
+    return subprocess.run(["plistutil", "-i", "-", "-o", "-", "-f", "bin"], input=xml,
+                          check=True, capture_output=True).stdout
+
+
+def good():
+    yield "everything", everything()
+    yield "historic", historic()
+    yield "graph", graph()
+    yield "many_keys", many_keys(False)
+    yield "shuffled_keys", many_keys(True)
+    a = KeyedArchive()
+    a.top = {"color": a.color((1, 0, 0)), "list": a.array([1, "two"]), "nil": None, "n": 3}
+    plain = a.to_bytes()
+    yield "through_xml", through_xml(plain)
+    yield "rewritten", subprocess.run(
+        ["plistutil", "-i", "-", "-o", "-", "-f", "bin"], check=True, capture_output=True,
+        input=subprocess.run(["plistutil", "-i", "-", "-o", "-", "-f", "xml"], input=everything_finite(),
+                             check=True, capture_output=True).stdout).stdout
+    yield "without_root", KeyedArchive().to_bytes()
+    a = KeyedArchive(archiver="Other")
+    yield "other_archiver", a.to_bytes(root=a.add("still read"))
+    a = KeyedArchive()
+    a.objects[0] = "not nil"
+    yield "first_element", a.to_bytes(root=UID(0))
+
+
+def everything_finite():
+    a = KeyedArchive()
+    a.top = {"list": a.array(["na\u00efve", 7, -1, 0.25, True, b"bytes"]), "f": 0.5}
+    return a.to_bytes()
+
+
+def record(fields, chain=("NSArray", "NSObject")):
+    a = KeyedArchive()
+    return a.to_bytes(root=a.obj(list(chain), fields, raw=True))
+
+
+def with_objects(objects, top=UID(1), **changes):
+    plist = {"$version": 100000, "$archiver": "NSKeyedArchiver", "$top": {"root": top},
+             "$objects": ["$null"] + objects}
+    plist.update(changes)
+    return write_bplist({k: v for k, v in plist.items() if v is not None})
+
+
+NSARRAY = {"$classname": "NSArray", "$classes": ["NSArray", "NSObject"]}
+
+
+def chain_of_arrays(count, inward):
+    """Arrays each holding the next; inward: from the root, or all listed by the root too."""
+    objects = [{"NS.objects": [UID(i + 2)], "$class": UID(count + 1)} for i in range(1, count)]
+    objects.insert(0, {"NS.objects": [UID(2)] if inward else
+                       [UID(i) for i in range(count, 1, -1)], "$class": UID(count + 1)})
+    objects[-1] = {"NS.objects": [], "$class": UID(count + 1)}
+    return with_objects(objects[:count] + [NSARRAY])
+
+
+def bomb():
+    """Many records that share one long list: little to read, a lot to hold."""
+    items = [UID(1)] * 50000
+    arrays = [{"NS.objects": items, "$class": UID(2)} for _ in range(5000)]
+    root = {"NS.objects": [UID(i + 3) for i in range(5000)], "$class": UID(2)}
+    return with_objects(["item", NSARRAY] + arrays + [root], top=UID(5003))
+
+
+def bad():
+    yield "version_missing", with_objects(["x"], **{"$version": None})
+    yield "version_other", with_objects(["x"], **{"$version": 100001})
+    yield "version_text", with_objects(["x"], **{"$version": "100000"})
+    yield "version_real", with_objects(["x"], **{"$version": 100000.0})
+    yield "top_missing", with_objects(["x"], **{"$top": None})
+    yield "top_array", with_objects(["x"], **{"$top": [UID(1)]})
+    yield "objects_missing", with_objects(["x"], **{"$objects": None})
+    yield "objects_dictionary", with_objects(["x"], **{"$objects": {"0": "$null", "1": "x"}})
+    yield "objects_empty", with_objects([], **{"$objects": []})
+    yield "not_an_archive", write_bplist({"hello": 1})
+    yield "top_level_array", write_bplist(["$version", 100000])
+    yield "uid_out_of_range", with_objects(["x"], top=UID(2))
+    yield "uid_far_out", with_objects(["x"], top=UID(0xFFFFFFFF))
+    yield "class_missing", with_objects([{"NS.objects": []}])
+    yield "class_nil", with_objects([{"NS.objects": [], "$class": UID(0)}])
+    yield "class_inline", with_objects([{"NS.objects": [], "$class": "NSArray"}])
+    yield "class_itself", with_objects([{"NS.objects": [], "$class": UID(1)}])
+    yield "class_out_of_range", with_objects([{"NS.objects": [], "$class": UID(9)}])
+    yield "class_string", with_objects([{"NS.objects": [], "$class": UID(2)}, "NSArray"])
+    yield "class_name_number", with_objects([{"NS.objects": [], "$class": UID(2)},
+                                             {"$classname": 1, "$classes": []}])
+    yield "classes_empty", with_objects([{"NS.objects": [], "$class": UID(2)},
+                                         {"$classname": "NSArray", "$classes": []}])
+    yield "class_unknown", with_objects([{"$class": UID(2)},
+                                         {"$classname": "NoSuch", "$classes": ["NoSuch", "NSArray"]}])
+    yield "class_hints_wrong", with_objects([{"$class": UID(2)},
+                                             {"$classname": "NoSuch", "$classhints": [1, "No"]}])
+    yield "class_record_as_object", with_objects([NSARRAY])
+    yield "element_array", with_objects([["x"]])
+    yield "element_uid", with_objects([UID(2), "x"])
+    yield "list_text", record({"NS.objects": "text"})
+    yield "list_inline_text", record({"NS.objects": ["text"]})
+    yield "list_out_of_range", record({"NS.objects": [UID(77)]})
+    yield "keys_missing", record({"NS.objects": [UID(0)]}, ("NSDictionary", "NSObject"))
+    yield "keys_nil", record({"NS.keys": [UID(0)], "NS.objects": [UID(0)]},
+                             ("NSDictionary", "NSObject"))
+    yield "string_number", record({"NS.string": 5}, ("NSMutableString", "NSString", "NSObject"))
+    yield "date_text", record({"NS.time": "now"}, ("NSDate", "NSObject"))
+    yield "data_number", record({"NS.data": 5}, ("NSMutableData", "NSData", "NSObject"))
+    yield "number_text", record({"NS.number": "5"}, ("NSNumber", "NSObject"))
+    yield "value_unknown", record({"NS.special": 77}, ("NSValue", "NSObject"))
+    yield "value_special_text", record({"NS.special": "1"}, ("NSValue", "NSObject"))
+    yield "url_nothing", record({}, ("NSURL", "NSObject"))
+    yield "reference_loop", with_objects([{"CF$UID": 2}, {"CF$UID": 1}])
+    yield "reference_negative", with_objects([{"CF$UID": -1}])
+    yield "nested_255", chain_of_arrays(255, True)
+    yield "nested_300", chain_of_arrays(300, True)
+    yield "nested_60000", chain_of_arrays(60000, True)
+    yield "built_upwards_60000", chain_of_arrays(60000, False)
+    yield "shared_list", bomb()
+    a = KeyedArchive()
+    yield "inside", a.to_bytes(root=a.obj(["Sample", "NSObject"], {
+        "broken": a.obj(["NoSuch", "NSObject"], {}), "after": 9}))
+
+
+def main(argv):
+    for folder, samples in (("good", good), ("bad", bad)):
+        path = os.path.join(argv[1], folder)
+        os.makedirs(path, exist_ok=True)
+        for name, data in samples():
+            with open(os.path.join(path, name + ".plist"), "wb") as f:
+                f.write(data)
+    with open(os.devnull, "w") as quiet:
+        stdout, sys.stdout = sys.stdout, quiet
+        try:
+            failures = keyed_archive.main(["", os.path.join(argv[1], "samples")])
+        finally:
+            sys.stdout = stdout
+    return failures
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv))
