@@ -1,0 +1,53 @@
+// Scaling pictures down to thumbnails and to screen size, as multiples of copying the source.
+#include <random>
+
+#include "Ratio.h"
+#include "platform/graphics/Resampler.h"
+
+namespace {
+
+std::shared_ptr<NSBitmapImageRep> noise(int64_t width, int64_t height) {
+  auto bitmap = NSBitmapImageRep::create(width, height);
+  std::minstd_rand random(1);
+  uint8_t* p = bitmap->writableRows(0, height);
+  for (int64_t i = 0; i < width * height; ++i, p += 4) {
+    p[3] = static_cast<uint8_t>(128 + random() % 128);
+    for (int c = 0; c < 3; ++c) p[c] = static_cast<uint8_t>(random() % 128);
+  }
+  return bitmap;
+}
+
+void scale(benchmark::State& state) {
+  const auto source = noise(4000, 3000);
+  const double unit = memcpySeconds(source->bytesPerRow() * 3000);
+  const ResampleMapping mapping{
+      {{0, 0}, source->size()},
+      {{0, 0}, {static_cast<double>(state.range(0)), static_cast<double>(state.range(1))}}};
+  runAsMultiple(state, "x_memcpy", unit, [&] {
+    Resampler resampler(*source, mapping, {0, 0, state.range(0), state.range(1)});
+    for (int64_t y = 0; y < state.range(1); ++y) benchmark::DoNotOptimize(resampler.row(y));
+  });
+}
+
+/// A canvas of the largest size on which nothing was painted.
+void emptyCanvas(benchmark::State& state) {
+  const double unit = memcpySeconds(size_t{20000} * 12500 * 4);
+  runAsMultiple(state, "x_memcpy", unit, [&] {
+    const auto canvas = NSBitmapImageRep::create(20000, 12500);
+    benchmark::DoNotOptimize(resampledBitmap(*canvas, 256, 160));
+  });
+}
+
+}  // namespace
+
+BENCHMARK(scale)
+    ->ArgNames({"width", "height"})
+    ->Args({256, 192})
+    ->Args({1000, 750})
+    ->Args({60, 45})
+    ->Args({28, 21})
+    ->Args({3900, 2925})
+    ->Args({5000, 3750})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(emptyCanvas)->Unit(benchmark::kMillisecond);
+BENCHMARK_MAIN();
