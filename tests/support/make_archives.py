@@ -9,6 +9,7 @@ import plistlib
 import subprocess
 import sys
 
+import icc_profiles
 import keyed_archive
 from keyed_archive import Float32, KeyedArchive, UID, Wide, write_bplist
 
@@ -107,6 +108,7 @@ def good():
     a = KeyedArchive()
     a.top = {"color": a.color((1, 0, 0)), "list": a.array([1, "two"]), "nil": None, "n": 3}
     plain = a.to_bytes()
+    yield "colors", colors()
     yield "through_xml", through_xml(plain)
     yield "rewritten", subprocess.run(
         ["plistutil", "-i", "-", "-o", "-", "-f", "bin"], check=True, capture_output=True,
@@ -118,6 +120,72 @@ def good():
     a = KeyedArchive()
     a.objects[0] = "not nil"
     yield "first_element", a.to_bytes(root=UID(0))
+
+
+def colors():
+    """Colours in every space and form, under keys that say which."""
+    a = KeyedArchive()
+    color = ["NSColor", "NSObject"]
+
+    def raw(**fields):
+        return a.obj(color, {k: v.encode() if isinstance(v, str) else v for k, v in fields.items()})
+
+    def custom(components, legacy="1 0 1\0", **space):
+        return raw(NSColorSpace=1, NSRGB=legacy, NSComponents=components,
+                   NSCustomColorSpace=a.color_space(**space))
+
+    adobe = icc_profiles.adobe_rgb()
+    loop = a.reserve()
+    a.fill(loop, color, {"NSColorSpace": 6, "NSColor": loop,
+                         "NSColorName": a.add("textBackgroundColor")})
+    a.top = {
+        "calibrated": a.color((0.2784313858, 0.5, 1)),
+        "calibrated alpha": a.color((0.25, 0.5, 0.75, 0.125)),
+        "device": a.color((0.25, 0.5, 0.75), "device"),
+        "generic": a.color((0.25, 0.5, 0.75), "generic"),
+        "srgb": a.color((0.25, 0.5, 0.75, 0.5), "srgb"),
+        "extended": a.color((1.5, 0.5, -0.5), "extended_srgb"),
+        "p3": a.color((0.5, 0.4, 0.3), "p3"),
+        "p3 red": a.color((1, 0, 0), "p3"),
+        "dci": custom("0.5 0.4 0.3 1", NSSpaceID=13),
+        "adobe": a.color((0.5, 0.4, 0.3), "adobe"),
+        "linear": custom("0.5 0.25 0 1", NSSpaceID=16),
+        "white": a.gray(2 / 3), "device white": a.gray(0.5, 0.25, "device"),
+        "gamma22": a.gray(2 / 3, 0.75, "gamma22"), "clear": a.gray(0, 0),
+        "generic gray": raw(NSColorSpace=3, NSWhite="0.5\0",
+                            NSCustomColorSpace=a.color_space(NSID=2, NSModel=0)),
+        "extended gray": custom("0.5 1", NSSpaceID=15, NSModel=0),
+        "cmyk": a.cmyk(0.25, 0.5, 0, 0.5), "cymk": raw(NSColorSpace=5, NSCYMK="0 0 0 0.25 0.5"),
+        "custom cmyk": custom("0 0 1 0 0.5", NSID=3, NSModel=2),
+        "no nul": raw(NSColorSpace=1, NSRGB="1 0.5 0"),
+        "plain object": raw(NSColorSpace=1, NSRGB=a.data(b"1 0.5 0\0")),
+        "text object": raw(NSColorSpace=1, NSRGB=a.add("1 0.5 0")),
+        "tiny": raw(NSColorSpace=1, NSRGB="7.043773371e-05 1e-400 1e400\0"),
+        "junk": raw(NSColorSpace=1, NSRGB="0.5 abc 1\0"),
+        "not numbers": raw(NSColorSpace=1, NSRGB="nan inf 0.5\0"),
+        "many": raw(NSColorSpace=1, NSRGB=" ".join(["0.5"] * 1000)),
+        "none": raw(NSColorSpace=1), "empty": raw(NSColorSpace=1, NSRGB="\0"),
+        "nothing": raw(), "unknown space": raw(NSColorSpace=99, NSWhite="0.5\0"),
+        "wrong key": raw(NSColorSpace=1, NSWhite="0.5\0"),
+        "space is text": raw(NSColorSpace="1", NSRGB="0 1 0"),
+        "wrong count": custom("0.1 0.2 0.3", legacy="0 1 0\0", NSID=7),
+        "unknown custom": custom("0.1 0.2 0.3 1", legacy="0 1 0\0", NSID=77),
+        "catalog": a.catalog_color("textColor", a.color((0, 1, 0))),
+        "catalog alone": a.catalog_color("controlTextColor", None),
+        "catalog light": a.catalog_color("textBackgroundColor", None),
+        "catalog loop": loop,
+        "pattern": a.pattern_color(a.array(["any object"])),
+        "icc": custom("0.5 0.4 0.3 0.5", icc=adobe),
+        "icc wrapped": raw(NSColorSpace=1, NSRGB="1 0 1\0", NSComponents="0.5 0.4 0.3 1",
+                           NSCustomColorSpace=a.obj(["NSColorSpace", "NSObject"],
+                                                    {"NSICC": a.mutable_data(adobe)})),
+        "icc ignored": custom("0.5 0.4 0.3 1", icc=adobe, NSID=7),
+        "icc gray": custom("0.5 1", icc=icc_profiles.gray(1.8), NSModel=0),
+        "icc cmyk": custom("0 0 0 0.5 1", icc=icc_profiles.cmyk(), NSModel=2),
+        "icc truncated": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=adobe[:200]),
+        "icc header": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=adobe[:20]),
+        "icc empty": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=b"")}
+    return a.to_bytes()
 
 
 def everything_finite():

@@ -44,4 +44,7 @@ inline constexpr int64_t kMaxEdgePixels = int64_t{1} << 32;
 /// whole box at once.
 inline constexpr size_t kMaxHeldEdges = size_t{1} << 24;
 
+/// Largest colour profile looked at. Profiles of presses with their tables reach some megabytes.
+inline constexpr size_t kMaxProfileBytes = size_t{16} << 20;
+
 }  // namespace limits
