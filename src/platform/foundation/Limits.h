@@ -47,4 +47,8 @@ inline constexpr size_t kMaxHeldEdges = size_t{1} << 24;
 /// Largest colour profile looked at. Profiles of presses with their tables reach some megabytes.
 inline constexpr size_t kMaxProfileBytes = size_t{16} << 20;
 
+/// UTF-16 units of one text that are laid out, over three hundred dense pages. Set in one line or
+/// one character a line they cost about 100 MB and a second.
+inline constexpr size_t kMaxLaidOutUnits = size_t{1} << 20;
+
 }  // namespace limits

@@ -1,0 +1,8 @@
+#pragma once
+
+/// A function of one of the engine's own modules: parts that stand on large libraries and are
+/// loaded by the documents that need them. `module` is its name without folder and suffix. The
+/// module is searched in the folder "paintengine" beside the shared library that this code is in,
+/// then below the library folder of the prefix that the running program is in; it stays loaded
+/// for the rest of the process. Null when it or the function is not there.
+void* loadModuleFunction(const char* module, const char* function);

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/text/TextLayout.h"
+
+/// Extent of a line above and below its baseline, whole points.
+struct LineMetrics {
+  double ascent = 0;
+  double descent = 0;
+  double leading = 0;  ///< below the descent
+
+  double height() const { return ascent + descent + leading; }
+  /// Takes the larger of each.
+  void include(const LineMetrics& other);
+};
+
+/// Of text in a face. Each part is rounded by itself, as the platform does: that makes line tops
+/// and baselines whole points.
+LineMetrics lineMetrics(const ResolvedFont& font, const TextStyle& style, FontLeading leading);
+
+/// Distance of a style's baseline above the line's, points.
+double baselineRise(const TextStyle& style);

@@ -1,0 +1,12 @@
+#include "platform/text/TextLibraries.h"
+
+#include "platform/LoadableModule.h"
+
+const TextLibraries* textLibraries() {
+  static const TextLibraries* const libraries = [] {
+    const auto entry =
+        reinterpret_cast<TextLibrariesEntry>(loadModuleFunction("painttext", kTextLibrariesEntry));
+    return entry == nullptr ? nullptr : entry();
+  }();
+  return libraries;
+}

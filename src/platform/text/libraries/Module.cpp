@@ -1,0 +1,54 @@
+// The module's face to the engine.
+#include <hb.h>
+#include <unicode/uchar.h>
+
+#include "platform/text/libraries/FontFile.h"
+#include "platform/text/libraries/FontIndexes.h"
+#include "platform/text/libraries/UnicodeText.h"
+
+namespace {
+
+class Libraries : public TextLibraries {
+ public:
+  std::shared_ptr<const FontIndex> installedFonts() const override { return indexInstalledFonts(); }
+
+  std::shared_ptr<const FontIndex> fontsInFiles(std::span<const std::string> files) const override {
+    return indexFontFiles(files);
+  }
+
+  std::shared_ptr<const FontFace> openFace(const std::string& file, uint32_t index) const override {
+    return openFontFace(file, index);
+  }
+
+  void findClusters(std::u16string_view text, std::vector<uint8_t>& starts) const override {
+    findClusterStarts(text, starts);
+  }
+
+  void findLineBreaks(std::u16string_view text, std::vector<uint8_t>& breaks) const override {
+    findLineStarts(text, breaks);
+  }
+
+  BidiLevels bidiLevels(std::u16string_view text, BaseDirection base) const override {
+    return findBidiLevels(text, base);
+  }
+
+  uint32_t scriptOf(char32_t character) const override {
+    return hb_script_to_iso15924_tag(hb_unicode_script(hb_unicode_funcs_get_default(), character));
+  }
+
+  bool hasEmojiPresentation(char32_t character) const override {
+    return u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_EMOJI_PRESENTATION) != 0;
+  }
+
+  bool isDefaultIgnorable(char32_t character) const override {
+    return u_hasBinaryProperty(static_cast<UChar32>(character),
+                               UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
+  }
+};
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) const TextLibraries* paintTextLibraries() {
+  static const Libraries libraries;
+  return &libraries;
+}

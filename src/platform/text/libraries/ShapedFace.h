@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/text/libraries/FontFile.h"
+
+/// A face shaped and outlined by HarfBuzz.
+class ShapedFace : public FontFace {
+ public:
+  explicit ShapedFace(HbFont font);
+
+  const FaceMetrics& metrics() const override { return metrics_; }
+  uint32_t glyphForCharacter(char32_t character) const override;
+  bool hasColorBitmaps() const override { return hasColorBitmaps_; }
+  void appendOutline(uint32_t glyph, PathData& path) const override;
+  std::optional<GlyphBitmap> colorBitmap(uint32_t glyph) const override;
+  void shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const override;
+
+ private:
+  HbFont font_;
+  FaceMetrics metrics_;
+  bool hasColorBitmaps_;
+};
