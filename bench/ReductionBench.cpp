@@ -24,7 +24,9 @@ void scale(benchmark::State& state) {
       {{0, 0}, source->size()},
       {{0, 0}, {static_cast<double>(state.range(0)), static_cast<double>(state.range(1))}}};
   runAsMultiple(state, "x_memcpy", unit, [&] {
-    Resampler resampler(*source, mapping, {0, 0, state.range(0), state.range(1)});
+    const PixelBox visible{0, 0, static_cast<int32_t>(state.range(0)),
+                           static_cast<int32_t>(state.range(1))};
+    Resampler resampler(*source, mapping, visible);
     for (int64_t y = 0; y < state.range(1); ++y) benchmark::DoNotOptimize(resampler.row(y));
   });
 }

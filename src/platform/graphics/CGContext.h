@@ -68,8 +68,9 @@ class CGContext {
   }
   void paintInside(const ClipRegion& clip, const CoverageShape& shape, const SpanPaint& paint,
                    NSCompositingOperation operation);
-  void drawMoved(const NSBitmapImageRep& image, int32_t dx, int32_t dy, const CoverageShape& shape,
-                 NSCompositingOperation operation, uint32_t alpha);
+  /// Paints with a source of which only the device rows `painted` can be anything but transparent.
+  void paintRows(const RowRange& painted, const CoverageShape& shape, const SpanPaint& paint,
+                 NSCompositingOperation operation);
 
   PathRenderer renderer_;
   PixelSurface surface_;

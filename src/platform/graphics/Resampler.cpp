@@ -23,16 +23,16 @@ constexpr size_t kTapGroup = 4;
 }  // namespace
 
 Resampler::Resampler(const NSBitmapImageRep& source, const ResampleMapping& mapping,
-                     const PixelRect& visible)
+                     const PixelBox& visible)
     : source_(source),
       visible_(visible),
       horizontal_(horizontalAxis(mapping), source.pixelsWide()),
       vertical_(verticalAxis(mapping), source.pixelsHigh()) {
-  if (visible.width <= 0 || horizontal_.empty() || vertical_.empty()) return;
+  if (visible.empty() || horizontal_.empty() || vertical_.empty()) return;
   findPaintedRows();
   if (painted_.empty()) return;
   buildColumns();
-  const auto visibleBytes = static_cast<size_t>(visible.width) * kChannels;
+  const auto visibleBytes = static_cast<size_t>(visible.width()) * kChannels;
   const auto columnBytes = static_cast<size_t>(columnCount_) * kChannels;
   out_.resize(visibleBytes);
   columns_.resize(columnBytes + kTapGroup * kChannels);
@@ -46,18 +46,18 @@ Resampler::Resampler(const NSBitmapImageRep& source, const ResampleMapping& mapp
 void Resampler::buildColumns() {
   // Windows move in one direction, so the outermost pixels need the outermost columns.
   FilterWindow window;
-  horizontal_.window(visible_.x, window);
+  horizontal_.window(visible_.x0, window);
   firstColumn_ = window.first;
   int64_t endColumn = window.end();
-  horizontal_.window(visible_.x + visible_.width - 1, window);
+  horizontal_.window(visible_.x1 - 1, window);
   firstColumn_ = std::min(firstColumn_, window.first);
   endColumn = std::max(endColumn, window.end());
   columnCount_ = endColumn - firstColumn_;
 
   copies_ = horizontal_.cellSize() == 1 && vertical_.cellSize() == 1;
-  windows_.reserve(static_cast<size_t>(visible_.width));
-  for (int64_t x = 0; x < visible_.width; ++x) {
-    horizontal_.window(visible_.x + x, window);
+  windows_.reserve(static_cast<size_t>(visible_.width()));
+  for (int64_t x = 0; x < visible_.width(); ++x) {
+    horizontal_.window(visible_.x0 + x, window);
     copies_ = copies_ && window.weights.size() == 1 && window.first == firstColumn_ + x;
     const size_t padding = -window.weights.size() % kTapGroup;
     windows_.push_back({static_cast<uint32_t>(window.first - firstColumn_),
@@ -83,7 +83,7 @@ void Resampler::findPaintedRows() {
     vertical_.window(y, rowWindow_);
     return rowWindow_.first < used.end && rowWindow_.end() > used.first;
   };
-  painted_ = {visible_.y, visible_.y + visible_.height};
+  painted_ = {visible_.y0, visible_.y1};
   while (!painted_.empty() && !isPainted(painted_.first)) ++painted_.first;
   while (!painted_.empty() && !isPainted(painted_.end - 1)) --painted_.end;
 }
@@ -145,12 +145,13 @@ void Resampler::averageRow(int64_t cell, uint8_t* out) {
   averageCells(totals_.data(), pixels, cellSize, static_cast<size_t>(bottom - top), out);
 }
 
-std::shared_ptr<NSBitmapImageRep> resampledBitmap(const NSBitmapImageRep& source, int64_t width,
-                                                  int64_t height) {
+std::shared_ptr<NSBitmapImageRep> resampledPart(const NSBitmapImageRep& source, const NSRect& part,
+                                                int64_t width, int64_t height) {
   auto result = NSBitmapImageRep::create(width, height);
   if (result == nullptr) return nullptr;
-  const ResampleMapping mapping{{{0, 0}, source.size()}, {{0, 0}, result->size()}};
-  Resampler resampler(source, mapping, {0, 0, width, height});
+  const ResampleMapping mapping{part, {{0, 0}, result->size()}};
+  Resampler resampler(source, mapping,
+                      {0, 0, static_cast<int32_t>(width), static_cast<int32_t>(height)});
   const RowRange painted = resampler.paintedRows();
   for (int64_t y = painted.first; y < painted.end; ++y) {
     std::memcpy(result->writableRows(y, y + 1), resampler.row(y), result->bytesPerRow());

@@ -8,14 +8,7 @@
 #include "platform/graphics/FilterAxis.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "platform/graphics/ResampleKernels.h"
-
-/// A rectangle of whole pixels, rows counted from the top.
-struct PixelRect {
-  int64_t x = 0;
-  int64_t y = 0;
-  int64_t width = 0;
-  int64_t height = 0;
-};
+#include "platform/graphics/pixels/PixelBox.h"
 
 /// How a picture is scaled. Both rectangles count rows from the top and may be fractional; the part
 /// of `source` outside the bitmap repeats the bitmap's edge.
@@ -35,12 +28,12 @@ class Resampler {
   /// Destination pixels of `visible` will be asked for; those outside `mapping.destination` show
   /// the edge of the source. The bitmap must outlive the resampler and stay unchanged.
   Resampler(const NSBitmapImageRep& source, const ResampleMapping& mapping,
-            const PixelRect& visible);
+            const PixelBox& visible);
 
   /// Destination rows, within `visible`, that may hold anything but transparent pixels.
   RowRange paintedRows() const { return painted_; }
 
-  /// The visible.width pixels of destination row `y`, which must be one of paintedRows(). Valid
+  /// The pixels of `visible` in destination row `y`, which must be one of paintedRows(). Valid
   /// until the next call. Rows may be asked for in any order; ascending or descending is cheapest.
   const uint8_t* row(int64_t y);
 
@@ -52,7 +45,7 @@ class Resampler {
   void averageRow(int64_t cell, uint8_t* out);
 
   const NSBitmapImageRep& source_;
-  PixelRect visible_;
+  PixelBox visible_;
   FilterAxis horizontal_;
   FilterAxis vertical_;
   RowRange painted_;
@@ -73,6 +66,13 @@ class Resampler {
   std::vector<uint32_t> totals_;
 };
 
-/// The whole bitmap stretched to a new size; null when NSBitmapImageRep::create fails.
-std::shared_ptr<NSBitmapImageRep> resampledBitmap(const NSBitmapImageRep& source, int64_t width,
-                                                  int64_t height);
+/// A part of a bitmap, in pixels with rows counted from the top, stretched to a new size; null when
+/// NSBitmapImageRep::create fails.
+std::shared_ptr<NSBitmapImageRep> resampledPart(const NSBitmapImageRep& source, const NSRect& part,
+                                                int64_t width, int64_t height);
+
+/// The whole bitmap stretched to a new size.
+inline std::shared_ptr<NSBitmapImageRep> resampledBitmap(const NSBitmapImageRep& source,
+                                                         int64_t width, int64_t height) {
+  return resampledPart(source, {{0, 0}, source.size()}, width, height);
+}

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/Resampler.h"
 
 namespace {
 
@@ -255,6 +256,89 @@ TEST(DrawInRect, EnlargedBitmapsExtendTheirEdges) {
     EXPECT_NEAR(pixelAt(*bitmap, x, 0) & 255, bilinear[x], 1) << x;
     EXPECT_EQ(pixelAt(*bitmap, x, 0) >> 24, 255U) << x;
   }
+}
+
+/// Stripes of opaque white and black, one pixel each: the hardest picture to reduce.
+std::shared_ptr<NSBitmapImageRep> stripes(int64_t width, int64_t height) {
+  auto bitmap = NSBitmapImageRep::create(width, height);
+  uint8_t* p = bitmap->writableRows(0, height);
+  for (int64_t i = 0; i < width * height; ++i, p += 4) {
+    const uint32_t pixel = i % width % 2 == 0 ? 0xffffffff : 0xff000000;
+    std::memcpy(p, &pixel, 4);
+  }
+  return bitmap;
+}
+
+TEST(DrawInRect, UprightPicturesGoThroughTheResamplingFilter) {
+  const auto source = stripes(90, 70);
+  for (const bool mirrored : {false, true}) {
+    const auto bitmap = bitmapOf(40, 30);
+    ZTFocusScope focus(bitmap);
+    CGContext* port = NSGraphicsContext::currentContext()->graphicsPort();
+    if (mirrored) port->concatenate({-1, 0, 0, 1, 40, 0});
+    drawInRect(*source, NSMakeRect(4, 3, 29, 17));
+    // The rectangle's upper edge is at row 30 - 20; mirrored it starts at column 40 - 33.
+    const int64_t left = mirrored ? 7 : 4;
+    const ResampleMapping mapping{
+        {{0, 0}, {90, 70}}, {{static_cast<double>(left), 10}, {29, 17}}, mirrored, false};
+    Resampler expected(*source, mapping, {0, 0, 40, 30});
+    for (int64_t y = 0; y < 30; ++y) {
+      for (int64_t x = 0; x < 40; ++x) {
+        const bool inside = x >= left && x < left + 29 && y >= 10 && y < 27;
+        uint32_t pixel = 0;
+        if (inside) std::memcpy(&pixel, expected.row(y) + 4 * x, 4);
+        ASSERT_EQ(pixelAt(*bitmap, x, y), pixel) << x << "," << y;
+      }
+    }
+  }
+}
+
+TEST(DrawInRect, ClippingCostsOnlyWhatIsVisibleAndChangesNothing) {
+  const auto source = stripes(300, 200);
+  const auto whole = bitmapOf(50, 50);
+  const auto clipped = bitmapOf(50, 50);
+  const NSRect destination = NSMakeRect(-10.25, 5.5, 70, 33.3);
+  {
+    ZTFocusScope focus(whole);
+    drawInRect(*source, destination);
+  }
+  ZTFocusScope focus(clipped);
+  NSRectClip(NSMakeRect(20, 10, 7, 6));
+  drawInRect(*source, destination);
+  for (int64_t y = 0; y < 50; ++y) {
+    for (int64_t x = 0; x < 50; ++x) {
+      const bool inside = x >= 20 && x < 27 && y >= 34 && y < 40;
+      EXPECT_EQ(pixelAt(*clipped, x, y), inside ? pixelAt(*whole, x, y) : 0U) << x << "," << y;
+    }
+  }
+}
+
+TEST(DrawInRect, TurnedPicturesAreReducedBeforeTheyAreSampled) {
+  const auto source = stripes(400, 400);
+  const auto bitmap = bitmapOf(40, 40);
+  ZTFocusScope focus(bitmap);
+  CGContext* port = NSGraphicsContext::currentContext()->graphicsPort();
+  port->concatenate(CGAffineTransformMakeRotation(M_PI / 7));
+  drawInRect(*source, NSMakeRect(0, -20, 60, 60));
+  for (int64_t y = 10; y < 30; ++y) {
+    for (int64_t x = 10; x < 30; ++x) {
+      ASSERT_NEAR(pixelAt(*bitmap, x, y) & 255, 127, 4) << x << "," << y;
+      ASSERT_EQ(pixelAt(*bitmap, x, y) >> 24, 255U);
+    }
+  }
+}
+
+TEST(DrawInRect, CopyErasesWhereAScaledSourceWasNeverPainted) {
+  const auto source = NSBitmapImageRep::create(100, 100);
+  std::memset(source->writableRows(0, 10), 255, 10 * source->bytesPerRow());
+  const auto bitmap = bitmapOf(20, 20);
+  ZTFocusScope focus(bitmap);
+  setFill(kRed);
+  NSRectFill(NSMakeRect(0, 0, 20, 20));
+  drawInRect(*source, NSMakeRect(0, 0, 19, 20), NSZeroRect, NSCompositingOperation::copy, 1);
+  EXPECT_EQ(pixelAt(*bitmap, 5, 0), 0xffffffffU);
+  EXPECT_EQ(pixelAt(*bitmap, 5, 10), 0U);
+  EXPECT_EQ(pixelAt(*bitmap, 19, 10), kRedPixel);
 }
 
 TEST(DrawInRect, DrawingABitmapOntoItselfReadsItAsItWas) {

@@ -38,14 +38,14 @@ std::vector<double> referenceWeights(const AxisMapping& m, int64_t pixelCount, i
 }
 
 std::shared_ptr<NSBitmapImageRep> reference(const NSBitmapImageRep& source,
-                                            const ResampleMapping& m, const PixelRect& visible) {
+                                            const ResampleMapping& m, const PixelBox& visible) {
   const AxisMapping across{m.source.origin.x, m.source.size.width, m.destination.origin.x,
                            m.destination.size.width, m.mirroredX};
   const AxisMapping down{m.source.origin.y, m.source.size.height, m.destination.origin.y,
                          m.destination.size.height, m.mirroredY};
-  return makeBitmap(visible.width, visible.height, [&](int64_t x, int64_t y) {
-    const auto wx = referenceWeights(across, source.pixelsWide(), visible.x + x);
-    const auto wy = referenceWeights(down, source.pixelsHigh(), visible.y + y);
+  return makeBitmap(visible.width(), visible.height(), [&](int64_t x, int64_t y) {
+    const auto wx = referenceWeights(across, source.pixelsWide(), visible.x0 + x);
+    const auto wy = referenceWeights(down, source.pixelsHigh(), visible.y0 + y);
     double sums[4] = {};
     for (int64_t sy = 0; sy < source.pixelsHigh(); ++sy) {
       if (wy[static_cast<size_t>(sy)] == 0) continue;
@@ -63,12 +63,12 @@ std::shared_ptr<NSBitmapImageRep> reference(const NSBitmapImageRep& source,
 }
 
 std::shared_ptr<NSBitmapImageRep> resample(const NSBitmapImageRep& source, const ResampleMapping& m,
-                                           const PixelRect& visible) {
-  auto result = NSBitmapImageRep::create(visible.width, visible.height);
+                                           const PixelBox& visible) {
+  auto result = NSBitmapImageRep::create(visible.width(), visible.height());
   Resampler resampler(source, m, visible);
   const RowRange painted = resampler.paintedRows();
   for (int64_t y = painted.first; y < painted.end; ++y) {
-    std::memcpy(result->writableRows(y - visible.y, y - visible.y + 1), resampler.row(y),
+    std::memcpy(result->writableRows(y - visible.y0, y - visible.y0 + 1), resampler.row(y),
                 result->bytesPerRow());
   }
   return result;
@@ -85,7 +85,7 @@ TEST(Resampler, MatchesDoublePrecisionReference) {
     const char* name;
     int64_t width, height;
     ResampleMapping mapping;
-    PixelRect visible;
+    PixelBox visible;
   };
   const Case cases[] = {
       {"reduce 4:1", 64, 48, {{{0, 0}, {64, 48}}, {{0, 0}, {16, 12}}}, {0, 0, 16, 12}},
@@ -97,9 +97,9 @@ TEST(Resampler, MatchesDoublePrecisionReference) {
       {"to one pixel", 50, 40, {{{0, 0}, {50, 40}}, {{0, 0}, {1, 1}}}, {0, 0, 1, 1}},
       {"part, fractional", 30, 30, {{{3.3, 4.6}, {20.5, 11.2}}, {{0, 0}, {9, 8}}}, {0, 0, 9, 8}},
       {"less than a pixel", 5, 5, {{{2.2, 1.1}, {0.5, 0.25}}, {{0, 0}, {4, 4}}}, {0, 0, 4, 4}},
-      {"onto fractions", 20, 20, {{{0, 0}, {20, 20}}, {{2.4, -3.7}, {9.3, 30.1}}}, {2, -4, 10, 31}},
+      {"onto fractions", 20, 20, {{{0, 0}, {20, 20}}, {{2.4, -3.7}, {9.3, 30.1}}}, {2, -4, 12, 27}},
       {"mirrored", 31, 20, {{{0, 0}, {31, 20}}, {{0, 0}, {10, 45}}, true, true}, {0, 0, 10, 45}},
-      {"beyond the bitmap", 8, 8, {{{-4, 2}, {16, 12}}, {{0, 0}, {16, 12}}}, {4, 0, 8, 6}},
+      {"beyond the bitmap", 8, 8, {{{-4, 2}, {16, 12}}, {{0, 0}, {16, 12}}}, {4, 0, 12, 6}},
   };
   unsigned seed = 1;
   for (const Case& c : cases) {
@@ -144,12 +144,12 @@ TEST(Resampler, UniformAreasStayExact) {
   for (const Pixel& colour : colours) {
     const auto source = makeBitmap(301, 97, [&](int64_t, int64_t) { return colour; });
     for (const NSSize size : {NSSize{7, 3}, {300, 96}, {302, 200}, {77.7, 10.1}, {2, 2}}) {
-      const PixelRect visible{0, 0, static_cast<int64_t>(std::ceil(size.width)),
-                              static_cast<int64_t>(std::ceil(size.height))};
+      const PixelBox visible{0, 0, static_cast<int32_t>(std::ceil(size.width)),
+                             static_cast<int32_t>(std::ceil(size.height))};
       const auto result =
           resample(*source, wholeMapping(*source, size.width, size.height), visible);
       const auto expected =
-          makeBitmap(visible.width, visible.height, [&](int64_t, int64_t) { return colour; });
+          makeBitmap(visible.width(), visible.height(), [&](int64_t, int64_t) { return colour; });
       EXPECT_EQ(maxDifference(*result, *expected), 0) << size.width;
     }
   }
@@ -178,7 +178,7 @@ TEST(Resampler, WholePixelMovesCopy) {
     return Pixel{255, static_cast<uint8_t>(x * 20), static_cast<uint8_t>(y * 30), 7};
   });
   const ResampleMapping mapping{{{2, 1}, {6, 5}}, {{-1, 3}, {6, 5}}};
-  const auto result = resample(*source, mapping, {0, 4, 5, 4});
+  const auto result = resample(*source, mapping, {0, 4, 5, 8});
   for (int64_t y = 0; y < 4; ++y) {
     for (int64_t x = 0; x < 5; ++x) {
       EXPECT_EQ(pixelAt(*result, x, y), pixelAt(*source, x + 3, y + 2));
@@ -190,14 +190,13 @@ TEST(Resampler, PartOfTheDestinationIsThatPartOfTheWhole) {
   const auto source = randomBitmap(200, 300, 5);
   for (const NSSize size : {NSSize{90.5, 70.25}, {500, 400}, {1.5, 2}}) {
     const ResampleMapping mapping = wholeMapping(*source, size.width, size.height);
-    const PixelRect all{0, 0, static_cast<int64_t>(size.width), static_cast<int64_t>(size.height)};
-    const PixelRect part{all.width / 3, all.height / 2, all.width - all.width / 3,
-                         all.height - all.height / 2};
+    const PixelBox all{0, 0, static_cast<int32_t>(size.width), static_cast<int32_t>(size.height)};
+    const PixelBox part{all.x1 / 3, all.y1 / 2, all.x1, all.y1};
     const auto whole = resample(*source, mapping, all);
     const auto result = resample(*source, mapping, part);
-    for (int64_t y = 0; y < part.height; ++y) {
+    for (int64_t y = 0; y < part.height(); ++y) {
       ASSERT_EQ(
-          std::memcmp(result->row(y), whole->row(part.y + y) + part.x * 4, result->bytesPerRow()),
+          std::memcmp(result->row(y), whole->row(part.y0 + y) + part.x0 * 4, result->bytesPerRow()),
           0);
     }
   }
@@ -221,11 +220,10 @@ TEST(Resampler, PassesOverUnusedRows) {
   const auto sparse = NSBitmapImageRep::create(50, 400);
   std::memcpy(sparse->writableRows(130, 201), full->row(130), 71 * full->bytesPerRow());
   for (const NSSize size : {NSSize{25, 100}, {60, 900}, {5, 4}, {50, 400}}) {
-    const auto width = static_cast<int64_t>(size.width);
-    const auto height = static_cast<int64_t>(size.height);
+    const PixelBox all{0, 0, static_cast<int32_t>(size.width), static_cast<int32_t>(size.height)};
     const auto mapping = wholeMapping(*sparse, size.width, size.height);
-    const auto result = resample(*sparse, mapping, {0, 0, width, height});
-    EXPECT_EQ(maxDifference(*result, *resample(*full, mapping, {0, 0, width, height})), 0);
+    const auto result = resample(*sparse, mapping, all);
+    EXPECT_EQ(maxDifference(*result, *resample(*full, mapping, all)), 0);
   }
   Resampler resampler(*sparse, wholeMapping(*sparse, 25, 100), {0, 0, 25, 100});
   EXPECT_GE(resampler.paintedRows().first, 130 / 4 - 3);
@@ -260,8 +258,8 @@ TEST(Resampler, HugeMagnificationShowsEdgePixels) {
   const auto source = makeBitmap(2, 1, [](int64_t x, int64_t) {
     return x == 0 ? Pixel{10, 20, 30, 255} : Pixel{90, 80, 70, 255};
   });
-  const ResampleMapping mapping{{{0, 0}, {2, 1}}, {{-1e12, -1e12}, {2e12, 2e12}}};
-  const auto result = resample(*source, mapping, {-1'000'000'000'000, 5, 2, 1});
+  const ResampleMapping mapping{{{0, 0}, {2, 1}}, {{-1e9, -1e9}, {2e9, 2e9}}};
+  const auto result = resample(*source, mapping, {-1'000'000'000, 5, -999'999'998, 6});
   // Extrapolation at the very edge is bounded by the kernel's 1/8 overshoot.
   for (int c = 0; c < 3; ++c) EXPECT_NEAR(pixelAt(*result, 0, 0)[c], pixelAt(*source, 0, 0)[c], 10);
 }
