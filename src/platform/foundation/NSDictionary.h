@@ -50,6 +50,8 @@ class NSMutableDictionary : public NSDictionary {
  public:
   static const NSClass kClass;
   using NSDictionary::NSDictionary;
+  /// A dictionary with the same pairs, to be changed.
+  explicit NSMutableDictionary(const NSDictionary& other) : NSDictionary(other) {}
 
   /// Replaces the value of an equal key. Throws NSException (NSInvalidArgumentException) for null.
   void setObject(std::shared_ptr<NSObject> object, const std::shared_ptr<NSObject>& forKey);

@@ -64,6 +64,11 @@ class NSColor : public NSObject {
 
   std::shared_ptr<NSColor> colorWithAlphaComponent(double alpha) const;
 
+  // Make the colour the current graphics context's paint: for fills and strokes, or one of them.
+  void set() const;
+  void setFill() const;
+  void setStroke() const;
+
   const NSClass& classInfo() const override { return kClass; }
   /// The same numbers in the same space.
   bool isEqual(const NSObject& other) const override;

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "draw/core/DrawBase.h"
+#include "platform/foundation/NSObject.h"
+
+class DrawGroup;
+class DrawImage2;
+class NSBitmapImageRep;
+class NSColor;
+class NSData;
+class NSMutableData;
+
+/// Why a file is not a document, as integers that callers know.
+enum PaintDataError : int64_t {
+  kPaintDataSuccess = 0,
+  /// No data, no keyed archive, no document in it, or one that cannot be decoded.
+  kPaintDataUnreadable = 1,
+  /// Written by a newer version of the format.
+  kPaintDataNewerFormat = 2,
+  /// The canvas has more than limits::kMaxCanvasPixels pixels.
+  kPaintDataCanvasTooLarge = 3,
+};
+
+/// Which of the two bitmaps of a document are stale.
+enum ImageRefreshControl : int64_t {
+  kImagesCurrent = 0,
+  /// The full image must be recomposed from the buffer.
+  kRefreshFullImage = 1,
+  /// The buffer must be rebuilt too.
+  kRebuildBuffer = 2,
+};
+
+/// A document: canvas size in whole pixels, its draws bottom first, an optional background draw
+/// (always element 0 of the list), and the bitmaps they are composed into.
+///
+/// Composition draws into the calling thread's graphics context; a document is composed on one
+/// thread at a time.
+class PaintManager : public NSObject {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+
+  // ---- The file.
+  /// Whether the data is an archive that holds a document (of any version).
+  static bool detectPaintData(const std::shared_ptr<const NSData>& data);
+  /// The format version that the file says it was written by, 0 when it does not say; nothing
+  /// when it is no document.
+  static std::optional<int64_t> versionOfPaintData(const std::shared_ptr<const NSData>& data);
+  /// The document in a file's data, or null. `resolution` and `error` may be null; a resolution
+  /// that the file does not hold, or holds as 0, is left untouched.
+  static std::shared_ptr<PaintManager> paintMgrWithPaintData(
+      const std::shared_ptr<const NSData>& data, double* resolution, int64_t* error);
+  /// The file's data; the resolution is stored when greater than 0. Throws NSException when a draw
+  /// cannot be archived.
+  std::shared_ptr<NSMutableData> paintDataWithResolution(double resolution) const;
+
+  bool initWithCoder(NSCoder& coder) override;
+  void encodeWithCoder(NSCoder& coder) const override;
+
+  // ---- Canvas.
+  NSSize size() const { return size_; }
+  /// Sets the canvas size in whole pixels and drops both bitmaps.
+  void setSize(NSSize size);
+  const std::shared_ptr<NSColor>& backgroundColor() const { return _backgroundColor; }
+  /// No effect when the same object is given again.
+  void setBackgroundColor(std::shared_ptr<NSColor> color);
+  bool maskBackground() const { return bMaskWithBackground_; }
+  void setMaskBackground(bool mask) { bMaskWithBackground_ = mask; }
+
+  // ---- The draw list.
+  const DrawArray& allDraws() const { return aryDraw_; }
+  /// The last element, null for an empty list.
+  std::shared_ptr<DrawBase> toppestDraw() const;
+  /// The top-level draws that paint something.
+  DrawArray visibleDraws() const;
+  const std::shared_ptr<DrawImage2>& backgroundDraw() const { return drawBackground_; }
+  /// Makes a draw the background, element 0 of the list; null removes the background draw.
+  void setBackgroundDraw(std::shared_ptr<DrawImage2> draw);
+  /// The first top-level group whose own sub-draws contain the draw; null for top-level draws.
+  DrawGroup* groupForDraw(const DrawBase* draw) const;
+  /// Appends; refuses null and a draw that is in the list already.
+  bool addDraw(const std::shared_ptr<DrawBase>& draw);
+  /// Inserts below the element at `index`; refuses index 0 while there is a background draw.
+  bool insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index);
+  /// Removes a top-level draw, or a sub-draw of a top-level group.
+  bool removeDraw(const std::shared_ptr<DrawBase>& draw);
+
+  // ---- Composition.
+  /// The composed canvas, refreshed first when needed. Null when there is no memory for it.
+  std::shared_ptr<NSBitmapImageRep> fullImage();
+  /// The composed canvas as it stands: maybe null, maybe stale.
+  const std::shared_ptr<NSBitmapImageRep>& imageWithoutRefreshing() const { return image_; }
+  void refreshImage();
+  /// Marks as stale what a change of these draws makes stale.
+  void respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBase>> draws);
+  int64_t imageRefreshControl() const { return _imageRefreshControl; }
+  void setImageRefreshControl(int64_t control) { _imageRefreshControl = control; }
+  /// Drops both bitmaps; the next fullImage composes them again.
+  void clearMemeryBuffer();
+
+ private:
+  bool containsDraw(const DrawBase* draw) const;
+  void eraseDraw(const DrawBase* draw);
+  void convertLegacyDraws();
+  void rebuildBuffer();
+  void composeFullImage();
+  void applyBackgroundMask();
+
+  NSSize size_;
+  DrawArray aryDraw_;
+  std::shared_ptr<DrawImage2> drawBackground_;
+  bool bMaskWithBackground_ = false;
+  std::shared_ptr<NSColor> _backgroundColor;
+  std::shared_ptr<NSBitmapImageRep> image_;
+  std::shared_ptr<NSBitmapImageRep> imageBuffer_;
+  int64_t _imageRefreshControl = kRebuildBuffer;
+};

@@ -1,0 +1,57 @@
+#include "draw/core/DrawAttributes.h"
+
+#include <algorithm>
+
+#include "draw/core/ZTSmallKits.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSException.h"
+#include "platform/foundation/NSKeyedArchiver.h"
+#include "platform/foundation/NSString.h"
+
+namespace {
+
+constexpr const char* kClassName = "DAKeyClassName";
+
+bool archivesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NSObject>& b) {
+  try {
+    const auto first = NSKeyedArchiver::archivedDataWithRootObject(a);
+    const auto second = NSKeyedArchiver::archivedDataWithRootObject(b);
+    return std::ranges::equal(first->bytes(), second->bytes());
+  } catch (const NSException&) {
+    return false;
+  }
+}
+
+template <class T>
+const T* as(const std::shared_ptr<NSObject>& object) {
+  return dynamic_cast<const T*>(object.get());
+}
+
+bool valuesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NSObject>& b) {
+  if (!a->classInfo().isSubclassOf(b->classInfo()) &&
+      !b->classInfo().isSubclassOf(a->classInfo())) {
+    return false;
+  }
+  if (const auto* number = as<NSNumber>(a)) return number->isEqual(*b);
+  if (const auto* text = as<NSString>(a)) return text->isEqual(*b);
+  if (const auto* color = as<NSColor>(a)) return zt_isEqualWithColor(color, as<NSColor>(b));
+  if (const auto* g = as<NSGradient>(a)) return zt_isEqualWithGradient(g, as<NSGradient>(b));
+  if (const auto* shadow = as<NSShadow>(a)) return zt_isEqualWithShadow(shadow, as<NSShadow>(b));
+  return archivesAreEqual(a, b);
+}
+
+}  // namespace
+
+bool IsEqualDrawAttributes(const NSDictionary* a, const NSDictionary* b) {
+  const size_t count = a != nullptr ? a->count() : 0;
+  if (a == b) return true;
+  if (count != (b != nullptr ? b->count() : 0)) return false;
+  for (size_t i = 0; i < count; ++i) {
+    const auto& key = a->allKeys()[i];
+    if (key->isEqual(*NSString::stringWithString(kClassName))) continue;
+    const auto other = b->objectForKey(*key);
+    if (other == nullptr || !valuesAreEqual(a->allValues()[i], other)) return false;
+  }
+  return true;
+}

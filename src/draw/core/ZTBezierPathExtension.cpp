@@ -1,0 +1,158 @@
+#include "draw/core/ZTBezierPathExtension.h"
+
+#include <algorithm>
+#include <cmath>
+
+bool isPathClosed(const NSBezierPath& path) {
+  const int64_t n = path.elementCount();
+  return n >= 4 && (path.elementAtIndex(n - 1) == NSClosePathBezierPathElement ||
+                    path.elementAtIndex(n - 2) == NSClosePathBezierPathElement);
+}
+
+bool canClosePath(const NSBezierPath& path) {
+  return path.elementCount() >= 3 && !isPathClosed(path);
+}
+
+std::shared_ptr<NSBezierPath> removeLastElements(const NSBezierPath& path, int64_t n) {
+  auto result = path.copy();
+  result->removeElementsFrom(std::max<int64_t>(0, path.elementCount() - n));
+  return result;
+}
+
+bool toggleClosePath(NSBezierPath& path) {
+  if (isPathClosed(path)) {
+    const bool endsWithClose =
+        path.elementAtIndex(path.elementCount() - 1) == NSClosePathBezierPathElement;
+    path.removeElementsFrom(path.elementCount() - (endsWithClose ? 1 : 2));
+    return true;
+  }
+  if (!canClosePath(path)) return false;
+  path.closePath();
+  return true;
+}
+
+namespace {
+
+/// One drawn piece of a path: a line (2 points) or a cubic (4 points).
+struct Segment {
+  NSPoint p[4];
+  bool curved;
+  int64_t element;
+};
+
+double lengthOf(const Segment& s) {
+  return s.curved ? LengthOfCurvedBezierPath(s.p[0], s.p[1], s.p[2], s.p[3])
+                  : DistanceBetweenTwoPoints(s.p[0], s.p[1]);
+}
+
+NSPoint endOf(const Segment& s) {
+  return s.curved ? s.p[3] : s.p[1];
+}
+
+/// Calls visit(segment) for every drawn piece in order until it answers false.
+template <class Visit>
+void forEachSegment(const NSBezierPath& path, Visit visit) {
+  NSPoint start, current, p[3];
+  for (int64_t i = 0; i < path.elementCount(); ++i) {
+    Segment s{{current}, false, i};
+    switch (path.elementAtIndex(i, p)) {
+      case NSMoveToBezierPathElement:
+        start = current = p[0];
+        continue;
+      case NSLineToBezierPathElement:
+        s.p[1] = p[0];
+        break;
+      case NSCurveToBezierPathElement:
+        s = {{current, p[0], p[1], p[2]}, true, i};
+        break;
+      case NSClosePathBezierPathElement:
+        s.p[1] = start;
+        break;
+    }
+    if (!visit(s)) return;
+    current = endOf(s);
+  }
+}
+
+/// The position `length` along one segment.
+PathPosition positionOn(const Segment& s, double length) {
+  if (s.curved) {
+    CurveSearch search;
+    FindPointOnCurvedBezierPath(&search, s.p[0], s.p[1], s.p[2], s.p[3], length);
+    if (search.step == 0) search.direction = {s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y};
+    return {search.point, s.element, search.direction};
+  }
+  const double total = lengthOf(s);
+  const double fraction = total > 0 ? std::clamp(length / total, 0.0, 1.0) : 0;
+  return {InterpolateLineSegment(s.p[0], s.p[1], fraction),
+          s.element,
+          {s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y}};
+}
+
+double parameterAt(const Segment& s, double length, double total) {
+  if (length <= 0) return 0;
+  if (length >= total) return 1;
+  CurveSearch search;
+  FindPointOnCurvedBezierPath(&search, s.p[0], s.p[1], s.p[2], s.p[3], length);
+  return search.t;
+}
+
+/// Appends the piece of a segment between two lengths on it.
+void appendPiece(NSBezierPath& out, const Segment& s, double from, double to, double total) {
+  if (!s.curved) {
+    const NSPoint a = positionOn(s, from).point;
+    if (out.currentPoint() != a) out.moveToPoint(a);
+    out.lineToPoint(positionOn(s, to).point);
+    return;
+  }
+  const double t0 = parameterAt(s, from, total);
+  const double t1 = parameterAt(s, to, total);
+  const DividedCubic tail = DivideCubicBezierPath(s.p[0], s.p[1], s.p[2], s.p[3], t0);
+  if (!tail.hasSecond) return;
+  const NSPoint* c = tail.second;
+  const double rest = t1 >= 1 ? 1 : (t1 - t0) / (1 - t0);
+  const DividedCubic piece = DivideCubicBezierPath(c[0], c[1], c[2], c[3], rest);
+  if (!piece.hasFirst) return;
+  if (out.currentPoint() != piece.first[0]) out.moveToPoint(piece.first[0]);
+  out.curveToPoint(piece.first[3], piece.first[1], piece.first[2]);
+}
+
+}  // namespace
+
+float pathLineLength(const NSBezierPath& path) {
+  float total = 0;
+  forEachSegment(path, [&](const Segment& s) {
+    total = static_cast<float>(total + lengthOf(s));
+    return true;
+  });
+  return total;
+}
+
+PathPosition pointAtPercent(const NSBezierPath& path, double percent) {
+  const double wanted = std::clamp(percent, 0.0, 1.0) * static_cast<double>(pathLineLength(path));
+  PathPosition result;
+  double walked = 0;
+  forEachSegment(path, [&](const Segment& s) {
+    const double length = lengthOf(s);
+    result = positionOn(s, std::min(wanted - walked, length));
+    walked += length;
+    return walked < wanted;
+  });
+  return result;
+}
+
+std::shared_ptr<NSBezierPath> subPathWithLengthFrom(const NSBezierPath& path, double from,
+                                                    double to) {
+  auto result = path.copy();
+  result->removeAllPoints();
+  double walked = 0;
+  forEachSegment(path, [&](const Segment& s) {
+    const double length = lengthOf(s);
+    const double a = std::max(from - walked, 0.0);
+    const double b = std::min(to - walked, length);
+    if (a < b) appendPiece(*result, s, a, b, length);
+    walked += length;
+    return walked < to;
+  });
+  return result;
+}

@@ -1,0 +1,46 @@
+#include "draw/core/ZTSmallKits.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr CGFloat kColorStep = 0.003922;
+constexpr CGFloat kAlphaStep = 0.01;
+
+bool near(CGFloat a, CGFloat b, CGFloat step) {
+  return std::fabs(a - b) < step;
+}
+
+}  // namespace
+
+bool zt_isEqualWithColor(const NSColor* a, const NSColor* b) {
+  if (a == nullptr || b == nullptr) return false;
+  if (a == b) return true;
+  if (a->alphaComponent() < kAlphaStep && b->alphaComponent() < kAlphaStep) return true;
+  return near(a->redComponent(), b->redComponent(), kColorStep) &&
+         near(a->greenComponent(), b->greenComponent(), kColorStep) &&
+         near(a->blueComponent(), b->blueComponent(), kColorStep) &&
+         near(a->alphaComponent(), b->alphaComponent(), kAlphaStep);
+}
+
+bool zt_isEqualWithGradient(const NSGradient* a, const NSGradient* b) {
+  if (a == nullptr || b == nullptr) return false;
+  if (a == b) return true;
+  if (a->numberOfColorStops() != b->numberOfColorStops()) return false;
+  for (size_t i = 0; i < a->numberOfColorStops(); ++i) {
+    const auto& first = a->stops()[i];
+    const auto& second = b->stops()[i];
+    if (first.location != second.location) return false;
+    if (!zt_isEqualWithColor(first.color.get(), second.color.get())) return false;
+  }
+  return true;
+}
+
+bool zt_isEqualWithShadow(const NSShadow* a, const NSShadow* b) {
+  if (a == nullptr || b == nullptr) return false;
+  if (a == b) return true;
+  if (a->shadowOffset() != b->shadowOffset()) return false;
+  if (a->shadowBlurRadius() != b->shadowBlurRadius()) return false;
+  if (a->shadowColor() == b->shadowColor()) return true;
+  return zt_isEqualWithColor(a->shadowColor().get(), b->shadowColor().get());
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSGradient.h"
+#include "platform/graphics/NSShadow.h"
+
+/// Comparisons of value objects as a user would see them. Two nulls are never equal.
+
+/// Components within one step of 255 in calibrated RGB, alpha within 0.01; any two colours that are
+/// all but invisible are equal.
+bool zt_isEqualWithColor(const NSColor* a, const NSColor* b);
+/// Equal colours at equal locations.
+bool zt_isEqualWithGradient(const NSGradient* a, const NSGradient* b);
+/// Equal offset, blur radius and colour.
+bool zt_isEqualWithShadow(const NSShadow* a, const NSShadow* b);

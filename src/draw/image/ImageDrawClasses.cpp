@@ -1,0 +1,11 @@
+#include "draw/image/ImageDrawClasses.h"
+
+#include "draw/image/DrawImage.h"
+#include "draw/image/DrawImage2.h"
+
+void registerImageDrawClasses() {
+  static const NSClass* const kClasses[] = {&DrawImage::kClass,  &DrawFilter::kClass,
+                                            &DrawImage2::kClass, &DrawFilter2::kClass,
+                                            &DrawPDF::kClass,    &DrawSVG::kClass};
+  NSRegisterClasses(kClasses);
+}

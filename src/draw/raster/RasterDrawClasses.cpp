@@ -1,0 +1,40 @@
+#include "draw/raster/RasterDrawClasses.h"
+
+#include "draw/raster/DrawBrushes.h"
+#include "draw/raster/DrawFill.h"
+#include "draw/raster/DrawSelections.h"
+
+const NSClass DrawPen::kClass{"DrawPen", &DrawBase::kClass, NSAllocate<DrawPen>};
+const NSClass DrawEraser::kClass{"DrawEraser", &DrawPen::kClass, NSAllocate<DrawEraser>};
+const NSClass DrawAirbrush::kClass{"DrawAirbrush", &DrawBase::kClass, NSAllocate<DrawAirbrush>};
+const NSClass DrawFill::kClass{"DrawFill", &DrawBase::kClass, NSAllocate<DrawFill>};
+const NSClass DrawClear::kClass{"DrawClear", &DrawBase::kClass, NSAllocate<DrawClear>};
+const NSClass DrawRectSelection::kClass{"DrawRectSelection", &DrawRectangle::kClass,
+                                        NSAllocate<DrawRectSelection>};
+const NSClass DrawCrop::kClass{"DrawCrop", &DrawRectSelection::kClass, NSAllocate<DrawCrop>};
+const NSClass DrawEllipseSelection::kClass{"DrawEllipseSelection", &DrawEllipse::kClass,
+                                           NSAllocate<DrawEllipseSelection>};
+const NSClass DrawLassoSelection::kClass{"DrawLassoSelection", &DrawBase::kClass,
+                                         NSAllocate<DrawLassoSelection>};
+const NSClass DrawMagicSelection::kClass{"DrawMagicSelection", &DrawBase::kClass,
+                                         NSAllocate<DrawMagicSelection>};
+const NSClass DrawPolygonSelection::kClass{"DrawPolygonSelection", &DrawBezierPath::kClass,
+                                           NSAllocate<DrawPolygonSelection>};
+const NSClass DrawOldPolygonSelection::kClass{"DrawOldPolygonSelection", &DrawFreePolygon::kClass,
+                                              NSAllocate<DrawOldPolygonSelection>};
+
+void registerRasterDrawClasses() {
+  static const NSClass* const kClasses[] = {&DrawPen::kClass,
+                                            &DrawEraser::kClass,
+                                            &DrawAirbrush::kClass,
+                                            &DrawFill::kClass,
+                                            &DrawClear::kClass,
+                                            &DrawRectSelection::kClass,
+                                            &DrawCrop::kClass,
+                                            &DrawEllipseSelection::kClass,
+                                            &DrawLassoSelection::kClass,
+                                            &DrawMagicSelection::kClass,
+                                            &DrawPolygonSelection::kClass,
+                                            &DrawOldPolygonSelection::kClass};
+  NSRegisterClasses(kClasses);
+}

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Registers the draw classes of this folder: brush strokes, fills, clears and selections.
+void registerRasterDrawClasses();

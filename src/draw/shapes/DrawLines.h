@@ -1,0 +1,106 @@
+#pragma once
+
+#include "draw/core/DrawBase.h"
+
+/// An open draw whose ends may carry arrow heads. New ones have butt caps.
+class DrawArrowed : public DrawBase {
+ public:
+  int64_t arrowStyle() const override { return arrowStyle_; }
+  void setArrowStyle(int64_t style) { arrowStyle_ = style; }
+
+  void init() override;
+  std::shared_ptr<NSDictionary> drawAttributes() const override;
+  bool setDrawAttributes(const NSDictionary& attributes) override;
+  bool initWithCoder(NSCoder& coder) override;
+  void encodeWithCoder(NSCoder& coder) const override;
+
+ protected:
+  int64_t arrowStyle_ = 0;
+};
+
+class DrawLine : public DrawArrowed {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+  std::string name() const override { return "Line"; }
+
+  /// Rebuilds the path as one line.
+  void setStartPoint(NSPoint start, NSPoint endPoint);
+  NSPoint startPoint() const { return ptStart_; }
+  NSPoint endPoint() const { return ptEnd_; }
+  /// Derives the points from the path; zero points unless it is one line.
+  void updatePoints();
+  bool initWithCoder(NSCoder& coder) override;
+
+ private:
+  NSPoint ptStart_;
+  NSPoint ptEnd_;
+};
+
+class DrawCurve : public DrawArrowed {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+  std::string name() const override { return "Curve"; }
+
+  /// Rebuilds the path as one cubic.
+  void setStartPoint(NSPoint start, NSPoint ctlPoint1, NSPoint ctlPoint2, NSPoint endPoint);
+  NSPoint startPoint() const { return ptStart_; }
+  NSPoint ctlPoint1() const { return ptCtl1_; }
+  NSPoint ctlPoint2() const { return ptCtl2_; }
+  NSPoint endPoint() const { return ptEnd_; }
+  /// Derives the points from the path; zero points unless it is one cubic.
+  void updatePoints();
+  bool initWithCoder(NSCoder& coder) override;
+
+ private:
+  NSPoint ptStart_;
+  NSPoint ptEnd_;
+  NSPoint ptCtl1_;
+  NSPoint ptCtl2_;
+};
+
+class DrawFreePolygon;
+
+class DrawBrokenLine : public DrawArrowed {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+  std::string name() const override { return "Polyline"; }
+
+  /// The polygon that closing the polyline makes, unfilled, with the polyline's stroke.
+  std::shared_ptr<DrawFreePolygon> polygonForClosedPath() const;
+};
+
+/// Always filled, when its fill is on; joins are round.
+class DrawFreePolygon : public DrawBase {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+  bool classDrawBezierPathFill() const override { return true; }
+  std::string name() const override;
+
+  /// Number of sides while the draw is being created; not archived.
+  int64_t semgents() const { return _semgents; }
+  void setSemgents(int64_t count) { _semgents = count; }
+
+  void init() override;
+  bool initWithCoder(NSCoder& coder) override;
+
+ private:
+  int64_t _semgents = 0;
+};
+
+/// A general path: filled exactly when closed; only an open one can have a stroke outline.
+class DrawBezierPath : public DrawArrowed {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+  bool classDrawBezierPathFill() const override;
+  bool hasStrokeOutline() const override;
+  bool hasBorder() const override { return true; }
+  std::string name() const override;
+  // Arrow styles are copied among lines only.
+  std::shared_ptr<NSDictionary> drawAttributes() const override;
+  bool setDrawAttributes(const NSDictionary& attributes) override;
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/thumbnails/QLThumbnailProvider.h"
+
+/// Makes thumbnails of documents. Has no state of its own: any number of requests may run at once.
+class ThumbnailProvider : public QLThumbnailProvider {
+ public:
+  /// Replies synchronously, always without an error: a file that cannot be read or decoded gets a
+  /// reply of zero size whose block draws nothing.
+  void provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
+                                      const CompletionHandler& completionHandler) override;
+
+  /// Size of the drawing context for a bitmap of that many pixels: never larger than the bitmap.
+  /// A bitmap that is too high relative to its width gets a square context, into which it is
+  /// stretched.
+  static NSSize contextSize(int64_t pixelsWide, int64_t pixelsHigh, NSSize maximumSize);
+};

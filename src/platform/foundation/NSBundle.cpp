@@ -1,0 +1,11 @@
+#include "platform/foundation/NSBundle.h"
+
+#include "platform/foundation/NSString.h"
+
+std::shared_ptr<NSString> mainBundleObjectForInfoDictionaryKey(std::string_view key) {
+  if (key == "CFBundleName") return NSString::stringWithString("paintengine");
+  if (key == "CFBundleShortVersionString" || key == "CFBundleVersion") {
+    return NSString::stringWithString(PAINT_VERSION);
+  }
+  return nullptr;
+}

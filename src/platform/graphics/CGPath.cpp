@@ -1,0 +1,48 @@
+#include "platform/graphics/CGPath.h"
+
+#include "platform/graphics/PathShapes.h"
+#include "platform/graphics/pixels/PathBounds.h"
+
+void CGPath::addLineToPoint(CGPoint p) {
+  if (data_.empty()) return data_.move(p);
+  data_.line(p);
+}
+
+void CGPath::addQuadCurveToPoint(CGPoint control, CGPoint p) {
+  if (data_.empty()) return data_.move(p);
+  data_.quad(control, p);
+}
+
+void CGPath::addCurveToPoint(CGPoint control1, CGPoint control2, CGPoint p) {
+  if (data_.empty()) return data_.move(p);
+  data_.cubic(control1, control2, p);
+}
+
+void CGPath::closeSubpath() {
+  if (!data_.empty() && data_.verbs.back() != PathVerb::close) data_.close();
+}
+
+void CGPath::addRect(const CGRect& r) {
+  appendRect(data_, r);
+}
+
+void CGPath::addEllipseInRect(const CGRect& r) {
+  appendEllipse(data_, r, 0);
+}
+
+void CGPath::addPath(const CGPath& other, const CGAffineTransform& transform) {
+  const PathData source = other.data_;  // a path may be added to itself
+  data_.verbs.insert(data_.verbs.end(), source.verbs.begin(), source.verbs.end());
+  data_.points.reserve(data_.points.size() + source.points.size());
+  for (const CGPoint& p : source.points) {
+    data_.points.push_back(CGPointApplyAffineTransform(p, transform));
+  }
+}
+
+CGRect CGPath::boundingBox() const {
+  return controlPointBounds(data_).value_or(NSZeroRect);
+}
+
+CGRect CGPath::pathBoundingBox() const {
+  return tightPathBounds(data_).value_or(NSZeroRect);
+}

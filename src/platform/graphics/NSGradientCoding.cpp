@@ -1,0 +1,186 @@
+// The archived form of NSGradient. No real archive of one is known, so reading goes by the kinds
+// of values under whatever keys; writing uses the names of the host's own fields.
+#include <array>
+#include <bit>
+#include <cmath>
+#include <optional>
+
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSColorSpace.h"
+#include "platform/graphics/NSGradient.h"
+
+namespace {
+
+using Colors = std::vector<std::shared_ptr<NSColor>>;
+using Locations = std::vector<CGFloat>;
+
+// The names written, first in the lists of names known to be used for the same thing.
+constexpr const char* kColorsKey = "NSColors";
+constexpr const char* kLocationsKey = "NSLocations";
+constexpr const char* kColorSpaceKey = "NSColorSpace";
+constexpr std::array kColorsKeys = {kColorsKey, "NSColorArray", "NSGradientColors", "NSColorStops",
+                                    "colors"};
+constexpr std::array kLocationsKeys = {kLocationsKey, "NSColorLocations", "NSGradientLocations",
+                                       "NSLocationArray", "locations"};
+
+/// The record's keys, the well-known ones first.
+template <size_t kCount>
+std::vector<std::string> keysInOrder(NSCoder& coder, const std::array<const char*, kCount>& known) {
+  std::vector<std::string> keys;
+  for (const char* key : known) {
+    if (coder.containsValueForKey(key)) keys.emplace_back(key);
+  }
+  for (std::string& key : coder.decodableKeys()) keys.push_back(std::move(key));
+  return keys;
+}
+
+/// A stop kept as an object of its own: its one colour and one number.
+std::optional<NSGradient::Stop> stopOf(const NSDictionary& dictionary) {
+  NSGradient::Stop stop;
+  for (const auto& value : dictionary.allValues()) {
+    if (auto color = std::dynamic_pointer_cast<NSColor>(value)) stop.color = std::move(color);
+    if (const auto* n = dynamic_cast<const NSNumber*>(value.get()))
+      stop.location = n->doubleValue();
+  }
+  return stop.color ? std::optional(stop) : std::nullopt;
+}
+
+Colors colorsIn(const NSArray& array) {
+  Colors colors;
+  for (const auto& object : array) {
+    if (auto color = std::dynamic_pointer_cast<NSColor>(object)) colors.push_back(std::move(color));
+  }
+  return colors;
+}
+
+Locations numbersIn(const NSArray& array) {
+  Locations numbers;
+  for (const auto& object : array) {
+    if (const auto* n = dynamic_cast<const NSNumber*>(object.get())) {
+      numbers.push_back(n->doubleValue());
+    }
+  }
+  return numbers;
+}
+
+bool areLocations(const Locations& locations) {
+  CGFloat previous = 0;
+  for (const CGFloat location : locations) {
+    if (!(location >= previous && location <= 1)) return false;
+    previous = location;
+  }
+  return true;
+}
+
+enum class Endian : uint8_t { little, big };
+
+CGFloat realAt(std::span<const uint8_t> bytes, size_t width, Endian endian) {
+  uint64_t bits = 0;
+  for (size_t i = 0; i < width; ++i) {
+    bits = bits << 8 | bytes[endian == Endian::big ? i : width - 1 - i];
+  }
+  return width == 8 ? std::bit_cast<double>(bits)
+                    : std::bit_cast<float>(static_cast<uint32_t>(bits));
+}
+
+/// Locations in raw memory: a plain list, or one before or after the components of each colour.
+std::optional<Locations> locationsIn(std::span<const uint8_t> bytes, size_t count) {
+  for (const size_t width : {size_t{8}, size_t{4}}) {
+    if (count == 0 || bytes.size() % (count * width) != 0) continue;
+    const size_t group = bytes.size() / (count * width);
+    for (const Endian endian : {Endian::little, Endian::big}) {
+      for (const size_t place : {size_t{0}, group - 1}) {
+        if (group != 1 && group != 3 && group != 5 && group != 6) continue;
+        Locations locations;
+        for (size_t i = 0; i < count; ++i) {
+          locations.push_back(realAt(bytes.subspan((i * group + place) * width), width, endian));
+        }
+        if (areLocations(locations)) return locations;
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Locations> decodeLocations(NSCoder& coder, size_t count) {
+  for (const std::string& key : keysInOrder(coder, kLocationsKeys)) {
+    if (const auto array = coder.decodeObjectOfClass<NSArray>(key)) {
+      Locations numbers = numbersIn(*array);
+      if (numbers.size() == count && array->count() == count) return numbers;
+    } else if (const auto data = coder.decodeDataForKey(key)) {
+      if (auto locations = locationsIn(data->bytes(), count)) return locations;
+    }
+  }
+  return std::nullopt;
+}
+
+Colors decodeColors(NSCoder& coder) {
+  for (const std::string& key : keysInOrder(coder, kColorsKeys)) {
+    if (const auto array = coder.decodeObjectOfClass<NSArray>(key)) {
+      Colors colors = colorsIn(*array);
+      if (!colors.empty()) return colors;
+    }
+  }
+  // One key per colour: NSColor0, NSColor1, ...
+  Colors colors;
+  for (const char* prefix : {"NSColor", "NSColor."}) {
+    while (auto color =
+               coder.decodeObjectOfClass<NSColor>(prefix + std::to_string(colors.size()))) {
+      colors.push_back(std::move(color));
+    }
+    if (!colors.empty()) break;
+  }
+  return colors;
+}
+
+std::vector<NSGradient::Stop> decodeStopObjects(NSCoder& coder) {
+  for (const std::string& key : coder.decodableKeys()) {
+    const auto array = coder.decodeObjectOfClass<NSArray>(key);
+    if (array == nullptr) continue;
+    std::vector<NSGradient::Stop> stops;
+    for (const auto& object : *array) {
+      const auto* dictionary = dynamic_cast<const NSDictionary*>(object.get());
+      if (auto stop = dictionary ? stopOf(*dictionary) : std::nullopt) {
+        stops.push_back(std::move(*stop));
+      }
+    }
+    if (!stops.empty()) return stops;
+  }
+  return {};
+}
+
+}  // namespace
+
+bool NSGradient::initWithCoder(NSCoder& coder) {
+  const Colors colors = decodeColors(coder);
+  std::shared_ptr<NSGradient> gradient;
+  if (colors.empty()) {
+    gradient = initWithStops(decodeStopObjects(coder));
+  } else if (const auto locations = decodeLocations(coder, colors.size())) {
+    std::vector<Stop> stops;
+    for (size_t i = 0; i < colors.size(); ++i) stops.push_back({colors[i], (*locations)[i]});
+    gradient = initWithStops(std::move(stops));
+  } else {
+    gradient = initWithColors(colors);
+  }
+  if (gradient == nullptr) return false;
+  stops_ = std::move(gradient->stops_);
+  return true;
+}
+
+void NSGradient::encodeWithCoder(NSCoder& coder) const {
+  NSArray::Objects colors;
+  NSArray::Objects locations;
+  for (const Stop& stop : stops_) {
+    colors.push_back(stop.color);
+    locations.push_back(NSNumber::numberWithDouble(stop.location));
+  }
+  coder.encodeObject(NSArray::arrayWithObjects(std::move(colors)), kColorsKey);
+  coder.encodeObject(NSArray::arrayWithObjects(std::move(locations)), kLocationsKey);
+  coder.encodeObject(NSColorSpace::sRGBColorSpace(), kColorSpaceKey);
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "document/PaintManager.h"
+#include "platform/foundation/NSData.h"
+
+/// Bytes of a document that make_documents.py left in the build folder, for example "red".
+std::shared_ptr<NSData> madeDocumentData(const std::string& name);
+
+/// The document in it; fails the running test when it cannot be decoded.
+std::shared_ptr<PaintManager> madeDocument(const std::string& name);
+
+/// The top-level draw with that title; fails the running test when there is none.
+std::shared_ptr<DrawBase> drawTitled(const PaintManager& document, const std::string& title);

@@ -1,0 +1,166 @@
+#!/usr/bin/env python3
+"""Makes the documents that tests read:  make_documents.py OUTPUT_DIR
+
+Written without any code of the engine; what a reader must make of them stands in the tests.
+"""
+import os
+import sys
+
+from keyed_archive import Float32, UID
+from paint_document import DRAW_CLASSES, PaintDocument
+
+RED, BLUE = (1, 0, 0), (0, 0, 1)
+
+
+def canvas(width, height, **settings):
+    return PaintDocument(width, height, **settings)
+
+
+def with_draws(class_names, **settings):
+    doc = canvas(64, 64, **settings)
+    for name in class_names:
+        doc.add(name, outline=doc.rectangle(8, 8, 16, 16), stroke=RED)
+    return doc
+
+
+def all_classes():
+    return with_draws(DRAW_CLASSES)
+
+
+def background(flag=True, first="DrawImage2"):
+    doc = with_draws([first, "DrawEllipse"])
+    doc.has_background = flag
+    return doc
+
+
+def nested_groups():
+    doc = canvas(64, 64)
+    legacy = lambda title: doc.draw("DrawImage", outline=doc.rectangle(0, 0, 8, 8), title=title)
+    inner = doc.group([legacy("deep")])
+    doc.draws = [legacy("top"), doc.group([legacy("one deep"), inner])]
+    return doc
+
+
+def self_containing_group():
+    doc = canvas(64, 64)
+    group = doc.archive.reserve()
+    line = doc.draw("DrawLine", outline=doc.path([("M", 0, 0), ("L", 9, 9)]), stroke=RED)
+    doc.archive.fill(group, ["DrawGroup", "DrawBase", "NSObject"],
+                     {"Draws": doc.archive.array([line, group, line])})
+    doc.draws = [group, line, group]
+    return doc
+
+
+def group_chain(depth):
+    doc = canvas(64, 64)
+    group = doc.draw("DrawLine", stroke=RED)
+    for _ in range(depth):
+        group = doc.group([group])
+    doc.draws = [group]
+    return doc
+
+
+def group_bomb(levels):
+    """Groups that name the next one ten times each."""
+    doc = canvas(64, 64)
+    group = doc.draw("DrawLine", outline=doc.path([("M", 0, 0), ("L", 9, 9)]), stroke=RED)
+    for _ in range(levels):
+        group = doc.group([group] * 10)
+    doc.draws = [group] * 10
+    return doc
+
+
+def records():
+    """One draw for each rule of the common record, titled by what it shows."""
+    doc = canvas(64, 64)
+    a = doc.archive
+    path = doc.rectangle(0, 0, 10, 10, line_width=3.0, cap=1, join=2, dash=(6, 3))
+
+    def record(title, class_name="DrawRectangle", **fields):
+        slot = a.reserve()
+        fields["LayerTitle"] = a.add(title)
+        chain = [class_name] + (["DrawRectangle"] if class_name != "DrawRectangle" else [])
+        a.fill(slot, chain + ["DrawBase", "NSObject"], fields)
+        doc.draws.append(slot)
+
+    record("nothing")
+    record("stroke without color", EnableStroke=True, BezierPath=path)
+    record("stroke off", EnableStroke=False)
+    record("gradients missing", IsStrokeWithGdt=True, IsFillWithGdt=True, EnableFill=True)
+    record("gradients there", IsStrokeWithGdt=True, IsFillWithGdt=True, EnableFill=True,
+           IsStrokeRadialGdt=True, StrokeGdtDegree=Float32(12.5), StrokeGdtCenter=a.point(0.5, -1),
+           StrokeGradient=doc.gradient([(RED, 0), (BLUE, 1)]), FillGdtDegree=Float32(30),
+           FillGradient=doc.gradient([(RED, 0), (BLUE, 0.25), (RED, 1)]))
+    record("turn 540", RotateDegree=Float32(540))
+    record("turn -180", RotateDegree=Float32(-180))
+    record("turn 12.34567", RotateDegree=Float32(12.34567))
+    record("turn 1e30", RotateDegree=Float32(1e30))
+    record("alpha 250", Alpha=250)
+    record("alpha -5", Alpha=-5)
+    record("reflection without distance", EnableReflection=True, Reflection=Float32(0.5))
+    record("reflection at -59", EnableReflection=True, ReflectionDis=Float32(-59))
+    record("shadow missing", EnableShadow=True, EnableInnerShadow=True)
+    record("shadow there", EnableShadow=True, Shadow=doc.shadow(3, -4, 5, (0, 1, 0, 0.25)))
+    record("flags", Visible=False, SmoothLine=False, Locked=True)
+    record("outline", EnableStrokeOutline=True, StrokeOutlineWidth=Float32(2.5),
+           StrokeOutlineColor=doc.color(BLUE))
+    record("path of another class", BezierPath=doc.color(RED))
+    record("numbers of other kinds", EnableFill=1, Alpha=50.0, RotateDegree=90)
+    record("radii", "DrawRoundRectangle", XRadius=Float32(7.5), YRadius=Float32(2.49))
+    return doc
+
+
+def documents():
+    wrong_root = canvas(10, 10)
+    inner_missing = canvas(10, 10)
+    yield "empty", canvas(100, 50).to_bytes()
+    yield "red", canvas(100, 50, background=RED).to_bytes()
+    yield "clear background", canvas(100, 50, background=(1, 0, 0, 0)).to_bytes()
+    yield "fractional canvas", canvas(0, 0, canvas_size="{100.7, 50.2}").to_bytes()
+    yield "no canvas size", canvas(0, 0, canvas_size="what?").to_bytes()
+    yield "negative canvas", canvas(0, 0, canvas_size="{-100, 50}").to_bytes()
+    yield "nan canvas", canvas(0, 0, canvas_size="{nan, nan}").to_bytes()
+    yield "huge numbers canvas", canvas(0, 0, canvas_size="{1e300, 1e300}").to_bytes()
+    yield "largest canvas", canvas(20000, 12500).to_bytes()
+    yield "too large canvas", canvas(20000, 12501).to_bytes()
+    yield "thin canvas", canvas(250000000, 1).to_bytes()
+    yield "tall", canvas(100, 400, background=BLUE).to_bytes()
+    yield "version 22", canvas(10, 10, version=22).to_bytes()
+    yield "version 23", canvas(10, 10, version=23).to_bytes()
+    yield "version 23 and broken", canvas(10, 10, version=23).to_bytes(inner=b"nothing")
+    yield "version -1", canvas(10, 10).to_bytes(Version=-1)
+    yield "version text", canvas(10, 10).to_bytes(Version=UID(3))
+    yield "no version", canvas(10, 10).to_bytes(Version=None)
+    yield "resolution 144", canvas(10, 10).to_bytes(Resolution=144.0)
+    yield "resolution 0", canvas(10, 10).to_bytes(Resolution=0.0)
+    yield "resolution nan", canvas(10, 10).to_bytes(Resolution=float("nan"))
+    yield "no paint data", canvas(10, 10).to_bytes(PaintData=None)
+    yield "inner is no archive", canvas(10, 10).to_bytes(inner=b"\0" * 100)
+    yield "inner is an outer archive", canvas(10, 10).to_bytes(inner=canvas(10, 10).to_bytes())
+    yield "inner root of another class", wrong_root.to_bytes(
+        inner=wrong_root.inner_bytes(root_chain=("NSShadow", "NSObject")))
+    yield "inner root of an unknown class", inner_missing.to_bytes(
+        inner=inner_missing.inner_bytes(root_chain=("Unknown", "NSObject")))
+    yield "unknown draw", with_draws(["DrawEllipse", "DrawUnheardOf"]).to_bytes()
+    yield "all classes", all_classes().to_bytes()
+    yield "background", background().to_bytes()
+    yield "background flag off", background(flag=False).to_bytes()
+    yield "background of another class", background(first="DrawEllipse").to_bytes()
+    yield "background in a text", background(first="DrawSVG").to_bytes()
+    yield "nested groups", nested_groups().to_bytes()
+    yield "self containing group", self_containing_group().to_bytes()
+    yield "group chain 40", group_chain(40).to_bytes()
+    yield "group chain 10000", group_chain(10000).to_bytes()
+    yield "group bomb", group_bomb(9).to_bytes()
+    yield "records", records().to_bytes()
+
+
+def main(folder):
+    os.makedirs(folder, exist_ok=True)
+    for name, data in documents():
+        with open(os.path.join(folder, name + ".paintdoc"), "wb") as out:
+            out.write(data)
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
