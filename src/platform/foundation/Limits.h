@@ -51,4 +51,12 @@ inline constexpr size_t kMaxProfileBytes = size_t{16} << 20;
 /// one character a line they cost about 100 MB and a second.
 inline constexpr size_t kMaxLaidOutUnits = size_t{1} << 20;
 
+/// Marks that the visible part of one dashed path may be cut into; beyond that the pattern is far
+/// finer than the pixels and the path is drawn solid.
+inline constexpr double kMaxDashes = 2e6;
+
+/// Numbers in a dash pattern (the editors that write them offer ten at most). Counting the pattern
+/// on over an invisible segment visits each; longer patterns are drawn solid.
+inline constexpr size_t kMaxDashLengths = 256;
+
 }  // namespace limits

@@ -50,7 +50,8 @@ struct PathData {
  private:
   void add(PathVerb verb, std::initializer_list<NSPoint> list) {
     verbs.push_back(verb);
-    points.insert(points.end(), list);
+    // One by one: g++ 12 sees overruns in an inlined range insertion where there are none.
+    for (const NSPoint& p : list) points.push_back(p);
   }
 };
 

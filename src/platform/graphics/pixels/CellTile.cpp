@@ -39,6 +39,15 @@ void touch(uint64_t* words, int64_t first, int64_t last) {
   words[w] |= mask & (~uint64_t{0} >> (63 - (last & 63)));
 }
 
+/// Cells per row: one more than pixels, for what spills over the right edge.
+int64_t strideFor(int64_t width) {
+  return width + 1;
+}
+
+int64_t wordsFor(int64_t width) {
+  return (strideFor(width) + 63) >> 6;
+}
+
 struct NonZeroCover {
   uint8_t operator()(int64_t area) const { return grid::coverOfArea(area); }
 };
@@ -60,11 +69,15 @@ struct EvenOddTouched {
 
 }  // namespace
 
+size_t CellTile::bytesFor(int64_t width, int64_t height) {
+  return static_cast<size_t>((strideFor(width) + wordsFor(width)) * height) * sizeof(int64_t);
+}
+
 void CellTile::reset(int64_t width, int64_t height) {
   width_ = width;
   height_ = height;
-  stride_ = width + 1;
-  words_ = (stride_ >> 6) + 1;
+  stride_ = strideFor(width);
+  words_ = wordsFor(width);
   const size_t cells = static_cast<size_t>(stride_ * height);
   const size_t words = static_cast<size_t>(words_ * height);
   // Sweeping leaves zeros behind, so only growth needs to be cleared.

@@ -22,8 +22,10 @@ struct CoverRule {
 /// Sums are 64 bits wide: no number of overlapping edges overflows them.
 class CellTile {
  public:
-  /// Prepares an empty tile of `width` x `height` pixels. Memory: 8.2 bytes per pixel, kept for
-  /// the next tile (unless very large).
+  /// Memory that a tile of `width` x `height` pixels takes: a little over 8 bytes per pixel.
+  static size_t bytesFor(int64_t width, int64_t height);
+
+  /// Prepares an empty tile. Its memory is kept for the next one, unless it is very large.
   void reset(int64_t width, int64_t height);
 
   /// Adds an edge in grid units (grid::kOne per pixel) relative to the tile's top left corner.
@@ -59,7 +61,7 @@ class CellTile {
 
   int64_t width_ = 0;
   int64_t height_ = 0;
-  int64_t stride_ = 0;  ///< cells per row: one more than pixels, for what spills over the right
+  int64_t stride_ = 0;  ///< cells per row
   int64_t words_ = 0;   ///< words of `touched_` per row
   std::vector<int64_t> cells_;
   std::vector<uint64_t> touched_;

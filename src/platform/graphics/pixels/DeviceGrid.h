@@ -47,6 +47,11 @@ struct DeviceBounds {
   double x1 = -HUGE_VAL;
   double y1 = -HUGE_VAL;
 
+  DeviceBounds() = default;
+  DeviceBounds(double left, double top, double right, double bottom)
+      : x0(left), y0(top), x1(right), y1(bottom) {}
+  explicit DeviceBounds(const PixelBox& box) : DeviceBounds(box.x0, box.y0, box.x1, box.y1) {}
+
   bool empty() const { return !(x0 <= x1 && y0 <= y1); }
   void add(NSPoint p) {
     x0 = std::min(x0, p.x);

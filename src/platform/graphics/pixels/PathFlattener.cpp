@@ -5,7 +5,6 @@
 #include <initializer_list>
 
 #include "platform/foundation/Limits.h"
-#include "platform/graphics/pixels/DeviceGrid.h"
 
 namespace {
 
@@ -115,7 +114,7 @@ class Flattener {
     if (!options_.visible) return false;
     DeviceBounds bounds;
     for (const NSPoint& p : points) bounds.add(p);
-    const PixelBox& box = *options_.visible;
+    const DeviceBounds& box = *options_.visible;
     return bounds.x1 < box.x0 || bounds.x0 > box.x1 || bounds.y1 < box.y0 || bounds.y0 > box.y1;
   }
 

@@ -2,8 +2,8 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/PathData.h"
+#include "platform/graphics/pixels/DeviceGrid.h"
 #include "platform/graphics/pixels/FlatPath.h"
-#include "platform/graphics/pixels/PixelBox.h"
 
 /// What flattening may leave out.
 struct FlattenOptions {
@@ -11,7 +11,7 @@ struct FlattenOptions {
   double tolerance = 0.025;
   /// When set, a curve whose control points all lie on the far side of one edge of this box
   /// becomes one chord. That changes nothing that a fill shows inside the box.
-  const PixelBox* visible = nullptr;
+  const DeviceBounds* visible = nullptr;
 };
 
 /// Transforms `path` by `toDevice` and replaces curves by chords at uniform parameter steps:

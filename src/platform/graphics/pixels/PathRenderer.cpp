@@ -49,10 +49,65 @@ std::optional<PixelBox> wholePixels(const DeviceBounds& r, Antialias antialias,
   return pixelsTouched(onGrid, box);
 }
 
+/// Calls `emit` with a sink that passes on to `sink` what lies inside `clip`.
+template <class Emit>
+void emitThrough(const ClipRegion& clip, CoverageSink& sink, Emit emit) {
+  if (clip.isBox()) {
+    emit(sink);
+  } else {
+    ClipSink clipped(clip, sink);
+    emit(clipped);
+  }
+}
+
+/// Scan converts an outline.
+class ConverterSink : public OutlineSink {
+ public:
+  explicit ConverterSink(ScanConverter& converter) : converter_(converter) {}
+  void addPoints(std::span<const NSPoint> points) override { converter_.addPoints(points); }
+  void closeContour() override { converter_.closeContour(); }
+
+ private:
+  ScanConverter& converter_;
+};
+
+/// Makes a path of an outline.
+class PathSink : public OutlineSink {
+ public:
+  PathSink(const CGAffineTransform& transform, PathData& path)
+      : transform_(transform), path_(path) {}
+
+  void addPoints(std::span<const NSPoint> points) override {
+    for (const NSPoint& point : points) {
+      const NSPoint p = CGPointApplyAffineTransform(point, transform_);
+      inContour_ ? path_.line(p) : path_.move(p);
+      inContour_ = true;
+    }
+  }
+  void closeContour() override {
+    if (inContour_) path_.close();
+    inContour_ = false;
+  }
+
+ private:
+  CGAffineTransform transform_;
+  PathData& path_;
+  bool inContour_ = false;
+};
+
 }  // namespace
 
 PixelBox fillBox(const PathData& path, const CGAffineTransform& toDevice, const PixelBox& box) {
   return pixelsTouched(controlBounds(path, toDevice), box);
+}
+
+PixelBox strokeBox(const PathData& path, const StrokeStyle& style,
+                   const CGAffineTransform& toDevice, const PixelBox& box) {
+  StrokeGeometry stroke;
+  if (!stroke.prepare(path, style, toDevice, DeviceBounds(box), StrokeGeometry::Dashes::ignore)) {
+    return {};
+  }
+  return pixelsTouched(stroke.deviceBounds(), box);
 }
 
 void PathRenderer::fillPath(const PathData& path, WindingRule winding,
@@ -65,7 +120,8 @@ void PathRenderer::fillPath(const PathData& path, WindingRule winding,
   }
   const PixelBox box = fillBox(path, toDevice, clip.box());
   if (box.empty()) return;
-  if (!flattenPath(path, toDevice, {kFillTolerance, &box}, flat_)) return;
+  const DeviceBounds visible(box);
+  if (!flattenPath(path, toDevice, {kFillTolerance, &visible}, flat_)) return;
   fillFlat({winding, antialias}, box, clip, sink);
 }
 
@@ -76,12 +132,9 @@ void PathRenderer::fillRect(const NSRect& rect, const CGAffineTransform& toDevic
 
 void PathRenderer::fillRectangle(const DeviceBounds& rectangle, Antialias antialias,
                                  const ClipRegion& clip, CoverageSink& sink) {
-  if (clip.isBox()) {
-    emitRectangle(rectangle, antialias, clip.box(), sink);
-  } else {
-    ClipSink clipped(clip, sink);
-    emitRectangle(rectangle, antialias, clip.box(), clipped);
-  }
+  emitThrough(clip, sink, [&](CoverageSink& target) {
+    emitRectangle(rectangle, antialias, clip.box(), target);
+  });
 }
 
 void PathRenderer::fillFlat(const CoverRule& rule, const PixelBox& box, const ClipRegion& clip,
@@ -91,12 +144,42 @@ void PathRenderer::fillFlat(const CoverRule& rule, const PixelBox& box, const Cl
     converter_.addPoints(std::span(flat_.points).subspan(subpath.first, subpath.count));
     converter_.closeContour();
   }
-  if (clip.isBox()) {
-    converter_.finish(sink);
-  } else {
-    ClipSink clipped(clip, sink);
-    converter_.finish(clipped);
+  emitThrough(clip, sink, [&](CoverageSink& target) { converter_.finish(target); });
+}
+
+void PathRenderer::strokePath(const PathData& path, const StrokeStyle& style,
+                              const CGAffineTransform& toDevice, Antialias antialias,
+                              const ClipRegion& clip, CoverageSink& sink) {
+  DeviceBounds bounds = controlBounds(path, toDevice);
+  bounds.grow(strokeReach(style, toDevice));
+  const PixelBox box = pixelsTouched(bounds, clip.box());
+  if (box.empty()) return;
+  if (!stroke_.prepare(path, style, toDevice, DeviceBounds(box), StrokeGeometry::Dashes::apply)) {
+    return;
   }
+  if (antialias == Antialias::off && stroke_.deviceWidth() <= 1) {
+    thinLines_.begin(box);
+    stroke_.addLines(thinLines_);
+    emitThrough(clip, sink, [&](CoverageSink& target) { thinLines_.finish(target); });
+  } else {
+    converter_.begin(box, {WindingRule::nonZero, antialias});
+    ConverterSink outline(converter_);
+    stroke_.addOutline(outline);
+    emitThrough(clip, sink, [&](CoverageSink& target) { converter_.finish(target); });
+  }
+}
+
+PathData PathRenderer::strokeOutline(const PathData& path, const StrokeStyle& style,
+                                     const CGAffineTransform& toDevice) {
+  const DeviceBounds everywhere(-HUGE_VAL, -HUGE_VAL, HUGE_VAL, HUGE_VAL);
+  PathData outline;
+  if (!std::isnormal(CGAffineTransformDeterminant(toDevice)) ||
+      !stroke_.prepare(path, style, toDevice, everywhere, StrokeGeometry::Dashes::ignore)) {
+    return outline;
+  }
+  PathSink sink(CGAffineTransformInvert(toDevice), outline);
+  stroke_.addOutline(sink);
+  return outline;
 }
 
 ClipRegion PathRenderer::clipToPath(const PathData& path, WindingRule winding,

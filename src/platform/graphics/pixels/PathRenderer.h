@@ -7,6 +7,9 @@
 #include "platform/graphics/pixels/DeviceGrid.h"
 #include "platform/graphics/pixels/FlatPath.h"
 #include "platform/graphics/pixels/ScanConverter.h"
+#include "platform/graphics/pixels/StrokeGeometry.h"
+#include "platform/graphics/pixels/StrokeStyle.h"
+#include "platform/graphics/pixels/ThinLines.h"
 
 /// From paths in user space to coverage of device pixels (row 0 at the top): what a drawing
 /// context calls to fill, stroke and clip.
@@ -27,6 +30,16 @@ class PathRenderer {
   void fillRect(const NSRect& rect, const CGAffineTransform& toDevice, Antialias antialias,
                 const ClipRegion& clip, CoverageSink& sink);
 
+  /// Strokes the path. The pen is round in user space: the transform shapes it. With
+  /// antialiasing off, lines of up to one device pixel are drawn one pixel thin.
+  void strokePath(const PathData& path, const StrokeStyle& style, const CGAffineTransform& toDevice,
+                  Antialias antialias, const ClipRegion& clip, CoverageSink& sink);
+
+  /// The area that strokePath covers as a path in user space, to be filled by the non-zero rule:
+  /// straight lines, exact enough for drawing it under `toDevice`. Dashes are not applied.
+  PathData strokeOutline(const PathData& path, const StrokeStyle& style,
+                         const CGAffineTransform& toDevice);
+
   /// The part of `clip` inside the path. An empty path leaves nothing.
   ClipRegion clipToPath(const PathData& path, WindingRule winding,
                         const CGAffineTransform& toDevice, Antialias antialias,
@@ -44,9 +57,15 @@ class PathRenderer {
                 CoverageSink& sink);
 
   FlatPath flat_;
+  StrokeGeometry stroke_;
+  ThinLines thinLines_;
   ScanConverter converter_;
 };
 
 /// The device pixels that filling `path` may touch inside `box`: the box around its control
 /// points. Empty also for paths that paint nothing.
 PixelBox fillBox(const PathData& path, const CGAffineTransform& toDevice, const PixelBox& box);
+
+/// The same for stroking it: that box grown by the reach of the pen, caps and miters.
+PixelBox strokeBox(const PathData& path, const StrokeStyle& style,
+                   const CGAffineTransform& toDevice, const PixelBox& box);

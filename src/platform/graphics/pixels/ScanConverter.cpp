@@ -68,8 +68,7 @@ inline void ScanConverter::addEdge(GridPoint from, GridPoint to) {
 
 void ScanConverter::hold(const Edge& edge) {
   if (tooLarge_) return;
-  const auto boxPixels = static_cast<size_t>(box_.width() * box_.height());
-  const size_t worthHolding = boxPixels * sizeof(int64_t) / sizeof(Edge);
+  const size_t worthHolding = CellTile::bytesFor(box_.width(), box_.height()) / sizeof(Edge);
   if (held_.size() >= std::max(kHeldAlways, worthHolding)) {
     accumulateHeld();
     tile_.addEdge(edge.from.x, edge.from.y, edge.to.x, edge.to.y);
