@@ -4,6 +4,7 @@
 good/ holds archives as the platform and other tools write them, bad/ archives
 with one thing wrong each; what a reader must make of them stands in the tests.
 """
+import base64
 import os
 import plistlib
 import subprocess
@@ -99,7 +100,24 @@ def through_xml(data):
                           check=True, capture_output=True).stdout
 
 
+# Two archives kept as they were recorded: a red calibrated colour and a path of two points.
+RECORDED = {
+    "recorded_color": """
+YnBsaXN0MDDUAQIDBAUGBwpYJHZlcnNpb25ZJGFyY2hpdmVyVCR0b3BYJG9iamVjdHMSAAGGoF8QD05TS2V5ZWRBcmNoaXZlctEI
+CVRyb290gAGjCwwTVSRudWxs0w0ODxARElVOU1JHQlxOU0NvbG9yU3BhY2VWJGNsYXNzRjEgMCAwABABgALSFBUWF1okY2xhc3Nu
+YW1lWCRjbGFzc2VzV05TQ29sb3KiFhhYTlNPYmplY3QIERokKTI3SUxRU1ddZGp3foWHiY6ZoqqtAAAAAAAAAQEAAAAAAAAAGQAA
+AAAAAAAAAAAAAAAAALY=""",
+    "recorded_path": """
+YnBsaXN0MDDUAQIDBAUGBwpYJHZlcnNpb25ZJGFyY2hpdmVyVCR0b3BYJG9iamVjdHMSAAGGoF8QD05TS2V5ZWRBcmNoaXZlctEI
+CVRyb290gAGjCwwWVSRudWxs1Q0ODxAREhMUFBVaTlNTZWdtZW50c1tOU0xpbmVXaWR0aFpOU0NhcFN0eWxlW05TSm9pblN0eWxl
+ViRjbGFzc08QEgAAAAAAAAAAAAFBAAAAQEAAACNAAAAAAAAAABACgALSFxgZGlokY2xhc3NuYW1lWCRjbGFzc2VzXE5TQmV6aWVy
+UGF0aKIZG1hOU09iamVjdAgRGiQpMjdJTFFTV11oc3+Klp2yu72/xM/Y5egAAAAAAAABAQAAAAAAAAAcAAAAAAAAAAAAAAAAAAAA
+8Q=="""}
+
+
 def good():
+    for name, text in RECORDED.items():
+        yield name, base64.b64decode(text)
     yield "everything", everything()
     yield "historic", historic()
     yield "graph", graph()
@@ -218,6 +236,17 @@ def chain_of_arrays(count, inward):
     return with_objects(objects[:count] + [NSARRAY])
 
 
+def chain_through_aliases(count):
+    """Arrays, all listed by the root, that each hold the one before by another name, which they
+    have looked up themselves while they were incomplete."""
+    objects = [{"NS.objects": [UID(i) for i in range(2, count + 2)], "$class": UID(2 * count + 2)}]
+    for i in range(count):
+        names = [UID(count + 2 + i)] + ([UID(count + 1 + i)] if i else [])
+        objects.append({"NS.objects": names, "$class": UID(2 * count + 2)})
+    objects += [{"CF$UID": i + 2} for i in range(count)]
+    return with_objects(objects + [NSARRAY])
+
+
 def bomb():
     """Many records that share one long list: little to read, a lot to hold."""
     items = [UID(1)] * 50000
@@ -276,6 +305,8 @@ def bad():
     yield "nested_300", chain_of_arrays(300, True)
     yield "nested_60000", chain_of_arrays(60000, True)
     yield "built_upwards_60000", chain_of_arrays(60000, False)
+    yield "aliases_200", chain_through_aliases(200)
+    yield "aliases_60000", chain_through_aliases(60000)
     yield "shared_list", bomb()
     a = KeyedArchive()
     yield "inside", a.to_bytes(root=a.obj(["Sample", "NSObject"], {

@@ -40,9 +40,12 @@ Ref BinaryPropertyListWriter::append(size_t begin) {
   return static_cast<Ref>(nodes_.size() - 1);
 }
 
-/// The same, unless an object of the same bytes is there already.
+/// The same, unless an object of the same bytes is there already. Long texts are not looked for:
+/// a reader may bound what it makes of a file by the file's size.
 Ref BinaryPropertyListWriter::appendScalar(size_t begin) {
+  constexpr size_t kLongestShared = 64;
   const auto encoded = std::span<const uint8_t>(bytes_).subspan(begin);
+  if (encoded.size() > kLongestShared) return append(begin);
   const size_t hash = std::hash<std::string_view>{}(asText(encoded));
   const auto [first, last] = scalars_.equal_range(hash);
   for (auto candidate = first; candidate != last; ++candidate) {

@@ -10,8 +10,8 @@
 
 /// Builds a binary property list: objects are added one by one, containers after what they hold,
 /// and finish() lays out what the top object reaches in the order that the platform writes:
-/// each container, its keys, its values, depth first. Equal strings and numbers of the same width
-/// are stored once; integers, references and offsets take the fewest bytes.
+/// each container, its keys, its values, depth first. Equal short strings and numbers of the same
+/// width are stored once; integers, references and offsets take the fewest bytes.
 class BinaryPropertyListWriter {
  public:
   using Ref = uint32_t;

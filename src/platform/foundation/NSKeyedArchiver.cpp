@@ -139,7 +139,9 @@ uint32_t NSKeyedArchiver::referenceTo(const std::shared_ptr<const NSObject>& obj
 /// as a record.
 BinaryPropertyListWriter::Ref NSKeyedArchiver::elementOf(const NSObject& object) {
   if (object.isMemberOfClass(NSString::kClass)) {
-    return writer_.addString(static_cast<const NSString&>(object).string());
+    const Ref text = writer_.addString(static_cast<const NSString&>(object).string());
+    // That one text, standing plainly, would mean nil.
+    if (text != null_) return text;
   }
   if (object.isMemberOfClass(NSData::kClass)) {
     const auto& data = static_cast<const NSData&>(object);

@@ -21,6 +21,10 @@ constexpr uint64_t kBytesPerEntry = sizeof(std::shared_ptr<NSObject>);
   throw NSException(NSArchiverArchiveInconsistency, reason);
 }
 
+std::string_view asText(std::span<const uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 uint64_t keyHash(std::string_view key) {
   return std::hash<std::string_view>{}(key) << 32;
 }
@@ -31,14 +35,11 @@ uint64_t keyHash(std::string_view key) {
 class NSKeyedUnarchiver::RecordScope {
  public:
   RecordScope(NSKeyedUnarchiver& coder, const PropertyListObject& dictionary) : coder_(coder) {
-    coder.records_.push_back({dictionary, nullptr, coder.keys_.size(), 0});
+    coder.records_.push_back({dictionary, nullptr, nullptr, 0});
   }
   RecordScope(const RecordScope&) = delete;
   RecordScope& operator=(const RecordScope&) = delete;
-  ~RecordScope() {
-    coder_.keys_.resize(coder_.records_.back().firstKey);
-    coder_.records_.pop_back();
-  }
+  ~RecordScope() { coder_.records_.pop_back(); }
 
  private:
   NSKeyedUnarchiver& coder_;
@@ -70,7 +71,7 @@ void NSKeyedUnarchiver::openArchive() {
   slots_.resize(objects_.count());
   // Element 0 is nil whatever stands there.
   if (!slots_.empty()) slots_[0].state = State::kDecoded;
-  records_.push_back({roots, nullptr, 0, 0});
+  records_.push_back({roots, nullptr, nullptr, 0});
   indexKeys();
 }
 
@@ -84,35 +85,44 @@ void NSKeyedUnarchiver::finishDecoding() {
   list_.reset();
   slots_.clear();
   records_.clear();
-  keys_.clear();
+  layouts_.clear();
 }
 
 // Records
 
-/// Prepares the newest record for lookups: what a class asks for is found by its hash.
+/// Prepares the newest record for lookups. Records of one class mostly have the same keys in the
+/// same order, and these are the same objects: such records share one index.
 void NSKeyedUnarchiver::indexKeys() {
   const PropertyListObject& dictionary = records_.back().dictionary;
   charge(dictionary.count() * kBytesPerEntry);
+  const auto refs = dictionary.payload().first(dictionary.byteCount() / 2);
+  const std::string_view name = asText(refs);
+  auto known = layouts_.find(name);
+  if (known == layouts_.end()) known = layouts_.emplace(name, layoutOf(dictionary)).first;
+  records_.back().keys = &known->second;
+}
+
+NSKeyedUnarchiver::Layout NSKeyedUnarchiver::layoutOf(const PropertyListObject& dictionary) const {
+  Layout layout;
+  layout.reserve(dictionary.count());
   for (size_t i = 0; i < dictionary.count(); ++i) {
     const PropertyListObject key = list_->object(list_->key(dictionary, i));
     if (key.is(Kind::kASCIIString)) {
-      const auto bytes = key.payload();
-      const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-      keys_.push_back(keyHash(text) | i);
+      layout.push_back(keyHash(asText(key.payload())) | i);
     } else if (key.is(Kind::kUTF16String)) {
-      keys_.push_back(keyHash(chargedText(key)) | i);
+      layout.push_back(keyHash(chargedText(key)) | i);
     }
   }
-  std::sort(keys_.begin() + static_cast<std::ptrdiff_t>(records_.back().firstKey), keys_.end());
+  std::sort(layout.begin(), layout.end());
+  return layout;
 }
 
 /// The value of a key as it stands in the file, of the first pair where several have the key.
 std::optional<PropertyListObject> NSKeyedUnarchiver::storedValue(std::string_view key) const {
   const Record& record = records_.back();
   const uint64_t hash = keyHash(key);
-  auto entry = std::lower_bound(keys_.begin() + static_cast<std::ptrdiff_t>(record.firstKey),
-                                keys_.end(), hash);
-  for (; entry != keys_.end() && (*entry ^ hash) >> 32 == 0; ++entry) {
+  auto entry = std::lower_bound(record.keys->begin(), record.keys->end(), hash);
+  for (; entry != record.keys->end() && (*entry ^ hash) >> 32 == 0; ++entry) {
     const size_t i = static_cast<uint32_t>(*entry);
     if (list_->object(list_->key(record.dictionary, i)).isText(key)) {
       return list_->object(list_->value(record.dictionary, i));
@@ -180,6 +190,7 @@ const std::shared_ptr<NSObject>& NSKeyedUnarchiver::resolve(uint32_t reference) 
 void NSKeyedUnarchiver::decodeSlot(Slot& slot, const PropertyListObject& element) {
   slot.state = State::kDecoding;
   ++depth_;
+  State after = State::kDecoded;
   try {
     if (depth_ > limits::kMaxDecodingDepth) inconsistent("objects nested too deeply");
     if (!element.is(Kind::kDictionary)) {
@@ -188,6 +199,8 @@ void NSKeyedUnarchiver::decodeSlot(Slot& slot, const PropertyListObject& element
     } else if (const auto other = referenceIn(element)) {
       slot.object = resolve(*other);
       slot.height = slots_[*other].height;
+      // How high that object is shows only when it is complete.
+      if (slots_[*other].state == State::kDecoding) after = State::kUntouched;
     } else {
       decodeInstance(slot, element);
     }
@@ -198,7 +211,7 @@ void NSKeyedUnarchiver::decodeSlot(Slot& slot, const PropertyListObject& element
     throw;
   }
   --depth_;
-  slot.state = State::kDecoded;
+  slot.state = after;
 }
 
 /// Allocates, makes the object known to references that lead back to it, then initialises.

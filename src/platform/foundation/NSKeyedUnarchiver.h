@@ -70,12 +70,15 @@ class NSKeyedUnarchiver : public NSCoder {
     uint16_t height = 0;
   };
 
+  /// The keys of a record in the order of their hashes: the hash in the upper half, the position
+  /// in the dictionary in the lower.
+  using Layout = std::vector<uint64_t>;
+
   /// A record whose keys can be asked for.
   struct Record {
     PropertyListObject dictionary;
+    const Layout* keys = nullptr;
     const NSObject* object = nullptr;
-    // Where its keys begin in keys_, in the order of their hashes.
-    size_t firstKey = 0;
     uint16_t height = 0;
   };
 
@@ -83,6 +86,7 @@ class NSKeyedUnarchiver : public NSCoder {
 
   void openArchive();
   void indexKeys();
+  Layout layoutOf(const PropertyListObject& dictionary) const;
   std::optional<PropertyListObject> storedValue(std::string_view key) const;
   std::optional<PropertyListObject> valueForKey(std::string_view key) const;
   std::optional<uint32_t> referenceIn(const PropertyListObject& value) const;
@@ -103,8 +107,8 @@ class NSKeyedUnarchiver : public NSCoder {
   std::vector<Slot> slots_;
   std::unordered_map<uint32_t, const NSClass*> classes_;
   std::vector<Record> records_;
-  // Keys of the open records: the hash of the text above, the position in the dictionary below.
-  std::vector<uint64_t> keys_;
+  // By the bytes that name the keys of a dictionary in the file.
+  std::unordered_map<std::string_view, Layout> layouts_;
   // Objects being decoded inside each other.
   int depth_ = 0;
   // What decoding may still copy or list, in bytes.

@@ -103,7 +103,9 @@ std::optional<std::vector<std::shared_ptr<NSObject>>> NSKeyedUnarchiver::decodeO
     const auto reference = referenceIn(list_->object(list_->element(*list, i)));
     const std::shared_ptr<NSObject> object = reference ? resolve(*reference) : nullptr;
     if (object == nullptr) return std::nullopt;
-    objects.push_back(isDecoding(*object) ? nullptr : object);
+    // Complete objects have a height, which is quicker to see.
+    const bool isIncomplete = slots_[*reference].height == 0 && isDecoding(*object);
+    objects.push_back(isIncomplete ? nullptr : object);
   }
   return objects;
 }

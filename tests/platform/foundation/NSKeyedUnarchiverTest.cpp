@@ -305,6 +305,8 @@ TEST(NSKeyedUnarchiver, BadArchives) {
       {"nested_300", kBroken},
       {"nested_60000", kBroken},
       {"built_upwards_60000", kBroken},
+      {"aliases_200", "NSArray"},
+      {"aliases_60000", kBroken},
       {"shared_list", kBroken},
   };
   for (const Case& c : cases) {

@@ -178,6 +178,15 @@ TEST_F(NSColorArchive, CustomSpacesCarryBothTexts) {
   EXPECT_NE(gray.find("{NSID: int8 9, NSModel: int8 0, "), std::string::npos) << gray;
 }
 
+TEST_F(NSColorArchive, RecordedBytes) {
+  // Written again, a recorded archive is the same to the last byte.
+  const auto recorded = madeArchive("good/recorded_color");
+  const auto color =
+      std::dynamic_pointer_cast<NSColor>(NSKeyedUnarchiver::unarchiveObjectWithData(recorded));
+  EXPECT_TRUE(color->isEqual(*NSColor::redColor()));
+  EXPECT_TRUE(NSKeyedArchiver::archivedDataWithRootObject(color)->isEqual(*recorded));
+}
+
 TEST_F(NSColorArchive, RoundTrips) {
   const std::shared_ptr<NSColor> colors[] = {
       NSColor::colorWithCalibratedRed(0.25, 0.5, 0.75, 0.5),
