@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class NSBitmapImageRep;
+
+enum class PNGEffort : uint8_t {
+  fast,  ///< several times faster for about a tenth more bytes
+  small
+};
+
+/// A text that goes into the file. The keyword has 1 to 79 characters; both are Latin-1.
+struct PNGText {
+  std::string keyword;
+  std::string text;
+};
+
+struct PNGOptions {
+  PNGEffort effort = PNGEffort::fast;
+  std::vector<PNGText> texts;
+};
+
+/// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha; without an alpha channel when
+/// every pixel is opaque. Empty when a side is zero or there is no memory.
+std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap, const PNGOptions& options = {});
