@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <variant>
@@ -101,7 +102,8 @@ struct StrokeStyleImpl {
   LineCap lineCap = LineCap::butt;
   LineJoin lineJoin = LineJoin::miter;
   float miterLimit = 4.0f;
-  std::vector<float> dashArray;  ///< kept for the record: strokes are always drawn solid
+  /// For the record: strokes are always drawn solid. Null for none.
+  std::shared_ptr<const std::vector<float>> dashArray;
   float dashOffset = 0.0f;
   Paint paint = kOpaqueBlack;
 };
@@ -140,10 +142,9 @@ class SVGRenderer {
   /// Draws the whole picture into `fillArea`, as far as it lies inside `clipArea`.
   virtual void DrawImage(const ImageData& image, const GraphicStyleImpl& graphicStyle,
                          const Rect& clipArea, const Rect& fillArea) = 0;
-  /// The box that DrawPath with the same arguments would paint. Throws std::logic_error where
-  /// measuring is not supported.
-  virtual Rect GetBounds(const Path& path, const GraphicStyleImpl& graphicStyle,
-                         const FillStyleImpl& fillStyle, const StrokeStyleImpl& strokeStyle) = 0;
+  /// The box of what `draw` paints through this renderer. Throws std::runtime_error where measuring
+  /// is not supported.
+  virtual Rect GetBounds(const std::function<void()>& draw) = 0;
 };
 
 }  // namespace SVGNative

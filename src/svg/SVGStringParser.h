@@ -1,25 +1,15 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "svg/SVGColor.h"
+#include "svg/SVGNameMap.h"
 #include "svg/SVGRenderer.h"
 
 namespace SVGNative {
-
-/// Lets maps by name be asked with a part of a text, without a copy of it.
-struct NameHash {
-  using is_transparent = void;
-  size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
-};
-
-template <class T>
-using NameMap = std::unordered_map<std::string, T, NameHash, std::equal_to<>>;
 
 using GradientMap = NameMap<std::shared_ptr<GradientImpl>>;
 

@@ -11,23 +11,35 @@
 /// Writes down the calls it gets, as path data with absolute coordinates; shapes as "R", "RR", "E".
 class RecordingPath : public SVGNative::Path {
  public:
-  void Rect(float x, float y, float w, float h) override { add("R", {x, y, w, h}); }
+  void Rect(float x, float y, float w, float h) override {
+    add("R", {x, y, w, h});
+    addPoint(x, y);
+    addPoint(x + w, y + h);
+  }
   void RoundedRect(float x, float y, float w, float h, float rx, float ry) override {
     add("RR", {x, y, w, h, rx, ry});
   }
-  void Ellipse(float cx, float cy, float rx, float ry) override { add("E", {cx, cy, rx, ry}); }
-  void MoveTo(float x, float y) override { add("M", {x, y}); }
-  void LineTo(float x, float y) override { add("L", {x, y}); }
+  void Ellipse(float cx, float cy, float rx, float ry) override {
+    add("E", {cx, cy, rx, ry});
+    addPoint(cx - rx, cy - ry);
+    addPoint(cx + rx, cy + ry);
+  }
+  void MoveTo(float x, float y) override {
+    add("M", {x, y});
+    addPoint(x, y);
+  }
+  void LineTo(float x, float y) override {
+    add("L", {x, y});
+    addPoint(x, y);
+  }
   void CurveTo(float x1, float y1, float x2, float y2, float x3, float y3) override {
     add("C", {x1, y1, x2, y2, x3, y3});
   }
   void CurveToV(float x1, float y1, float x2, float y2) override { add("Q", {x1, y1, x2, y2}); }
   void ClosePath() override { add("Z", {}); }
-  void AddPath(const SVGNative::Path& other, const SVGNative::Transform* transform) override {
-    text_ << (transform == nullptr ? "+(" : "*(") << static_cast<const RecordingPath&>(other).text()
-          << ")";
-  }
-  SVGNative::Rect Bounds() const override { return {}; }
+  void AddPath(const SVGNative::Path& other, const SVGNative::Transform* transform) override;
+  /// The box of all coordinates.
+  SVGNative::Rect Bounds() const override { return bounds_; }
 
   std::string text() const { return text_.str(); }
 
@@ -37,8 +49,10 @@ class RecordingPath : public SVGNative::Path {
     text_ << verb;
     for (const float number : numbers) text_ << ' ' << number;
   }
+  void addPoint(float x, float y) { bounds_ = bounds_.Union({{x, x}, {y, y}}); }
 
   std::ostringstream text_;
+  SVGNative::Rect bounds_;
 };
 
 /// A matrix in double precision, multiplied out the long way.
@@ -75,3 +89,13 @@ class RecordingTransform : public SVGNative::Transform {
 
   Matrix matrix_{1, 0, 0, 1, 0, 0};
 };
+
+inline void RecordingPath::AddPath(const SVGNative::Path& other,
+                                   const SVGNative::Transform* transform) {
+  if (text_.tellp() > 0) text_ << ' ';
+  text_ << '(' << static_cast<const RecordingPath&>(other).text() << ')';
+  if (transform == nullptr) return;
+  for (const double value : static_cast<const RecordingTransform*>(transform)->matrix()) {
+    text_ << ' ' << value;
+  }
+}

@@ -59,4 +59,35 @@ inline constexpr double kMaxDashes = 2e6;
 /// on over an invisible segment visits each; longer patterns are drawn solid.
 inline constexpr size_t kMaxDashLengths = 256;
 
+/// Longest SVG text. Vector pictures are kilobytes to a few megabytes; the element tree takes up to
+/// 16 bytes per byte of text.
+inline constexpr int64_t kMaxSvgBytes = int64_t{64} << 20;
+
+/// Elements of an SVG text; what librsvg reads. Further ones are left out.
+inline constexpr int64_t kMaxSvgElements = 1'000'000;
+
+/// Elements inside each other, while an SVG text is read and, references followed, while it is
+/// drawn. The XML library stops at the same depth; both bound the stack.
+inline constexpr int kMaxSvgDepth = 256;
+
+/// References ("use") followed in one drawing of an SVG, and the elements and path bytes drawn
+/// through them: ten references to ten references and so on would be drawn for ever. librsvg has
+/// the same count of references.
+inline constexpr int64_t kMaxSvgReferences = 500'000;
+inline constexpr int64_t kMaxSvgReferencedWork = 50'000'000;
+
+/// Bytes of path text that all clip paths may gather through references: they keep copies.
+inline constexpr int64_t kMaxSvgReferencedClipBytes = int64_t{1} << 20;
+
+/// References from gradient to gradient that are followed for what a gradient does not say itself.
+/// Drawing programs write one or two; the limit ends circles.
+inline constexpr int kMaxSvgGradientChain = 32;
+
+/// Bytes of attribute values that all gradients together take from other gradients. A value is
+/// read once more for each, so that a long one with many takers would cost their product.
+inline constexpr int64_t kMaxSvgInheritedBytes = int64_t{16} << 20;
+
+/// Groups with an opacity inside each other: each needs a picture of its own while it is drawn.
+inline constexpr int kMaxSvgLayers = 50;
+
 }  // namespace limits

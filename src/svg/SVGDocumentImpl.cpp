@@ -1,0 +1,82 @@
+#include "svg/SVGDocumentImpl.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "svg/SVGAttributes.h"
+#include "svg/SVGDocumentParser.h"
+#include "svg/SVGLength.h"
+#include "svg/SVGTreeWalker.h"
+
+namespace SVGNative {
+
+namespace {
+
+// Fractions are dropped; sizes that no bitmap can have stay far above what bitmaps can have.
+int wholeUnits(float size) {
+  constexpr float kMost = 1e9f;
+  return static_cast<int>(std::clamp(size, -kMost, kMost));
+}
+
+}  // namespace
+
+SVGDocumentImpl::SVGDocumentImpl(std::shared_ptr<SVGRenderer> renderer)
+    : renderer_(std::move(renderer)), root_(std::make_shared<Group>()) {}
+
+int SVGDocumentImpl::Width() const {
+  return wholeUnits(frame_.width);
+}
+
+int SVGDocumentImpl::Height() const {
+  return wholeUnits(frame_.height);
+}
+
+void SVGDocumentImpl::TraverseSVGTree(xml::XMLNode root) {
+  if (root.Name() != "svg") return;
+  const AttributeSet attributes(root);
+  const std::optional<ViewBox> box = parseViewBox(attributes);
+  if (box) {
+    UpdateViewBox(*box);
+    frame_.width = box->width;
+    frame_.height = box->height;
+  }
+  frame_ = parseFrame(attributes, LengthContext(viewBox_), frame_);
+  if (!box) UpdateViewBox({0.0f, 0.0f, frame_.width, frame_.height});
+  ratio_ = parseAspectRatio(attributes.text(Attribute::preserveAspectRatio));
+  SVGDocumentParser parser(*renderer_, elements_, LengthContext(viewBox_));
+  root_ = parser.ParseRoot(root, attributes);
+}
+
+void SVGDocumentImpl::Render(const ColorMap& colors, float width, float height) const {
+  RenderElement(*root_, colors, width, height);
+}
+
+void SVGDocumentImpl::Render(std::string_view id, const ColorMap& colors, float width,
+                             float height) const {
+  const auto found = elements_.find(id);
+  if (found != elements_.end()) RenderElement(*found->second, colors, width, height);
+}
+
+void SVGDocumentImpl::RenderElement(const Element& element, const ColorMap& colors, float width,
+                                    float height) const {
+  const Viewport viewport{{0.0f, 0.0f, width, height}, viewBox_, ratio_};
+  const std::optional<ViewportStyles> styles = viewportStyles(viewport, *renderer_);
+  if (!styles) return;
+  renderer_->Save(styles->clip);
+  renderer_->Save(styles->content);
+  SVGTreeWalker(*renderer_, elements_, colors).TraverseTree(element);
+  renderer_->Restore();
+  renderer_->Restore();
+}
+
+bool SVGDocumentImpl::GetBoundingBox(Rect& bounds) const {
+  bounds = renderer_->GetBounds([this] { Render({}, NaturalWidth(), NaturalHeight()); });
+  return !bounds.IsEmpty();
+}
+
+bool SVGDocumentImpl::GetBoundingBox(std::string_view id, Rect& bounds) const {
+  bounds = renderer_->GetBounds([&] { Render(id, {}, NaturalWidth(), NaturalHeight()); });
+  return !bounds.IsEmpty();
+}
+
+}  // namespace SVGNative

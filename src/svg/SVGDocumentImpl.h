@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "svg/SVGDocument.h"
+#include "svg/SVGElement.h"
+#include "svg/SVGRenderer.h"
+#include "svg/SVGStringParser.h"
+#include "svg/SVGViewport.h"
+#include "svg/SVGXMLDocument.h"
+
+namespace SVGNative {
+
+/// The tree of elements behind an SVGDocument.
+class SVGDocumentImpl {
+ public:
+  explicit SVGDocumentImpl(std::shared_ptr<SVGRenderer> renderer);
+
+  /// Builds the tree; keeps nothing of the XML. A root that is not "svg" leaves it empty. Throws
+  /// what ParseColor throws.
+  void TraverseSVGTree(xml::XMLNode root);
+
+  int Width() const;
+  int Height() const;
+  float NaturalWidth() const { return frame_.width; }
+  float NaturalHeight() const { return frame_.height; }
+  const std::shared_ptr<SVGRenderer>& Renderer() const { return renderer_; }
+
+  void Render(const ColorMap& colors, float width, float height) const;
+  /// Draws one element as a reference to it would, without what its parents say.
+  void Render(std::string_view id, const ColorMap& colors, float width, float height) const;
+  bool GetBoundingBox(Rect& bounds) const;
+  bool GetBoundingBox(std::string_view id, Rect& bounds) const;
+
+ private:
+  void UpdateViewBox(const ViewBox& box) { viewBox_ = box; }
+  void RenderElement(const Element& element, const ColorMap& colors, float width,
+                     float height) const;
+
+  std::shared_ptr<SVGRenderer> renderer_;
+  ViewBox viewBox_;
+  ViewBox frame_;  ///< x, y, width and height of the root
+  AspectRatio ratio_;
+  std::shared_ptr<const Group> root_;
+  ElementMap elements_;
+};
+
+}  // namespace SVGNative

@@ -1,0 +1,86 @@
+#include "svg/SVGXMLDocument.h"
+
+#include <utility>
+
+#include "platform/LoadableModule.h"
+#include "svg/XMLLibrary.h"
+
+namespace SVGNative::xml {
+
+namespace {
+
+std::mutex& parserMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+// Null when the module cannot be loaded.
+const XMLLibrary* library() {
+  static const XMLLibrary* const loaded = [] {
+    const auto entry =
+        reinterpret_cast<XMLLibraryEntry>(loadModuleFunction("paintxml", kXMLLibraryEntry));
+    return entry == nullptr ? nullptr : entry();
+  }();
+  return loaded;
+}
+
+}  // namespace
+
+XMLAttribute XMLAttribute::Next() const {
+  return XMLAttribute(library()->nextAttribute(attribute_));
+}
+
+std::string_view XMLAttribute::Name() const {
+  return library()->name(attribute_);
+}
+
+std::string_view XMLAttribute::Namespace() const {
+  return library()->namespaceOf(attribute_);
+}
+
+std::optional<std::string_view> XMLAttribute::Value() const {
+  return library()->value(attribute_);
+}
+
+std::string_view XMLNode::Name() const {
+  return library()->name(node_);
+}
+
+XMLAttribute XMLNode::FirstAttribute() const {
+  return XMLAttribute(library()->firstAttribute(node_));
+}
+
+std::optional<std::string_view> XMLNode::GetAttribute(std::string_view name,
+                                                      std::string_view nameSpace) const {
+  for (XMLAttribute attribute = FirstAttribute(); attribute; attribute = attribute.Next()) {
+    if (attribute.Name() == name && attribute.Namespace() == nameSpace) return attribute.Value();
+  }
+  return std::nullopt;
+}
+
+XMLNode XMLNode::FirstChild() const {
+  return XMLNode(library()->firstChild(node_));
+}
+
+XMLNode XMLNode::NextSibling() const {
+  return XMLNode(library()->nextSibling(node_));
+}
+
+std::unique_ptr<XMLDocument> XMLDocument::CreateXMLDocument(const char* text) {
+  if (library() == nullptr) return nullptr;
+  std::unique_ptr<XMLDocument> document(
+      new XMLDocument(std::unique_lock<std::mutex>(parserMutex())));
+  document->document_ = library()->read(text);
+  if (document->document_ == nullptr || !document->Root()) return nullptr;
+  return document;
+}
+
+XMLDocument::~XMLDocument() {
+  library()->release(document_);
+}
+
+XMLNode XMLDocument::Root() const {
+  return XMLNode(library()->root(document_));
+}
+
+}  // namespace SVGNative::xml
