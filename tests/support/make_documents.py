@@ -115,6 +115,8 @@ def documents():
     inner_missing = canvas(10, 10)
     yield "empty", canvas(100, 50).to_bytes()
     yield "red", canvas(100, 50, background=RED).to_bytes()
+    yield "half red", canvas(4, 4, background=(1, 0, 0, 0.5)).to_bytes()
+    yield "white largest canvas", canvas(20000, 12500, background=(1, 1, 1)).to_bytes()
     yield "clear background", canvas(100, 50, background=(1, 0, 0, 0)).to_bytes()
     yield "fractional canvas", canvas(0, 0, canvas_size="{100.7, 50.2}").to_bytes()
     yield "no canvas size", canvas(0, 0, canvas_size="what?").to_bytes()

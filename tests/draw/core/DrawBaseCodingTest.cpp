@@ -108,9 +108,10 @@ TEST_F(DrawBaseCoding, PlainDrawsWriteFewKeys) {
   draw->setEnableFill(true);
   draw->setFillColor(NSColor::redColor());
   const std::string listing = describeArchive(DrawBase::encodedData(draw)->bytes());
-  for (const char* key : {"BezierPath: ->", "EnableStroke: bool True", "IsStrokeWithGdt: bool False",
-                          "ForeColor: ->", "EnableFill: bool True", "IsFillWithGdt: bool False",
-                          "BackColor: ->", "Alpha: int8 100", "DrawBaseVersion: int8 22"}) {
+  for (const char* key :
+       {"BezierPath: ->", "EnableStroke: bool True", "IsStrokeWithGdt: bool False", "ForeColor: ->",
+        "EnableFill: bool True", "IsFillWithGdt: bool False", "BackColor: ->", "Alpha: int8 100",
+        "DrawBaseVersion: int8 22"}) {
     EXPECT_NE(listing.find(key), std::string::npos) << key << " in\n" << listing;
   }
   for (const char* key : {"Gradient", "GdtDegree", "Shadow", "Reflection", "RotateDegree",

@@ -1,0 +1,35 @@
+#include "common/Documents.h"
+
+#include <system_error>
+
+#include "platform/foundation/FileWriting.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/codecs/PNGEncoder.h"
+
+std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
+  auto url = NSURL::URLWithString(argument);
+  return url->isFileURL() ? url : NSURL::fileURLWithPath(argument);
+}
+
+LoadedDocument loadDocument(const NSURL& file) {
+  LoadedDocument loaded;
+  std::error_code error;
+  const auto data = NSData::dataWithContentsOfURL(file, &error);
+  if (data == nullptr) {
+    loaded.reason = error.message();
+    return loaded;
+  }
+  int64_t code = kPaintDataUnreadable;
+  loaded.document = PaintManager::paintMgrWithPaintData(data, &loaded.resolution, &code);
+  loaded.version = PaintManager::versionOfPaintData(data).value_or(0);
+  loaded.status = static_cast<ExitStatus>(code);
+  return loaded;
+}
+
+ExitStatus writePicture(const char* program, const NSBitmapImageRep& bitmap,
+                        const std::string& path) {
+  const std::vector<uint8_t> png = encodePNG(bitmap);
+  if (png.empty()) return fail(program, path, kExitLimitReached, "not enough memory");
+  const std::error_code error = writeFileInPlace(path, png);
+  return error ? fail(program, path, kExitOutputFailed, error.message()) : kExitSuccess;
+}

@@ -1,0 +1,42 @@
+#include "common/ExitStatus.h"
+
+#include <algorithm>
+#include <cstdio>
+
+const char* describe(ExitStatus status) {
+  switch (status) {
+    case kExitSuccess:
+      return "a readable document";
+    case kExitUnreadable:
+      return "not a readable document";
+    case kExitNewerFormat:
+      return "written by a newer version of the format";
+    case kExitCanvasTooLarge:
+      return "the canvas is too large";
+    case kExitNothingToDraw:
+      return "nothing to draw";
+    case kExitOutputFailed:
+      return "the output could not be written";
+    case kExitLimitReached:
+      return "a time or memory limit was reached";
+    case kExitUsage:
+      break;
+  }
+  return "wrong usage";
+}
+
+ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
+                const std::string& reason) {
+  const std::string line = std::string(program) + ": " + printable(file) + ": " + describe(status) +
+                           (reason.empty() ? "" : " (" + reason + ")") + "\n";
+  std::fputs(line.c_str(), stderr);
+  return status;
+}
+
+std::string printable(const std::string& text) {
+  std::string result = text;
+  std::replace_if(
+      result.begin(), result.end(),
+      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
+  return result;
+}

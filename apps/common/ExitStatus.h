@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// How the programs end. 1 to 3 are the document decoder's own error codes.
+enum ExitStatus : int {
+  kExitSuccess = 0,
+  kExitUnreadable = 1,
+  kExitNewerFormat = 2,
+  kExitCanvasTooLarge = 3,
+  kExitNothingToDraw = 4,
+  kExitUsage = 64,
+  kExitOutputFailed = 74,
+  kExitLimitReached = 75,
+};
+
+/// One clause that says what a status means for a file.
+const char* describe(ExitStatus status);
+
+/// Writes "PROGRAM: FILE: reason" to standard error, in one line, and answers the status.
+ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
+                const std::string& reason = {});
+
+/// Text as it may be shown on one line of a terminal: control characters become "?".
+std::string printable(const std::string& text);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+/// What one run may use. No desktop limits its thumbnailers, so the programs limit themselves.
+struct ResourceLimits {
+  /// Seconds of processor time; wall time is limited to three times that.
+  int64_t seconds = 20;
+  /// Address space. Two bitmaps of the largest canvas are 2 GiB.
+  int64_t megabytes = 4096;
+  /// Largest file the program may write.
+  int64_t outputMegabytes = 2048;
+};
+
+/// Puts the limits in force for the rest of the process. When time runs out the process writes one
+/// line that names `program` and `file` to standard error and ends with kExitLimitReached; so it
+/// does when an allocation fails, through std::bad_alloc, in the caller's handler. Both names must
+/// live as long as the process.
+void limitResources(const ResourceLimits& limits, const char* program, const char* file);

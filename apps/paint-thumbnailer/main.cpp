@@ -1,0 +1,71 @@
+// paint-thumbnailer [-s SIZE] INPUT OUTPUT: the contract of freedesktop thumbnailers.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <new>
+
+#include "common/Documents.h"
+#include "common/ResourceLimits.h"
+#include "extension/ThumbnailProvider.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+
+namespace {
+
+constexpr const char* kProgram = "paint-thumbnailer";
+constexpr int64_t kLargestSize = 16384;
+
+struct Options {
+  std::string input;
+  std::string output;
+  int64_t size = 128;
+  ResourceLimits limits;
+};
+
+ExitStatus makeThumbnail(const Options& options) {
+  const auto file = fileURLFromArgument(options.input);
+  const auto side = static_cast<CGFloat>(options.size);
+  std::shared_ptr<NSBitmapImageRep> thumbnail;
+  ThumbnailProvider().provideThumbnailForFileRequest(
+      {file, {side, side}},
+      [&](const auto& reply, std::error_code) { thumbnail = reply->drawnBitmap(); });
+  if (thumbnail != nullptr) return writePicture(kProgram, *thumbnail, options.output);
+  // The reply does not tell why it is empty.
+  const LoadedDocument loaded = loadDocument(*file);
+  if (loaded.document == nullptr) {
+    return fail(kProgram, options.input, loaded.status, loaded.reason);
+  }
+  const NSSize canvas = loaded.document->size();
+  const NSSize size = ThumbnailProvider::contextSize(
+      static_cast<int64_t>(canvas.width), static_cast<int64_t>(canvas.height), {side, side});
+  if (size.width < 1 || size.height < 1) return fail(kProgram, options.input, kExitNothingToDraw);
+  return fail(kProgram, options.input, kExitLimitReached, "not enough memory");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app{"Makes a PNG thumbnail of a paint document."};
+  app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
+  app.add_option("-s,--size", options.size, "Largest width and height in pixels")
+      ->check(CLI::Range(int64_t{1}, kLargestSize))
+      ->capture_default_str();
+  app.add_option("--limit-time", options.limits.seconds, "Seconds of processor time")
+      ->check(CLI::Range(1, 1 << 20))
+      ->capture_default_str();
+  app.add_option("--limit-memory", options.limits.megabytes, "Megabytes of memory")
+      ->check(CLI::Range(16, 1 << 20))
+      ->capture_default_str();
+  app.add_option("INPUT", options.input, "Document, as a path or a file: URI")->required();
+  app.add_option("OUTPUT", options.output, "PNG file to write")->required();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
+  }
+  limitResources(options.limits, kProgram, options.input.c_str());
+  try {
+    return makeThumbnail(options);
+  } catch (const std::bad_alloc&) {
+    return fail(kProgram, options.input, kExitLimitReached, "out of memory");
+  }
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "document/PaintManager.h"
+
+/// What `paintdoc info` tells of a document. The resolution is 0 when the file holds none.
+struct DocumentFacts {
+  const PaintManager& document;
+  int64_t version = 0;
+  double resolution = 0;
+};
+
+/// One line per fact, then the tree of draws, topmost last.
+std::string infoText(const DocumentFacts& facts);
+std::string infoJson(const DocumentFacts& facts);
