@@ -1,0 +1,25 @@
+// A whole document: decode it, compose it, write it again.
+#include "document/PaintManager.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSException.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const auto file = NSData::dataWithBytes({data, size});
+  double resolution = 0;
+  int64_t error = 0;
+  PaintManager::detectPaintData(file);
+  const auto document = PaintManager::paintMgrWithPaintData(file, &resolution, &error);
+  if (document == nullptr) return 0;
+  // What the draws do is of interest here, not how long a large canvas takes to fill.
+  constexpr CGFloat kSide = 64;
+  if (document->size().width > kSide || document->size().height > kSide) {
+    document->setSize({kSide, kSide});
+  }
+  document->fullImage();
+  try {
+    document->paintDataWithResolution(resolution);
+  } catch (const NSException&) {
+    // Some objects that can be read cannot be archived.
+  }
+  return 0;
+}
