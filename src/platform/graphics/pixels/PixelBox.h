@@ -24,3 +24,21 @@ struct PixelBox {
 inline PixelBox intersection(const PixelBox& a, const PixelBox& b) {
   return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
 }
+
+/// Smallest box holding both; empty boxes do not count.
+inline PixelBox unionBox(const PixelBox& a, const PixelBox& b) {
+  if (a.empty()) return b;
+  if (b.empty()) return a;
+  return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+}
+
+/// The box moved, then grown on all sides; an empty box stays as it is. Edges stay within +-2^30.
+inline PixelBox movedAndGrown(const PixelBox& box, int64_t dx, int64_t dy, int64_t grow) {
+  if (box.empty()) return box;
+  const auto edge = [](int64_t v) {
+    constexpr int64_t kFarthest = int64_t{1} << 30;
+    return static_cast<int32_t>(std::max(-kFarthest, std::min(kFarthest, v)));
+  };
+  return {edge(box.x0 + dx - grow), edge(box.y0 + dy - grow), edge(box.x1 + dx + grow),
+          edge(box.y1 + dy + grow)};
+}

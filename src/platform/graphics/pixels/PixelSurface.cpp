@@ -3,15 +3,6 @@
 #include <cassert>
 #include <utility>
 
-namespace {
-
-PixelBox unionBox(const PixelBox& a, const PixelBox& b) {
-  if (a.empty()) return b;
-  return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
-}
-
-}  // namespace
-
 PixelSurface::PixelSurface(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x0, int32_t y0)
     : bitmap_(std::move(bitmap)) {
   if (bitmap_ == nullptr) return;

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "platform/graphics/pixels/CoverageShape.h"
+#include "platform/graphics/pixels/PixelBox.h"
+#include "platform/graphics/pixels/RowSource.h"
+
+/// One byte of coverage per pixel of a box, zero at first. Memory that is never written costs
+/// nothing. Empty when there is no memory for it.
+class AlphaMask {
+ public:
+  AlphaMask() = default;
+  explicit AlphaMask(const PixelBox& box);
+
+  const PixelBox& box() const { return box_; }
+  /// Row y from the box's first column on; y must lie inside the box.
+  uint8_t* row(int32_t y) { return bytes_.get() + offset(y); }
+  const uint8_t* row(int32_t y) const { return bytes_.get() + offset(y); }
+
+ private:
+  struct Free {
+    void operator()(uint8_t* bytes) const { std::free(bytes); }
+  };
+  size_t offset(int32_t y) const {
+    return static_cast<size_t>(int64_t{y} - box_.y0) * static_cast<size_t>(box_.width());
+  }
+
+  PixelBox box_;
+  std::unique_ptr<uint8_t[], Free> bytes_;
+};
+
+/// Writes coverage into a mask: as it is for solid paint, times the alpha of the pixels for paint
+/// from rows (whose own scale does not count). Runs must lie inside the mask.
+class MaskSink final : public CoverageSink {
+ public:
+  /// `source` may be null for solid paint.
+  MaskSink(AlphaMask& mask, RowSource* source) : mask_(mask), source_(source) {}
+  void row(int32_t y, std::span<const CoverageRun> runs) override;
+
+ private:
+  AlphaMask& mask_;
+  RowSource* source_;
+  std::vector<uint32_t> buffer_;
+};
+
+/// A mask as a shape, moved by whole pixels.
+class MaskShape final : public CoverageShape {
+ public:
+  /// The mask must outlive the shape.
+  MaskShape(const AlphaMask& mask, int32_t dx, int32_t dy) : mask_(mask), dx_(dx), dy_(dy) {}
+  PixelBox bounds(const PixelBox& box) const override;
+  void cover(const ClipRegion& clip, CoverageSink& sink) const override;
+  bool fills(const PixelBox&) const override { return false; }
+
+ private:
+  const AlphaMask& mask_;
+  int32_t dx_;
+  int32_t dy_;
+};

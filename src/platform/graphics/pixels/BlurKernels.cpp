@@ -1,0 +1,98 @@
+#include "platform/graphics/pixels/BlurKernels.h"
+
+#include <algorithm>
+
+#include "platform/TargetClones.h"
+
+namespace {
+
+/// round(v w / 2^15), in the form that vector units have an instruction for.
+inline int16_t product(int16_t v, int16_t w) {
+  return static_cast<int16_t>(((int32_t{v} * int32_t{w} >> 14) + 1) >> 1);
+}
+
+inline uint8_t byteOf(int32_t sample) {
+  constexpr int32_t kHalf = 1 << (kBlurFraction - 1);
+  return static_cast<uint8_t>(std::clamp((sample + kHalf) >> kBlurFraction, 0, 255));
+}
+
+struct TapRows {
+  const int16_t* a;
+  const int16_t* b;
+  int16_t weight;
+  int16_t at(int32_t i) const { return product(static_cast<int16_t>(a[i] + b[i]), weight); }
+};
+
+template <int shift>
+inline void interpolate(uint8_t* out, const int16_t* samples, int32_t cells) {
+  constexpr int32_t kSize = 1 << shift;
+  for (int32_t i = 0; i < cells; ++i) {
+    const int32_t from = samples[i];
+    const int32_t step = samples[i + 1] - from;
+    for (int32_t p = 0; p < kSize; ++p) {
+      out[i * kSize + p] = byteOf(from + (step * (2 * p + 1) >> (shift + 1)));
+    }
+  }
+}
+
+}  // namespace
+
+VECTOR_CLONES void weighTaps(int16_t* sums, const int16_t* const* before,
+                             const int16_t* const* after, const int16_t* weights, int taps,
+                             int32_t n) {
+  for (int t = 0; t < taps; t += kTapGroup) {
+    const TapRows r0{before[t], after[t], weights[t]};
+    const TapRows r1{before[t + 1], after[t + 1], weights[t + 1]};
+    const TapRows r2{before[t + 2], after[t + 2], weights[t + 2]};
+    const TapRows r3{before[t + 3], after[t + 3], weights[t + 3]};
+    if (t == 0) {
+      for (int32_t i = 0; i < n; ++i) {
+        sums[i] = static_cast<int16_t>(r0.at(i) + r1.at(i) + r2.at(i) + r3.at(i));
+      }
+    } else {
+      for (int32_t i = 0; i < n; ++i) {
+        sums[i] = static_cast<int16_t>(sums[i] + r0.at(i) + r1.at(i) + r2.at(i) + r3.at(i));
+      }
+    }
+  }
+}
+
+VECTOR_CLONES void widenBytes(int16_t* out, const uint8_t* bytes, int32_t n) {
+  for (int32_t i = 0; i < n; ++i) out[i] = static_cast<int16_t>(bytes[i] << kBlurFraction);
+}
+
+VECTOR_CLONES void addBytes(uint16_t* sums, const uint8_t* bytes, int32_t n) {
+  for (int32_t i = 0; i < n; ++i) sums[i] = static_cast<uint16_t>(sums[i] + bytes[i]);
+}
+
+VECTOR_CLONES void mixSamples(int16_t* out, const int16_t* a, const int16_t* b, int16_t weight,
+                              int32_t n) {
+  for (int32_t i = 0; i < n; ++i) {
+    out[i] = static_cast<int16_t>(a[i] + product(static_cast<int16_t>(b[i] - a[i]), weight));
+  }
+}
+
+VECTOR_CLONES void narrowSamples(uint8_t* out, const int16_t* samples, int32_t n) {
+  for (int32_t i = 0; i < n; ++i) out[i] = byteOf(samples[i]);
+}
+
+VECTOR_CLONES void interpolateCells(uint8_t* out, const int16_t* samples, int shift,
+                                    int32_t cells) {
+  switch (shift) {
+    case 1:
+      interpolate<1>(out, samples, cells);
+      break;
+    case 2:
+      interpolate<2>(out, samples, cells);
+      break;
+    case 3:
+      interpolate<3>(out, samples, cells);
+      break;
+    case 4:
+      interpolate<4>(out, samples, cells);
+      break;
+    default:
+      interpolate<5>(out, samples, cells);
+      break;
+  }
+}

@@ -1,0 +1,264 @@
+#include "platform/graphics/pixels/GaussianBlur.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "platform/graphics/pixels/BlurKernels.h"
+
+namespace {
+
+constexpr int kMaxDirectReach = 32;
+
+/// The kernel over cells of 1 << shift pixels: weights of the cell itself (which is taken as a
+/// pair with itself), of the pair next to it, and so on, padded with zeros to whole tap groups.
+struct CellKernel {
+  int shift = 0;
+  int reach = 0;  ///< cells
+  std::vector<int16_t> weights;
+};
+
+/// The Gaussian at whole pixels, cut off beyond the reach.
+class PixelKernel {
+ public:
+  PixelKernel(double blur, int reach) : sigma_(blur / 2), reach_(reach) {
+    sum_ = at(0);
+    for (int k = 1; k <= reach; ++k) sum_ += 2 * at(k);
+  }
+  double sum() const { return sum_; }
+
+  /// The sum over the pixels of a cell `size` pixels wide around `center`; pixels that the cell's
+  /// edges cut count half.
+  double cell(int center, int size) const {
+    if (size == 1) return at(center);
+    const int half = size / 2;
+    double sum = (at(center - half) + at(center + half)) / 2;
+    for (int k = center - half + 1; k < center + half; ++k) sum += at(k);
+    return sum;
+  }
+
+ private:
+  double at(int k) const {
+    return std::abs(k) > reach_ ? 0 : std::exp(-double{1} * k * k / (2 * sigma_ * sigma_));
+  }
+
+  double sigma_;
+  int reach_;
+  double sum_ = 0;
+};
+
+CellKernel kernelFor(double blur) {
+  const int reach = blurReach(blur);
+  CellKernel kernel;
+  while (reach >> kernel.shift > kMaxDirectReach) ++kernel.shift;
+  const int size = 1 << kernel.shift;
+  kernel.reach = (reach + size / 2) / size;
+  const PixelKernel pixels(std::min<double>(blur, kMaxBlurReach), reach);
+  int16_t others = 0;
+  kernel.weights.push_back(0);
+  for (int k = 1; k <= kernel.reach; ++k) {
+    const double weight = pixels.cell(k * size, size) / pixels.sum();
+    kernel.weights.push_back(static_cast<int16_t>(std::lround(weight * (1 << 15))));
+    others = static_cast<int16_t>(others + kernel.weights.back());
+  }
+  kernel.weights[0] = static_cast<int16_t>((1 << 14) - others);
+  while (kernel.weights.size() % kTapGroup != 0) kernel.weights.push_back(0);
+  return kernel;
+}
+
+/// Blurs row after row of cells, from the top down.
+class CellBlur {
+ public:
+  /// Answers will be asked for the cell columns [first, end).
+  CellBlur(const AlphaMask& mask, const CellKernel& kernel, int32_t first, int32_t end);
+
+  int32_t width() const { return width_; }
+
+  /// The blurred samples of row `y` of cells; valid until the next call. Rows are asked for in
+  /// increasing order.
+  const int16_t* row(int32_t y);
+
+ private:
+  /// Cells that the blur reaches outside its columns on each side. Taps that only pad the groups
+  /// may read there too.
+  int32_t margin() const { return static_cast<int32_t>(kernel_.weights.size()); }
+  void readCells(int32_t y);
+  const int16_t* sideways(int32_t y);
+
+  const AlphaMask& mask_;
+  const CellKernel& kernel_;
+  int32_t first_;
+  int32_t width_;
+  int32_t firstRow_;  ///< rows of cells with anything in them
+  int32_t endRow_;
+  int32_t nextRow_;  ///< first one that is not in the ring yet
+  size_t ringRows_;
+  std::vector<int16_t> ring_;
+  std::vector<int16_t> cells_;
+  std::vector<int16_t> zeros_;
+  std::vector<int16_t> sums_;
+  std::vector<uint16_t> columnSums_;
+  std::vector<int32_t> cellSums_;
+  std::vector<const int16_t*> before_;  ///< taps along a row
+  std::vector<const int16_t*> after_;
+  std::vector<const int16_t*> above_;  ///< taps across rows
+  std::vector<const int16_t*> below_;
+};
+
+CellBlur::CellBlur(const AlphaMask& mask, const CellKernel& kernel, int32_t first, int32_t end)
+    : mask_(mask),
+      kernel_(kernel),
+      first_(first),
+      width_(end - first),
+      firstRow_(mask.box().y0 >> kernel.shift),
+      endRow_(((mask.box().y1 - 1) >> kernel.shift) + 1),
+      nextRow_(firstRow_),
+      ringRows_(2 * static_cast<size_t>(kernel.reach) + 1) {
+  const auto width = static_cast<size_t>(width_);
+  const auto padded = width + 2 * static_cast<size_t>(margin());
+  ring_.resize(ringRows_ * width);
+  cells_.resize(padded);
+  zeros_.resize(width);
+  sums_.resize(width);
+  columnSums_.resize(kernel.shift > 0 ? static_cast<size_t>(mask.box().width()) : 0);
+  cellSums_.resize(kernel.shift > 0 ? padded : 0);
+  before_.resize(kernel.weights.size());
+  after_.resize(kernel.weights.size());
+  above_.resize(kernel.weights.size(), zeros_.data());
+  below_.resize(kernel.weights.size(), zeros_.data());
+}
+
+/// The means of row `y` of cells, from `margin` cells before the first wanted one on.
+void CellBlur::readCells(int32_t y) {
+  const PixelBox& box = mask_.box();
+  const int shift = kernel_.shift;
+  const int32_t firstCell = first_ - margin();
+  const auto cellCount = static_cast<int32_t>(cells_.size());
+  const int32_t x0 = std::max(box.x0, firstCell * (1 << shift));
+  const int32_t x1 = std::min(box.x1, (firstCell + cellCount) * (1 << shift));
+  if (x0 >= x1) return;
+  if (shift == 0) {
+    widenBytes(cells_.data() + (x0 - firstCell), mask_.row(y) + (x0 - box.x0), x1 - x0);
+    return;
+  }
+  std::fill(columnSums_.begin(), columnSums_.end(), uint16_t{0});
+  const int32_t rowEnd = std::min(box.y1, (y + 1) << shift);
+  for (int32_t row = std::max(box.y0, y << shift); row < rowEnd; ++row) {
+    addBytes(columnSums_.data(), mask_.row(row) + (x0 - box.x0), x1 - x0);
+  }
+  std::fill(cellSums_.begin(), cellSums_.end(), 0);
+  for (int32_t x = x0; x < x1; ++x) {
+    cellSums_[static_cast<size_t>((x >> shift) - firstCell)] +=
+        columnSums_[static_cast<size_t>(x - x0)];
+  }
+  const int32_t half = 1 << (2 * shift - 1);
+  for (size_t i = 0; i < cells_.size(); ++i) {
+    cells_[i] = static_cast<int16_t>(((cellSums_[i] << kBlurFraction) + half) >> (2 * shift));
+  }
+}
+
+/// Row `y` of cells blurred along the row.
+const int16_t* CellBlur::sideways(int32_t y) {
+  if (y < firstRow_ || y >= endRow_) return zeros_.data();
+  const auto slot = [this](int32_t row) {
+    return ring_.data() + static_cast<size_t>(row - firstRow_) % ringRows_ * zeros_.size();
+  };
+  for (; nextRow_ <= y; ++nextRow_) {
+    readCells(nextRow_);
+    const int16_t* const center = cells_.data() + margin();
+    for (size_t k = 0; k < kernel_.weights.size(); ++k) {
+      before_[k] = center - k;
+      after_[k] = center + k;
+    }
+    weighTaps(slot(nextRow_), before_.data(), after_.data(), kernel_.weights.data(),
+              static_cast<int>(kernel_.weights.size()), width_);
+  }
+  return slot(y);
+}
+
+const int16_t* CellBlur::row(int32_t y) {
+  nextRow_ = std::max(nextRow_, y - kernel_.reach);
+  // The lowest row first: it takes the place of a row above the reach.
+  sideways(std::min(y + kernel_.reach, endRow_ - 1));
+  for (int32_t k = 0; k <= kernel_.reach; ++k) {
+    above_[static_cast<size_t>(k)] = sideways(y - k);
+    below_[static_cast<size_t>(k)] = sideways(y + k);
+  }
+  weighTaps(sums_.data(), above_.data(), below_.data(), kernel_.weights.data(),
+            static_cast<int>(kernel_.weights.size()), width_);
+  return sums_.data();
+}
+
+void blurPixels(const AlphaMask& mask, const CellKernel& kernel, AlphaMask& out) {
+  CellBlur blur(mask, kernel, out.box().x0, out.box().x1);
+  for (int32_t y = out.box().y0; y < out.box().y1; ++y) {
+    narrowSamples(out.row(y), blur.row(y), blur.width());
+  }
+}
+
+/// The last cell whose centre is not right of the centre of pixel x.
+int32_t cellBefore(int32_t x, int shift) {
+  return (x - (1 << (shift - 1))) >> shift;
+}
+
+void blurCells(const AlphaMask& mask, const CellKernel& kernel, AlphaMask& out) {
+  const PixelBox& box = out.box();
+  const int shift = kernel.shift;
+  const int32_t size = 1 << shift;
+  const int32_t firstCell = cellBefore(box.x0, shift);
+  const int32_t cells = cellBefore(box.x1 - 1, shift) + 1 - firstCell;
+  CellBlur blur(mask, kernel, firstCell, firstCell + cells + 1);
+  const auto width = static_cast<size_t>(blur.width());
+  std::vector<int16_t> upper(width);
+  std::vector<int16_t> lower(width);
+  std::vector<int16_t> between(width);
+  std::vector<uint8_t> bytes(static_cast<size_t>(cells) << shift);
+  // Interpolation starts at the centre of the first cell.
+  const size_t skipped = static_cast<size_t>(box.x0 - (firstCell * size + size / 2));
+  int32_t cellRow = cellBefore(box.y0, shift);
+  std::copy_n(blur.row(cellRow), width, lower.begin());
+  --cellRow;
+  for (int32_t y = box.y0; y < box.y1; ++y) {
+    if (cellBefore(y, shift) != cellRow) {
+      ++cellRow;
+      upper.swap(lower);
+      std::copy_n(blur.row(cellRow + 1), width, lower.begin());
+    }
+    const int32_t phase = y - (cellRow * size + size / 2);
+    mixSamples(between.data(), upper.data(), lower.data(),
+               static_cast<int16_t>((2 * phase + 1) << (14 - shift)), blur.width());
+    interpolateCells(bytes.data(), between.data(), shift, cells);
+    std::memcpy(out.row(y), bytes.data() + skipped, static_cast<size_t>(box.width()));
+  }
+}
+
+}  // namespace
+
+int blurReach(double blur) {
+  if (!(blur >= 0.5)) return 0;
+  return static_cast<int>(std::lround(std::min<double>(blur, kMaxBlurReach)));
+}
+
+AlphaMask gaussianBlur(const AlphaMask& mask, double blur, const PixelBox& wanted) {
+  const int reach = blurReach(blur);
+  const PixelBox& box = mask.box();
+  if (box.empty()) return {};
+  AlphaMask out(
+      intersection({box.x0 - reach, box.y0 - reach, box.x1 + reach, box.y1 + reach}, wanted));
+  if (out.box().empty()) return out;
+  if (reach == 0) {
+    for (int32_t y = out.box().y0; y < out.box().y1; ++y) {
+      std::memcpy(out.row(y), mask.row(y) + (out.box().x0 - box.x0),
+                  static_cast<size_t>(out.box().width()));
+    }
+    return out;
+  }
+  const CellKernel kernel = kernelFor(blur);
+  if (kernel.shift == 0) {
+    blurPixels(mask, kernel, out);
+  } else {
+    blurCells(mask, kernel, out);
+  }
+  return out;
+}
