@@ -1,12 +1,17 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/foundation/Geometry.h"
+#include "platform/graphics/CGGradient.h"
 #include "platform/graphics/GraphicsState.h"
 #include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/PathData.h"
 #include "platform/graphics/pixels/CoverageShape.h"
+#include "platform/graphics/pixels/DropShadow.h"
+#include "platform/graphics/pixels/GradientSource.h"
 #include "platform/graphics/pixels/PixelSurface.h"
 #include "platform/graphics/pixels/RowSource.h"
 
@@ -15,7 +20,8 @@
 ///
 /// Every painting call combines with the bitmap by the state's operation where its shape has
 /// coverage inside the clip, in proportion to that coverage, and touches no other pixel. The
-/// source is scaled by the state's alpha first. A shape that is not finite paints nothing; so does
+/// source is scaled by the state's alpha first. With a shadow in force every call casts one, which
+/// is painted first, by the same operation. A shape that is not finite paints nothing; so does
 /// everything under a transform without inverse.
 ///
 /// Not to be used from two threads at once.
@@ -34,19 +40,38 @@ class CGContext {
 
   void setAlpha(CGFloat alpha) { state_.alpha = alpha; }
   void setOperation(NSCompositingOperation operation) { state_.operation = operation; }
+  void setShadow(const ShadowStyle& shadow) { state_.shadow = shadow; }
   void setShouldAntialias(bool antialias) { state_.antialias = antialias; }
   void setInterpolation(NSImageInterpolation quality) { state_.interpolation = quality; }
   void setFillColor(const RGBAColor& color) { state_.fillColor = color; }
   void setStrokeColor(const RGBAColor& color) { state_.strokeColor = color; }
+  /// The pen of strokePath and replacePathWithStrokedPath.
+  StrokeStyle& strokeStyle() { return state_.stroke; }
 
   /// Applies `transform` to everything drawn from now on, before the transform in force.
   void concatenate(const CGAffineTransform& transform);
 
-  /// Intersects the clip with a rectangle in user space.
+  /// Intersects the clip with a rectangle, or with the inside of a path, in user space. An empty
+  /// path leaves nothing.
   void clip(const NSRect& rect);
+  void clip(const PathData& path, WindingRule winding);
 
   void fill(const NSRect& rect, NSCompositingOperation operation);
   void fill(const NSRect& rect) { fill(rect, state_.operation); }
+  void fill(const PathData& path, WindingRule winding);
+
+  /// Draws the line along a path. The pen is in user space units: the transform shapes it.
+  void stroke(const PathData& path, const StrokeStyle& style);
+
+  /// Paints a gradient over the whole clip, its axis in user space. Nothing for axes that
+  /// linearGradientSource and radialGradientSource refuse.
+  void draw(const CGGradient& gradient, const LinearAxis& axis, GradientExtent extent);
+  void draw(const CGGradient& gradient, const RadialAxis& axis, GradientExtent extent);
+  /// The same inside a path only, as if it had been the clip.
+  void fill(const PathData& path, WindingRule winding, const CGGradient& gradient,
+            const LinearAxis& axis);
+  void fill(const PathData& path, WindingRule winding, const CGGradient& gradient,
+            const RadialAxis& axis);
 
   /// Stretches the part `source` of a bitmap (bottom left origin, pixels; cut to the bitmap) over
   /// `destination` in user space, the bitmap's top at the rectangle's upper edge. Only pixels
@@ -57,23 +82,98 @@ class CGContext {
   /// The whole bitmap with the state's operation and alpha.
   void draw(const NSBitmapImageRep& image, const NSRect& destination);
 
+  // The current path belongs to the context, not to its state. Its points are fixed by the
+  // transform at the time they are added. Painting it or clipping to it empties it.
+  void beginPath() { path_ = {}; }
+  void addPath(const PathData& path);
+  void fillPath(WindingRule winding);
+  void strokePath();
+  void clipToPath(WindingRule winding);
+  /// The outline of the line that strokePath would draw, without dashes, becomes the current path.
+  void replacePathWithStrokedPath();
+
+  /// Starts a transparent layer that takes what is painted from now on. Inside it the state is as
+  /// before, except for alpha 1, no shadow, source-over, and a clip that covers the whole layer:
+  /// what the clip in force lets show, and what can cast a shadow there.
+  void beginTransparencyLayer();
+  /// Paints the innermost layer as a whole and restores the state at its beginning, with whose
+  /// clip, alpha, shadow and operation it is painted. The operation applies to the whole clip, also
+  /// where the layer is transparent. Does nothing without a layer.
+  void endTransparencyLayer();
+
  private:
-  PixelSurface& surface() { return surface_; }
+  struct Layer {
+    PixelSurface surface;
+    size_t savedStates;  ///< states below this count are not restored inside the layer
+  };
+  /// A path and the transform from its space to that of the bitmap.
+  struct PlacedPath {
+    PathData path;
+    CGAffineTransform transform;
+  };
+
+  PixelSurface& surface() { return layers_.empty() ? bitmap_ : layers_.back().surface; }
   /// User space to device space: pixels, rows counted from the top.
-  CGAffineTransform deviceTransform() const;
+  CGAffineTransform deviceTransform() const { return toDevice(state_.transform); }
+  CGAffineTransform toDevice(const CGAffineTransform& toBitmap) const;
+  /// The current path in user space, which is left empty; nothing when user space is singular.
+  PathData takePathInUserSpace();
   Antialias antialias() const { return state_.antialias ? Antialias::on : Antialias::off; }
   FillStyle fillStyle(WindingRule winding) const;
-  void paint(const CoverageShape& shape, const SpanPaint& paint, NSCompositingOperation operation) {
-    paintInside(state_.clip, shape, paint, operation);
-  }
-  void paintInside(const ClipRegion& clip, const CoverageShape& shape, const SpanPaint& paint,
-                   NSCompositingOperation operation);
-  /// Paints with a source of which only the device rows `painted` can be anything but transparent.
-  void paintRows(const RowRange& painted, const CoverageShape& shape, const SpanPaint& paint,
+  std::optional<DropShadow> dropShadow() const;
+  PixelSurface makeLayer() const;
+
+  void castShadow(const CoverageShape& shape, const SpanPaint& paint,
+                  NSCompositingOperation operation);
+  void composite(const ClipRegion& clip, const CoverageShape& shape, const SpanPaint& paint,
                  NSCompositingOperation operation);
+  void paint(const CoverageShape& shape, const SpanPaint& paint, NSCompositingOperation operation);
+  /// Paints transparency where the shape lies outside `box`.
+  void compositeNothing(const CoverageShape& shape, const PixelBox& box,
+                        NSCompositingOperation operation);
+  uint32_t sourcePixel(const RGBAColor& color, NSCompositingOperation operation) const;
+  std::unique_ptr<RowSource> gradientSource(const GradientTable& table, const LinearAxis& axis,
+                                            GradientExtent extent) const;
+  std::unique_ptr<RowSource> gradientSource(const GradientTable& table, const RadialAxis& axis,
+                                            GradientExtent extent) const;
+  template <class Axis>
+  void paintGradient(const CoverageShape& shape, const CGGradient& gradient, const Axis& axis,
+                     GradientExtent extent);
+  template <class Axis>
+  void fillWithGradient(const PathData& path, WindingRule winding, const CGGradient& gradient,
+                        const Axis& axis);
+  void paintLayer(const PixelSurface& layer);
 
   PathRenderer renderer_;
-  PixelSurface surface_;
+  PixelSurface bitmap_;
+  std::vector<Layer> layers_;
   GraphicsState state_;
+  PlacedPath path_;
   std::vector<GraphicsState> saved_;
+};
+
+/// Saves the state of a context for the length of a scope.
+class CGContextStateScope {
+ public:
+  explicit CGContextStateScope(CGContext& context) : context_(context) { context_.saveGState(); }
+  CGContextStateScope(const CGContextStateScope&) = delete;
+  CGContextStateScope& operator=(const CGContextStateScope&) = delete;
+  ~CGContextStateScope() { context_.restoreGState(); }
+
+ private:
+  CGContext& context_;
+};
+
+/// A transparency layer for the length of a scope.
+class CGTransparencyLayerScope {
+ public:
+  explicit CGTransparencyLayerScope(CGContext& context) : context_(context) {
+    context_.beginTransparencyLayer();
+  }
+  CGTransparencyLayerScope(const CGTransparencyLayerScope&) = delete;
+  CGTransparencyLayerScope& operator=(const CGTransparencyLayerScope&) = delete;
+  ~CGTransparencyLayerScope() { context_.endTransparencyLayer(); }
+
+ private:
+  CGContext& context_;
 };

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/CompositingOperation.h"
-#include "platform/graphics/PathData.h"
 #include "platform/graphics/pixels/ClipRegion.h"
 #include "platform/graphics/pixels/RGBAColor.h"
+#include "platform/graphics/pixels/StrokeStyle.h"
 
 /// How scaled bitmaps are sampled. The numbers are those that callers use.
 enum class NSImageInterpolation : uint8_t {
@@ -41,10 +40,5 @@ struct GraphicsState {
   bool antialias = true;
   NSImageInterpolation interpolation = NSImageInterpolation::automatic;
 
-  CGFloat lineWidth = 1;
-  LineCap lineCap = LineCap::butt;
-  LineJoin lineJoin = LineJoin::miter;
-  CGFloat miterLimit = 10;
-  std::vector<CGFloat> dash;
-  CGFloat dashPhase = 0;
+  StrokeStyle stroke;  ///< the pen of strokePath
 };

@@ -16,12 +16,10 @@ bool FillShape::fills(const PixelBox& box) const {
          rect->y1 >= box.y1;
 }
 
-PathData pathOfRect(const NSRect& rect) {
-  PathData path;
-  path.move({NSMinX(rect), NSMinY(rect)});
-  path.line({NSMaxX(rect), NSMinY(rect)});
-  path.line({NSMaxX(rect), NSMaxY(rect)});
-  path.line({NSMinX(rect), NSMaxY(rect)});
-  path.close();
-  return path;
+PixelBox StrokeShape::bounds(const PixelBox& box) const {
+  return strokeBox(path_, style_, toDevice_, box);
+}
+
+void StrokeShape::cover(const ClipRegion& clip, CoverageSink& sink) const {
+  renderer_.strokePath(path_, style_, toDevice_, antialias_, clip, sink);
 }

@@ -57,5 +57,25 @@ class FillShape final : public CoverageShape {
   FillStyle style_;
 };
 
-/// The path of a rectangle.
-PathData pathOfRect(const NSRect& rect);
+/// The line along a path.
+class StrokeShape final : public CoverageShape {
+ public:
+  /// The path, the style and the renderer must outlive the shape.
+  StrokeShape(PathRenderer& renderer, const PathData& path, const StrokeStyle& style,
+              const CGAffineTransform& toDevice, Antialias antialias)
+      : renderer_(renderer),
+        path_(path),
+        style_(style),
+        toDevice_(toDevice),
+        antialias_(antialias) {}
+  PixelBox bounds(const PixelBox& box) const override;
+  void cover(const ClipRegion& clip, CoverageSink& sink) const override;
+  bool fills(const PixelBox&) const override { return false; }
+
+ private:
+  PathRenderer& renderer_;
+  const PathData& path_;
+  const StrokeStyle& style_;
+  CGAffineTransform toDevice_;
+  Antialias antialias_;
+};

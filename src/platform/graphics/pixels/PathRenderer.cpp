@@ -22,16 +22,6 @@ DeviceBounds controlBounds(const PathData& path, const CGAffineTransform& toDevi
   return bounds;
 }
 
-PathData pathOfRect(const NSRect& r) {
-  PathData path;
-  path.move({NSMinX(r), NSMinY(r)});
-  path.line({NSMaxX(r), NSMinY(r)});
-  path.line({NSMaxX(r), NSMaxY(r)});
-  path.line({NSMinX(r), NSMaxY(r)});
-  path.close();
-  return path;
-}
-
 bool isWhole(double v) {
   return (grid::snap(v) & (grid::kOne - 1)) == 0;
 }
@@ -96,6 +86,16 @@ class PathSink : public OutlineSink {
 };
 
 }  // namespace
+
+PathData pathOfRect(const NSRect& r) {
+  PathData path;
+  path.move({NSMinX(r), NSMinY(r)});
+  path.line({NSMaxX(r), NSMinY(r)});
+  path.line({NSMaxX(r), NSMaxY(r)});
+  path.line({NSMinX(r), NSMaxY(r)});
+  path.close();
+  return path;
+}
 
 PixelBox fillBox(const PathData& path, const CGAffineTransform& toDevice, const PixelBox& box) {
   return pixelsTouched(controlBounds(path, toDevice), box);

@@ -62,6 +62,9 @@ class PathRenderer {
   ScanConverter converter_;
 };
 
+/// A rectangle as a path, counter-clockwise from its origin.
+PathData pathOfRect(const NSRect& rect);
+
 /// The device pixels that filling `path` may touch inside `box`: the box around its control
 /// points. Empty also for paths that paint nothing.
 PixelBox fillBox(const PathData& path, const CGAffineTransform& toDevice, const PixelBox& box);

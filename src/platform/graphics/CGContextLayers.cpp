@@ -1,0 +1,53 @@
+#include "platform/graphics/CGContext.h"
+#include "platform/graphics/pixels/ImageSource.h"
+
+namespace {
+
+PixelSurface surfaceFor(const PixelBox& box) {
+  if (box.empty()) return PixelSurface(nullptr, 0, 0);
+  return PixelSurface(NSBitmapImageRep::create(box.width(), box.height()), box.x0, box.y0);
+}
+
+}  // namespace
+
+/// A surface for what shows through the clip; with a shadow also for what casts it, if that is
+/// not beyond any canvas.
+PixelSurface CGContext::makeLayer() const {
+  const PixelBox& visible = state_.clip.box();
+  if (const auto shadow = dropShadow()) {
+    PixelSurface both = surfaceFor(unionBox(visible, castingBox(*shadow, visible)));
+    if (both.bitmap() != nullptr) return both;
+  }
+  return surfaceFor(visible);
+}
+
+void CGContext::beginTransparencyLayer() {
+  saved_.push_back(state_);
+  layers_.push_back({makeLayer(), saved_.size()});
+  state_.alpha = 1;
+  state_.shadow = {};
+  state_.operation = NSCompositingOperation::sourceOver;
+  state_.clip = ClipRegion(layers_.back().surface.box());
+}
+
+void CGContext::endTransparencyLayer() {
+  if (layers_.empty()) return;
+  const Layer layer = std::move(layers_.back());
+  layers_.pop_back();
+  saved_.resize(layer.savedStates);
+  state_ = std::move(saved_.back());
+  saved_.pop_back();
+  paintLayer(layer.surface);
+}
+
+void CGContext::paintLayer(const PixelSurface& layer) {
+  const NSCompositingOperation operation = state_.operation;
+  const BoxShape content(layer.painted());
+  if (layer.bitmap() != nullptr) {
+    MovedImageSource pixels(*layer.bitmap(), -layer.box().x0, -layer.box().y0);
+    const SpanPaint paint = SpanPaint::rows(pixels, unitToByte(state_.alpha));
+    castShadow(content, paint, operation);
+    composite(state_.clip, content, paint, operation);
+  }
+  compositeNothing(BoxShape(state_.clip.box()), layer.painted(), operation);
+}

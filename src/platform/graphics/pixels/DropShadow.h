@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/graphics/CompositingOperation.h"
+#include "platform/graphics/pixels/ClipRegion.h"
+#include "platform/graphics/pixels/CoverageShape.h"
+#include "platform/graphics/pixels/PixelSurface.h"
+#include "platform/graphics/pixels/RGBAColor.h"
+#include "platform/graphics/pixels/RowSource.h"
+
+/// A shadow in device space: moved by whole pixels, y downwards; see gaussianBlur.
+struct DropShadow {
+  int32_t dx = 0;
+  int32_t dy = 0;
+  double blur = 0;
+  RGBAColor color;
+};
+
+/// The part of device space whose content can cast a shadow into `box`.
+PixelBox castingBox(const DropShadow& shadow, const PixelBox& box);
+
+/// Paints the shadow that a shape painted with `paint` casts: the shape's coverage times the
+/// alpha of the paint, blurred, as the coverage of the shadow's colour. The clip cuts the shadow,
+/// not the shape that casts it.
+void paintShadow(PixelSurface& surface, const ClipRegion& clip, const CoverageShape& shape,
+                 const SpanPaint& paint, NSCompositingOperation operation,
+                 const DropShadow& shadow);
