@@ -247,6 +247,13 @@ def chain_through_aliases(count):
     return with_objects(objects + [NSARRAY])
 
 
+def doubled(levels):
+    """Arrays that each hold the next one twice: followed blindly, two to the power of levels."""
+    objects = [{"NS.objects": [UID(i + 2)] * 2, "$class": UID(levels + 1)} for i in range(levels)]
+    objects[-1]["NS.objects"] = []
+    return with_objects(objects + [NSARRAY])
+
+
 def bomb():
     """Many records that share one long list: little to read, a lot to hold."""
     items = [UID(1)] * 50000
@@ -307,6 +314,9 @@ def bad():
     yield "built_upwards_60000", chain_of_arrays(60000, False)
     yield "aliases_200", chain_through_aliases(200)
     yield "aliases_60000", chain_through_aliases(60000)
+    yield "doubled_200", doubled(200)
+    yield "unused_300000", with_objects([{"NS.objects": [], "$class": UID(2)}, NSARRAY] +
+                                        [[i] for i in range(150000)])
     yield "shared_list", bomb()
     a = KeyedArchive()
     yield "inside", a.to_bytes(root=a.obj(["Sample", "NSObject"], {

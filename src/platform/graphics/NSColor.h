@@ -33,6 +33,11 @@ class NSColor : public NSObject {
                                                      double alpha);
   static std::shared_ptr<NSColor> colorWithSRGBRed(double red, double green, double blue,
                                                    double alpha);
+  /// In the sRGB space.
+  static std::shared_ptr<NSColor> colorWithRed(double red, double green, double blue,
+                                               double alpha) {
+    return colorWithSRGBRed(red, green, blue, alpha);
+  }
   static std::shared_ptr<NSColor> colorWithCalibratedWhite(double white, double alpha);
   static std::shared_ptr<NSColor> colorWithDeviceWhite(double white, double alpha);
   static std::shared_ptr<NSColor> colorWithDeviceCyan(double cyan, double magenta, double yellow,

@@ -195,17 +195,17 @@ bool NSColor::decodeComponents(NSCoder& coder, const NSColorSpace& space) {
 /// of the custom space.
 void NSColor::decodeOlderText(NSCoder& coder, int64_t code, const NSColorSpace* custom) {
   struct Form {
-    int32_t code;
     const char* key;
+    int32_t code;
     ID space;
   };
-  constexpr Form kForms[] = {{kCalibratedRGBCode, "NSRGB", ID::kGenericRGB},
-                             {kDeviceRGBCode, "NSRGB", ID::kDeviceRGB},
-                             {kCalibratedWhiteCode, "NSWhite", ID::kGenericGray},
-                             {kDeviceWhiteCode, "NSWhite", ID::kDeviceGray},
-                             {kCMYKCode, "NSCMYK", ID::kDeviceCMYK},
+  constexpr Form kForms[] = {{"NSRGB", kCalibratedRGBCode, ID::kGenericRGB},
+                             {"NSRGB", kDeviceRGBCode, ID::kDeviceRGB},
+                             {"NSWhite", kCalibratedWhiteCode, ID::kGenericGray},
+                             {"NSWhite", kDeviceWhiteCode, ID::kDeviceGray},
+                             {"NSCMYK", kCMYKCode, ID::kDeviceCMYK},
                              // A slip of another implementation.
-                             {kCMYKCode, "NSCYMK", ID::kDeviceCMYK}};
+                             {"NSCYMK", kCMYKCode, ID::kDeviceCMYK}};
   // The forms of the code first; where they give nothing, whatever is there.
   for (const bool wanted : {true, false}) {
     for (const Form& form : kForms) {

@@ -7,6 +7,7 @@
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSException.h"
+#include "platform/foundation/NSKeyedArchiver.h"
 #include "platform/foundation/NSKeyedUnarchiver.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
@@ -307,6 +308,8 @@ TEST(NSKeyedUnarchiver, BadArchives) {
       {"built_upwards_60000", kBroken},
       {"aliases_200", "NSArray"},
       {"aliases_60000", kBroken},
+      {"doubled_200", "NSArray"},
+      {"unused_300000", "NSArray"},
       {"shared_list", kBroken},
   };
   for (const Case& c : cases) {
@@ -315,6 +318,8 @@ TEST(NSKeyedUnarchiver, BadArchives) {
       root = NSKeyedUnarchiver::unarchiveObjectWithData(madeArchive("bad/" + std::string(c.name)));
     });
     if (outcome.empty()) outcome = root == nullptr ? "nil" : root->className();
+    // What can be read can be written, in the same bounds.
+    NSKeyedArchiver::archivedDataWithRootObject(root);
     EXPECT_EQ(outcome, c.outcome) << c.name;
   }
 }
