@@ -2,9 +2,7 @@
 // beyond them, and what asking for one key costs.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -12,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Ratio.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSKeyedArchiver.h"
@@ -128,34 +127,14 @@ std::shared_ptr<NSMutableData> makeArchive(int pictures) {
   return NSKeyedArchiver::archivedDataWithRootObject(list);
 }
 
-/// Seconds of the fastest of several copies of the bytes.
-double secondsToCopy(std::span<const uint8_t> bytes) {
-  std::vector<uint8_t> target(bytes.size());
-  double best = 1e9;
-  for (int i = 0; i < 50; ++i) {
-    const auto start = std::chrono::steady_clock::now();
-    std::memcpy(target.data(), bytes.data(), bytes.size());
-    benchmark::DoNotOptimize(target.data());
-    benchmark::ClobberMemory();
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    best = std::min(best, elapsed.count());
-  }
-  return best;
-}
-
 void decode(benchmark::State& state) {
   const auto data = makeArchive(static_cast<int>(state.range(0)));
-  const double copy = secondsToCopy(data->bytes());
+  const double copy = memcpySeconds(data->length());
   const size_t before = allocated;
   peak = before;
-  double best = 1e9;
-  for (auto _ : state) {
-    const auto start = std::chrono::steady_clock::now();
+  runAsMultiple(state, "times memcpy", copy, [&] {
     benchmark::DoNotOptimize(NSKeyedUnarchiver::unarchiveObjectWithData(data));
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    best = std::min(best, elapsed.count());
-  }
-  state.counters["times memcpy"] = best / copy;
+  });
   state.counters["file KB"] = static_cast<double>(data->length()) / 1024;
   state.counters["peak beyond file KB"] = static_cast<double>(peak - before) / 1024;
   state.counters["peak / file"] =
