@@ -40,8 +40,8 @@ inline constexpr int kMaxCurveSteps = 2000;
 /// a shape beyond that is not drawn.
 inline constexpr int64_t kMaxEdgePixels = int64_t{1} << 32;
 
-/// Edges held back for drawing in bands (512 MiB). Shapes with more are accumulated over their
-/// whole box at once.
+/// Edges held back for drawing in bands (512 MiB). Boxes for which that is too many are larger
+/// than 60 million pixels; a shape with more edges than this in such a box is not drawn.
 inline constexpr size_t kMaxHeldEdges = size_t{1} << 24;
 
 /// Largest colour profile looked at. Profiles of presses with their tables reach some megabytes.

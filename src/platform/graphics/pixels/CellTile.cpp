@@ -10,25 +10,13 @@ using grid::kShift;
 
 namespace {
 
-/// Shorter stretches of equal coverage between edges go into the neighbouring cover array: a
-/// separate run costs the consumer more than that many pixels.
-constexpr int64_t kShortestLevel = 8;
-
-/// Cover arrays longer than this are searched for stretches without edges, which overlapping
-/// parts of a shape leave.
-constexpr int64_t kLongCovers = 32;
-
 /// A tile that keeps more cells than this after use gives its memory back.
 constexpr size_t kKeptCells = size_t{1} << 21;
 
 constexpr int64_t kFractionMask = kOne - 1;
 
-void touch(uint64_t* words, int64_t x) {
-  words[x >> 6] |= uint64_t{1} << (x & 63);
-}
-
 /// Touches columns first to last.
-void touch(uint64_t* words, int64_t first, int64_t last) {
+inline void touch(uint64_t* words, int64_t first, int64_t last) {
   int64_t w = first >> 6;
   const int64_t end = last >> 6;
   uint64_t mask = ~uint64_t{0} << (first & 63);
@@ -67,6 +55,163 @@ struct EvenOddTouched {
   uint8_t operator()(int64_t area) const { return (area & (2 * kFullArea - 1)) != 0 ? 255 : 0; }
 };
 
+/// Adds edges to cells. Works on copies of the tile's pointers and sizes: the compiler cannot keep
+/// members in registers across stores to cells.
+class EdgeAdder {
+ public:
+  EdgeAdder(int64_t* cells, uint64_t* touched, int64_t width, int64_t height)
+      : cells_(cells),
+        touched_(touched),
+        width_(width),
+        height_(height),
+        stride_(strideFor(width)),
+        words_(wordsFor(width)) {}
+
+  void add(GridPoint a, GridPoint b) {
+    const int64_t y = a.y >> kShift;
+    if (y == b.y >> kShift && y >= 0 && y < height_) {
+      // Most edges of flattened curves: within one row.
+      if (a.y != b.y) addPiece(cells_ + y * stride_, touched_ + y * words_, a.x, b.x, b.y - a.y);
+    } else if (a.y < b.y) {
+      addRows(a, b, 1);
+    } else if (b.y < a.y) {
+      addRows(b, a, -1);
+    }
+  }
+
+  int64_t work() const { return work_; }
+
+ private:
+  /// Cuts an edge that runs downwards at the pixel rows.
+  void addRows(GridPoint top, GridPoint bottom, int64_t sign) {
+    int64_t y = std::max<int64_t>(top.y, 0);
+    const int64_t end = std::min(bottom.y, height_ << kShift);
+    if (y >= end || std::min(top.x, bottom.x) >= width_ << kShift) return;
+    const double slope =
+        static_cast<double>(bottom.x - top.x) / static_cast<double>(bottom.y - top.y);
+    const auto xAt = [&](int64_t at) {
+      return top.x + std::lrint(slope * static_cast<double>(at - top.y));
+    };
+    int64_t* cells = cells_ + (y >> kShift) * stride_;
+    uint64_t* touched = touched_ + (y >> kShift) * words_;
+    int64_t x = y == top.y ? top.x : xAt(y);
+    work_ += (end - y) >> kShift;
+    while (y < end) {
+      const int64_t next = std::min((y | kFractionMask) + 1, bottom.y);
+      const int64_t xNext = next == bottom.y ? bottom.x : xAt(next);
+      addPiece(cells, touched, x, xNext, sign * (next - y));
+      x = xNext;
+      y = next;
+      cells += stride_;
+      touched += words_;
+    }
+  }
+
+  /// Adds the part of an edge inside one pixel row: from column xa to xb while it descends by
+  /// `cover` (negative for upward edges).
+  void addPiece(int64_t* cells, uint64_t* touched, int64_t xa, int64_t xb, int64_t cover) {
+    const int64_t low = std::min(xa, xb);
+    const int64_t high = std::max(xa, xb);
+    const int64_t cell = low >> kShift;
+    const int64_t last = high >> kShift;
+    if (cell < 0 || last >= width_ || last - cell > 1) {
+      addSlanted(cells, touched, low, high, cover);
+      return;
+    }
+    // Within a pixel or across two: without branches, which would be mispredicted half the time.
+    const int64_t border = (cell + 1) << kShift;
+    const double descent = static_cast<double>(cover) / static_cast<double>(high - low);
+    const int64_t before = std::lrint(descent * static_cast<double>(border - low));
+    const int64_t first = last > cell ? before : cover;
+    const int64_t second = cover - first;
+    const int64_t firstArea =
+        first * ((low & kFractionMask) + std::min(high - border + kOne, kOne));
+    const int64_t secondArea = second * (high & kFractionMask);
+    cells[cell] += first * (2 * kOne) - firstArea;
+    cells[cell + 1] += firstArea + second * (2 * kOne) - secondArea;
+    cells[last + 1] += secondArea;
+    touch(touched, cell, last + 1);
+  }
+
+  /// A piece that crosses columns, or lies outside: what is left of the tile covers it whole, what
+  /// is right of it does not matter.
+  void addSlanted(int64_t* cells, uint64_t* touched, int64_t low, int64_t high, int64_t cover) {
+    if (low >= width_ << kShift) return;
+    if (high <= 0) {
+      cells[0] += cover * (2 * kOne);
+      touch(touched, 0, 0);
+      return;
+    }
+    const double descent = static_cast<double>(cover) / static_cast<double>(high - low);
+    int64_t cell = low >> kShift;
+    int64_t fraction = low & kFractionMask;
+    int64_t done = 0;
+    int64_t spill = 0;
+    if (cell < 0) {
+      done = std::lrint(descent * static_cast<double>(-low));
+      spill = done * (2 * kOne);
+      cell = 0;
+      fraction = 0;
+    }
+    const int64_t last = high >> kShift;
+    const int64_t end = std::min(last, width_);
+    touch(touched, cell, std::min(end + 1, width_));
+    work_ += end - cell;
+    for (; cell < end; ++cell) {
+      const int64_t next = std::lrint(descent * static_cast<double>(((cell + 1) << kShift) - low));
+      const int64_t area = (next - done) * (kOne + fraction);
+      cells[cell] += (next - done) * (2 * kOne) - area + spill;
+      spill = area;
+      fraction = 0;
+      done = next;
+    }
+    if (last < width_) {
+      const int64_t area = (cover - done) * (fraction + (high & kFractionMask));
+      cells[cell] += (cover - done) * (2 * kOne) - area + spill;
+      spill = area;
+      ++cell;
+    }
+    cells[cell] += spill;
+  }
+
+  int64_t* const cells_;
+  uint64_t* const touched_;
+  const int64_t width_;
+  const int64_t height_;
+  const int64_t stride_;
+  const int64_t words_;
+  int64_t work_ = 0;
+};
+
+/// Turns the touched cells of a row into covers and levels, and clears them.
+template <class ToCover>
+void sweepCells(int64_t* cells, uint64_t* touched, int64_t width, ToCover toCover, RowRuns& runs) {
+  uint8_t* const covers = runs.covers();
+  const int64_t words = wordsFor(width);
+  int64_t sum = 0;
+  int64_t x = 0;
+  uint8_t level = 0;
+  for (int64_t w = 0; w < words; ++w) {
+    uint64_t bits = touched[w];
+    if (bits == 0) continue;
+    touched[w] = 0;
+    do {
+      const int start = std::countr_zero(bits);
+      const int length = std::countr_one(bits >> start);
+      bits = start + length < 64 ? bits & (~uint64_t{0} << (start + length)) : 0;
+      const int64_t first = (w << 6) + start;
+      if (x < first) runs.addLevel(x, first, level);
+      runs.beginCovers(first);
+      for (x = first; x < first + length; ++x) {
+        sum += cells[x];
+        cells[x] = 0;
+        covers[x] = level = toCover(sum);
+      }
+    } while (bits != 0);
+  }
+  if (x < width) runs.addLevel(x, width, level);
+}
+
 }  // namespace
 
 size_t CellTile::bytesFor(int64_t width, int64_t height) {
@@ -76,106 +221,27 @@ size_t CellTile::bytesFor(int64_t width, int64_t height) {
 void CellTile::reset(int64_t width, int64_t height) {
   width_ = width;
   height_ = height;
-  stride_ = strideFor(width);
-  words_ = wordsFor(width);
-  const size_t cells = static_cast<size_t>(stride_ * height);
-  const size_t words = static_cast<size_t>(words_ * height);
-  // Sweeping leaves zeros behind, so only growth needs to be cleared.
+  work_ = 0;
+  const auto cells = static_cast<size_t>(strideFor(width) * height);
+  const auto words = static_cast<size_t>(wordsFor(width) * height);
   if (cells_.size() > kKeptCells && cells < cells_.size() / 2) {
     std::vector<int64_t>().swap(cells_);
     std::vector<uint64_t>().swap(touched_);
   }
+  // Sweeping leaves zeros behind, so only growth needs to be cleared.
   if (cells_.size() < cells) cells_.resize(cells);
   if (touched_.size() < words) touched_.resize(words);
-  if (covers_.size() < static_cast<size_t>(stride_)) covers_.resize(static_cast<size_t>(stride_));
 }
 
-/// Adds the part of an edge inside one pixel row: from column xa to xb while it descends by
-/// `cover` (negative for upward edges).
-inline void CellTile::addPiece(const Row& r, int64_t xa, int64_t xb, int64_t cover) {
-  const int64_t cell = xa >> kShift;
-  if (cell == xb >> kShift && cell >= 0 && cell < width_) {
-    const int64_t area = cover * ((xa & kFractionMask) + (xb & kFractionMask));
-    r.cells[cell] += cover * (2 * kOne) - area;
-    r.cells[cell + 1] += area;
-    touch(r.words, cell, cell + 1);
-    return;
-  }
-  addSlanted(r, std::min(xa, xb), std::max(xa, xb), cover);
+void CellTile::addPolyline(std::span<const GridPoint> points) {
+  EdgeAdder adder(cells_.data(), touched_.data(), width_, height_);
+  for (size_t i = 1; i < points.size(); ++i) adder.add(points[i - 1], points[i]);
+  work_ += adder.work();
 }
 
-/// A piece that crosses columns, or lies outside: what is left of the tile covers it whole, what
-/// is right of it does not matter.
-void CellTile::addSlanted(const Row& r, int64_t low, int64_t high, int64_t cover) {
-  if (low >= width_ << kShift) return;
-  if (high <= 0) {
-    r.cells[0] += cover * (2 * kOne);
-    touch(r.words, 0);
-    return;
-  }
-  const double descent = static_cast<double>(cover) / static_cast<double>(high - low);
-  int64_t cell = low >> kShift;
-  int64_t fraction = low & kFractionMask;
-  int64_t done = 0;
-  int64_t spill = 0;
-  if (cell < 0) {
-    done = std::lrint(descent * static_cast<double>(-low));
-    spill = done * (2 * kOne);
-    cell = 0;
-    fraction = 0;
-  }
-  const int64_t last = high >> kShift;
-  const int64_t end = std::min(last, width_);
-  touch(r.words, cell, std::min(end + 1, width_));
-  for (; cell < end; ++cell) {
-    const int64_t next = std::lrint(descent * static_cast<double>(((cell + 1) << kShift) - low));
-    const int64_t area = (next - done) * (kOne + fraction);
-    r.cells[cell] += (next - done) * (2 * kOne) - area + spill;
-    spill = area;
-    fraction = 0;
-    done = next;
-  }
-  if (last < width_) {
-    const int64_t area = (cover - done) * (fraction + (high & kFractionMask));
-    r.cells[cell] += (cover - done) * (2 * kOne) - area + spill;
-    spill = area;
-    ++cell;
-  }
-  r.cells[cell] += spill;
-}
-
-void CellTile::addEdge(int64_t x0, int64_t y0, int64_t x1, int64_t y1) {
-  const int64_t y = y0 >> kShift;
-  if (y == y1 >> kShift && y >= 0 && y < height_) {
-    // Most edges of flattened curves: within one row.
-    if (y0 != y1) addPiece(row(y), x0, x1, y1 - y0);
-  } else if (y0 < y1) {
-    addRows(x0, y0, x1, y1, 1);
-  } else if (y1 < y0) {
-    addRows(x1, y1, x0, y0, -1);
-  }
-}
-
-/// Cuts an edge that runs downwards at the pixel rows.
-void CellTile::addRows(int64_t x0, int64_t y0, int64_t x1, int64_t y1, int64_t sign) {
-  int64_t y = std::max<int64_t>(y0, 0);
-  const int64_t end = std::min(y1, height_ << kShift);
-  if (y >= end || std::min(x0, x1) >= width_ << kShift) return;
-  const double slope = static_cast<double>(x1 - x0) / static_cast<double>(y1 - y0);
-  const auto xAt = [&](int64_t at) {
-    return x0 + std::lrint(slope * static_cast<double>(at - y0));
-  };
-  int64_t x = y == y0 ? x0 : xAt(y);
-  Row r = row(y >> kShift);
-  while (y < end) {
-    const int64_t next = std::min((y | kFractionMask) + 1, y1);
-    const int64_t xNext = next == y1 ? x1 : xAt(next);
-    addPiece(r, x, xNext, sign * (next - y));
-    x = xNext;
-    y = next;
-    r.cells += stride_;
-    r.words += words_;
-  }
+void CellTile::addEdge(GridPoint from, GridPoint to) {
+  const GridPoint points[] = {from, to};
+  addPolyline(points);
 }
 
 void CellTile::sweep(int32_t left, int32_t top, const CoverRule& rule, CoverageSink& sink) {
@@ -191,93 +257,17 @@ void CellTile::sweep(int32_t left, int32_t top, const CoverRule& rule, CoverageS
 
 template <class ToCover>
 void CellTile::sweepRows(int32_t left, int32_t top, ToCover toCover, CoverageSink& sink) {
-  left_ = left;
+  int64_t* cells = cells_.data();
+  uint64_t* touched = touched_.data();
+  runs_.prepare(left, width_);
   for (int64_t y = 0; y < height_; ++y) {
-    sweepRow(row(y), toCover);
-    if (!runs_.empty()) sink.row(top + static_cast<int32_t>(y), runs_);
+    runs_.begin();
+    sweepCells(cells, touched, width_, toCover, runs_);
+    const std::span<const CoverageRun> runs = runs_.finish(width_);
+    if (!runs.empty()) sink.row(top + static_cast<int32_t>(y), runs);
+    cells += strideFor(width_);
+    touched += wordsFor(width_);
   }
-}
-
-template <class ToCover>
-void CellTile::sweepRow(const Row& r, ToCover toCover) {
-  runs_.clear();
-  coversStart_ = -1;
-  int64_t sum = 0;
-  int64_t x = 0;
-  uint8_t level = 0;
-  for (int64_t w = 0; w < words_; ++w) {
-    uint64_t bits = r.words[w];
-    if (bits == 0) continue;
-    r.words[w] = 0;
-    do {
-      const int start = std::countr_zero(bits);
-      const int length = std::countr_one(bits >> start);
-      bits = start + length < 64 ? bits & (~uint64_t{0} << (start + length)) : 0;
-      const int64_t first = (w << 6) + start;
-      addLevel(x, first, level);
-      for (x = first; x < first + length; ++x) {
-        sum += r.cells[x];
-        r.cells[x] = 0;
-        covers_[static_cast<size_t>(x)] = level = toCover(sum);
-      }
-    } while (bits != 0);
-  }
-  if (x < width_) addLevel(x, width_, level);
-  closeCovers(width_);
-}
-
-/// The pixels from the last touched one to the next all have the coverage `level`.
-void CellTile::addLevel(int64_t from, int64_t to, uint8_t level) {
-  if (from < to) {
-    int64_t start = from;
-    if (coversStart_ >= 0) {
-      while (start > coversStart_ && covers_[static_cast<size_t>(start - 1)] == level) --start;
-    }
-    if (level != 0 && to - start < kShortestLevel) {
-      std::fill(covers_.begin() + from, covers_.begin() + to, level);
-    } else {
-      closeCovers(start);
-      pushLevel(start, to, level);
-    }
-  }
-  if (coversStart_ < 0) coversStart_ = to;
-}
-
-void CellTile::closeCovers(int64_t end) {
-  if (coversStart_ < 0) return;
-  int64_t from = coversStart_;
-  coversStart_ = -1;
-  if (end - from < kLongCovers) {
-    pushCovers(from, end);
-    return;
-  }
-  int64_t same = from;  // start of the current stretch of equal covers
-  for (int64_t x = from + 1; x <= end; ++x) {
-    const uint8_t level = covers_[static_cast<size_t>(same)];
-    if (x < end && covers_[static_cast<size_t>(x)] == level) continue;
-    if (x - same >= 2 * kShortestLevel) {
-      pushCovers(from, same);
-      pushLevel(same, x, level);
-      from = x;
-    }
-    same = x;
-  }
-  pushCovers(from, end);
-}
-
-void CellTile::pushCovers(int64_t from, int64_t end) {
-  const uint8_t* covers = covers_.data();
-  while (from < end && covers[from] == 0) ++from;
-  while (from < end && covers[end - 1] == 0) --end;
-  if (from == end) return;
-  runs_.push_back(
-      {left_ + static_cast<int32_t>(from), static_cast<int32_t>(end - from), covers + from, 0});
-}
-
-void CellTile::pushLevel(int64_t from, int64_t end, uint8_t level) {
-  if (level == 0) return;
-  runs_.push_back(
-      {left_ + static_cast<int32_t>(from), static_cast<int32_t>(end - from), nullptr, level});
 }
 
 void CellTile::discard() {

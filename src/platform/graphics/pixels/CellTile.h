@@ -1,12 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "platform/graphics/PathData.h"
 #include "platform/graphics/pixels/CoverageRun.h"
 #include "platform/graphics/pixels/DeviceGrid.h"
-#include "platform/graphics/pixels/PixelBox.h"
+#include "platform/graphics/pixels/RowRuns.h"
 
 /// How accumulated areas become coverage.
 struct CoverRule {
@@ -28,10 +30,14 @@ class CellTile {
   /// Prepares an empty tile. Its memory is kept for the next one, unless it is very large.
   void reset(int64_t width, int64_t height);
 
-  /// Adds an edge in grid units (grid::kOne per pixel) relative to the tile's top left corner.
-  /// Any part may lie outside. What it adds inside does not depend on the position of the tile
-  /// on the grid, nor on the direction of the edge except for the sign.
-  void addEdge(int64_t x0, int64_t y0, int64_t x1, int64_t y1);
+  /// Adds the edges between successive points, relative to the tile's top left corner. Any part
+  /// may lie outside. What an edge adds inside does not depend on the position of the tile on
+  /// the grid, nor on the edge's direction except for the sign.
+  void addPolyline(std::span<const GridPoint> points);
+  void addEdge(GridPoint from, GridPoint to);
+
+  /// Rows and columns that edges ran through since the last reset, where they left their pixel.
+  int64_t work() const { return work_; }
 
   /// Hands every row with coverage to `sink`, pixel (0, 0) being device pixel (left, top), and
   /// leaves the tile empty.
@@ -41,34 +47,13 @@ class CellTile {
   void discard();
 
  private:
-  struct Row {
-    int64_t* cells;
-    uint64_t* words;
-  };
-
-  Row row(int64_t y) { return {cells_.data() + y * stride_, touched_.data() + y * words_}; }
-  void addRows(int64_t x0, int64_t y0, int64_t x1, int64_t y1, int64_t sign);
-  void addPiece(const Row& row, int64_t xa, int64_t xb, int64_t cover);
-  void addSlanted(const Row& row, int64_t low, int64_t high, int64_t cover);
   template <class ToCover>
   void sweepRows(int32_t left, int32_t top, ToCover toCover, CoverageSink& sink);
-  template <class ToCover>
-  void sweepRow(const Row& row, ToCover toCover);
-  void addLevel(int64_t from, int64_t to, uint8_t level);
-  void closeCovers(int64_t end);
-  void pushCovers(int64_t from, int64_t end);
-  void pushLevel(int64_t from, int64_t end, uint8_t level);
 
   int64_t width_ = 0;
   int64_t height_ = 0;
-  int64_t stride_ = 0;  ///< cells per row
-  int64_t words_ = 0;   ///< words of `touched_` per row
+  int64_t work_ = 0;
   std::vector<int64_t> cells_;
   std::vector<uint64_t> touched_;
-
-  // The row being swept.
-  std::vector<uint8_t> covers_;  ///< covers of touched pixels, at their column
-  std::vector<CoverageRun> runs_;
-  int64_t coversStart_ = -1;  ///< first column of the open run of covers; -1 when none is open
-  int32_t left_ = 0;
+  RowRuns runs_;
 };

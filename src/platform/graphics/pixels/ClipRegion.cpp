@@ -112,7 +112,7 @@ void ClipRegion::emit(CoverageSink& sink) const {
   const CoverageRun whole{box_.x0, static_cast<int32_t>(box_.width()), nullptr, 255};
   ClipSink clipped(*this, sink);
   CoverageSink& target = isBox() ? sink : clipped;
-  for (int32_t y = box_.y0; y < box_.y1; ++y) target.row(y, {&whole, 1});
+  target.rows(box_.y0, box_.y1, {&whole, 1});
 }
 
 ClipSink::ClipSink(const ClipRegion& region, CoverageSink& next) : region_(region), next_(next) {
@@ -132,7 +132,11 @@ void ClipSink::row(int32_t y, std::span<const CoverageRun> runs) {
   for (auto run = runs.begin(); run != runs.end() && inside != clip.end();) {
     const int32_t x0 = std::max({run->x, inside->x, box.x0});
     const int32_t x1 = std::min({endOf(*run), endOf(*inside), box.x1});
-    if (x0 < x1) combine(part(*run, x0, x1), part(*inside, x0, x1));
+    if (x1 - x0 == run->length && isOpaque(*inside)) {
+      out_.push_back(*run);
+    } else if (x0 < x1) {
+      combine(part(*run, x0, x1), part(*inside, x0, x1));
+    }
     if (endOf(*run) < endOf(*inside)) {
       ++run;
     } else {

@@ -22,4 +22,10 @@ class CoverageSink {
   /// A shape comes as one sweep, or, when it is wider than ScanConverter::kStripWidth, as several
   /// that lie side by side.
   virtual void row(int32_t y, std::span<const CoverageRun> runs) = 0;
+
+  /// The same runs in every row from y0 to y1 - 1: the insides of rectangles. Sinks that can do
+  /// better than row by row override this.
+  virtual void rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+    for (int32_t y = y0; y < y1; ++y) row(y, runs);
+  }
 };

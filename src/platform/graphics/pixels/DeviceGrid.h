@@ -40,6 +40,12 @@ inline uint8_t coverOfArea(int64_t area) {
 
 }  // namespace grid
 
+/// A point in grid units.
+struct GridPoint {
+  int64_t x = 0;
+  int64_t y = 0;
+};
+
 /// Smallest and largest coordinates of something, in device pixels; empty when x0 > x1.
 struct DeviceBounds {
   double x0 = HUGE_VAL;

@@ -17,12 +17,11 @@ PixelBox PixelSurface::used() const {
           box_.y0 + static_cast<int32_t>(rows.end)};
 }
 
-uint32_t* PixelSurface::paint(int32_t x, int32_t y, int32_t end) {
-  assert(x >= box_.x0 && x < end && end <= box_.x1 && y >= box_.y0 && y < box_.y1);
-  painted_ = unionBox(painted_, {x, y, end, y + 1});
-  const int64_t row = y - box_.y0;
-  void* const bytes = bitmap_->writableRows(row, row + 1);
-  return static_cast<uint32_t*>(bytes) + (x - box_.x0);
+uint32_t* PixelSurface::paint(const PixelBox& pixels) {
+  assert(!pixels.empty() && box_.contains(pixels));
+  painted_ = unionBox(painted_, pixels);
+  void* const bytes = bitmap_->writableRows(pixels.y0 - box_.y0, pixels.y1 - box_.y0);
+  return static_cast<uint32_t*>(bytes) + (pixels.x0 - box_.x0);
 }
 
 const uint32_t* PixelSurface::pixels(int32_t x, int32_t y) const {

@@ -22,7 +22,9 @@ class PixelSurface {
 
   /// The pixel (x, y), announcing that [x, end) of that row are about to be written. They must lie
   /// inside the box.
-  uint32_t* paint(int32_t x, int32_t y, int32_t end);
+  uint32_t* paint(int32_t x, int32_t y, int32_t end) { return paint({x, y, end, y + 1}); }
+  /// The same for a box of pixels (not empty): its top left pixel. Rows are box().width() apart.
+  uint32_t* paint(const PixelBox& pixels);
   const uint32_t* pixels(int32_t x, int32_t y) const;
 
   /// Makes everything transparent.

@@ -109,9 +109,8 @@ void emitRectangle(const DeviceBounds& rectangle, Antialias antialias, const Pix
       runs[count++] = {static_cast<int32_t>(part.from), static_cast<int32_t>(part.end - part.from),
                        nullptr, cover};
     }
-    if (count == 0) continue;
-    for (int64_t y = rowPart.from; y < rowPart.end; ++y) {
-      sink.row(static_cast<int32_t>(y), {runs.data(), count});
-    }
+    if (count == 0 || rowPart.from >= rowPart.end) continue;
+    sink.rows(static_cast<int32_t>(rowPart.from), static_cast<int32_t>(rowPart.end),
+              {runs.data(), count});
   }
 }

@@ -1,6 +1,7 @@
 #include "platform/graphics/pixels/ScanConverter.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/foundation/Limits.h"
 
@@ -10,6 +11,9 @@ namespace {
 
 /// Pixels accumulated at once: 256 KiB of cells, a share of the second-level cache.
 constexpr int64_t kTilePixels = 32768;
+
+/// Points are snapped to the grid and handed on in blocks.
+constexpr size_t kPointBlock = 128;
 
 /// Edges are held up to this number whatever the size of the box (32 MiB).
 constexpr size_t kHeldAlways = size_t{1} << 20;
@@ -24,55 +28,70 @@ void ScanConverter::begin(const PixelBox& box, const CoverRule& rule) {
   rule_ = rule;
   inContour_ = false;
   tooLarge_ = false;
-  edgePixels_ = 0;
+  heldPixels_ = 0;
   held_.clear();
   holding_ = box.width() * box.height() > kTilePixels;
   if (!holding_) tile_.reset(box.width(), box.height());
 }
 
 void ScanConverter::addPoints(std::span<const NSPoint> points) {
-  const int64_t left = int64_t{box_.x0} << kShift;
-  const int64_t top = int64_t{box_.y0} << kShift;
+  const GridPoint corner{int64_t{box_.x0} << kShift, int64_t{box_.y0} << kShift};
+  std::array<GridPoint, kPointBlock> block;
+  size_t count = 0;
+  if (inContour_) block[count++] = current_;
   for (const NSPoint& p : points) {
-    const GridPoint next{grid::snap(p.x) - left, grid::snap(p.y) - top};
-    if (inContour_) {
-      addEdge(current_, next);
-    } else {
-      start_ = next;
-      inContour_ = true;
+    block[count++] = {grid::snap(p.x) - corner.x, grid::snap(p.y) - corner.y};
+    if (!inContour_) start_ = block[0];
+    inContour_ = true;
+    if (count == kPointBlock) {
+      addPolyline(block);
+      block[0] = block.back();
+      count = 1;
     }
-    current_ = next;
   }
+  addPolyline({block.data(), count});
+  if (count > 0) current_ = block[count - 1];
 }
 
 void ScanConverter::closeContour() {
-  if (inContour_) addEdge(current_, start_);
+  if (inContour_) addPolyline(std::array{current_, start_});
   inContour_ = false;
 }
 
-inline void ScanConverter::addEdge(GridPoint from, GridPoint to) {
+void ScanConverter::addPolyline(std::span<const GridPoint> points) {
+  if (tooLarge_) return;
+  if (!holding_) {
+    tile_.addPolyline(points);
+    tooLarge_ = tile_.work() > limits::kMaxEdgePixels;
+    return;
+  }
+  for (size_t i = 1; i < points.size(); ++i) hold({points[i - 1], points[i]});
+}
+
+/// Whether an edge matters to the box; adds up the pixels that visible ones run through.
+bool ScanConverter::isVisible(const Edge& edge) {
   const int64_t width = box_.width() << kShift;
   const int64_t height = box_.height() << kShift;
-  const auto [top, bottom] = std::minmax(from.y, to.y);
-  const auto [left, right] = std::minmax(from.x, to.x);
-  if (top == bottom || bottom <= 0 || top >= height || left >= width) return;
-  edgePixels_ += (std::min(bottom, height) - std::max<int64_t>(top, 0)) >> kShift;
-  edgePixels_ +=
-      std::max<int64_t>(std::min(right, width) - std::max<int64_t>(left, 0), 0) >> kShift;
-  if (holding_) {
-    hold({from, to});
-  } else if (edgePixels_ <= limits::kMaxEdgePixels) {
-    tile_.addEdge(from.x, from.y, to.x, to.y);
-  }
+  const auto [top, bottom] = std::minmax(edge.from.y, edge.to.y);
+  const auto [left, right] = std::minmax(edge.from.x, edge.to.x);
+  if (top == bottom || bottom <= 0 || top >= height || left >= width) return false;
+  const int64_t across = std::min(right, width) - std::max<int64_t>(left, 0);
+  heldPixels_ += (std::min(bottom, height) - std::max<int64_t>(top, 0)) >> kShift;
+  heldPixels_ += std::max<int64_t>(across, 0) >> kShift;
+  return true;
 }
 
 void ScanConverter::hold(const Edge& edge) {
-  if (tooLarge_) return;
+  if (!holding_) {
+    tile_.addEdge(edge.from, edge.to);
+    return;
+  }
+  if (!isVisible(edge)) return;
   const size_t worthHolding = CellTile::bytesFor(box_.width(), box_.height()) / sizeof(Edge);
   if (held_.size() >= std::max(kHeldAlways, worthHolding)) {
     accumulateHeld();
-    tile_.addEdge(edge.from.x, edge.from.y, edge.to.x, edge.to.y);
-  } else if (held_.size() >= limits::kMaxHeldEdges) {
+    tile_.addEdge(edge.from, edge.to);
+  } else if (held_.size() >= limits::kMaxHeldEdges || heldPixels_ > limits::kMaxEdgePixels) {
     tooLarge_ = true;
   } else {
     held_.push_back(edge);
@@ -82,7 +101,7 @@ void ScanConverter::hold(const Edge& edge) {
 /// From bands to one tile over the whole box.
 void ScanConverter::accumulateHeld() {
   tile_.reset(box_.width(), box_.height());
-  for (const Edge& e : held_) tile_.addEdge(e.from.x, e.from.y, e.to.x, e.to.y);
+  for (const Edge& e : held_) tile_.addEdge(e.from, e.to);
   std::vector<Edge>().swap(held_);
   holding_ = false;
 }
@@ -90,8 +109,8 @@ void ScanConverter::accumulateHeld() {
 bool ScanConverter::finish(CoverageSink& sink) {
   closeContour();
   // Every strip looks at every held edge.
-  edgePixels_ += static_cast<int64_t>(held_.size()) * (box_.width() / kStripWidth);
-  tooLarge_ = tooLarge_ || edgePixels_ > limits::kMaxEdgePixels;
+  heldPixels_ += static_cast<int64_t>(held_.size()) * (box_.width() / kStripWidth);
+  tooLarge_ = tooLarge_ || heldPixels_ > limits::kMaxEdgePixels;
   if (!holding_) {
     if (tooLarge_) {
       tile_.discard();
@@ -146,7 +165,7 @@ void ScanConverter::sweepStrip(int64_t x, int64_t width, int64_t bandRows, Cover
     size_t kept = 0;
     for (const uint32_t index : active_) {
       const Edge& e = held_[index];
-      tile_.addEdge(e.from.x - left, e.from.y - top, e.to.x - left, e.to.y - top);
+      tile_.addEdge({e.from.x - left, e.from.y - top}, {e.to.x - left, e.to.y - top});
       if (std::max(e.from.y, e.to.y) > bottom) active_[kept++] = index;
     }
     active_.resize(kept);

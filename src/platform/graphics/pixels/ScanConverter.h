@@ -35,17 +35,14 @@ class ScanConverter {
   static constexpr int32_t kStripWidth = 65536;
 
  private:
-  struct GridPoint {
-    int64_t x = 0;
-    int64_t y = 0;
-  };
   struct Edge {
     GridPoint from;
     GridPoint to;
   };
 
-  void addEdge(GridPoint from, GridPoint to);
+  void addPolyline(std::span<const GridPoint> points);
   void hold(const Edge& edge);
+  bool isVisible(const Edge& edge);
   void accumulateHeld();
   void sortByBand(int64_t bandRows);
   void sweepStrip(int64_t x, int64_t width, int64_t bandRows, CoverageSink& sink);
@@ -55,7 +52,7 @@ class ScanConverter {
   CellTile tile_;
   bool holding_ = false;  ///< edges go to held_, not to the tile
   bool tooLarge_ = false;
-  int64_t edgePixels_ = 0;
+  int64_t heldPixels_ = 0;  ///< that held edges run through
 
   bool inContour_ = false;
   GridPoint start_;

@@ -64,16 +64,36 @@ SpanCompositor::SpanCompositor(PixelSurface& surface, NSCompositingOperation ope
 
 void SpanCompositor::row(int32_t y, std::span<const CoverageRun> runs) {
   const PixelBox& box = surface_.box();
-  if (mode_ == Mode::nothing || y < box.y0 || y >= box.y1) return;
+  if (mode_ == Mode::nothing || y < box.y0 || y >= box.y1 || runs.empty()) return;
+  // Announced once: what lies between the runs is not written.
+  const int32_t left = std::max(runs.front().x, box.x0);
+  const int32_t right = std::min(runs.back().x + runs.back().length, box.x1);
+  if (left >= right) return;
+  uint32_t* const pixels = surface_.paint(left, y, right);
   for (const CoverageRun& whole : runs) {
-    const CoverageRun run = cutTo(whole, box.x0, box.x1);
+    const CoverageRun run = cutTo(whole, left, right);
     if (run.length <= 0) continue;
-    uint32_t* const d = surface_.paint(run.x, y, run.x + run.length);
-    if (mode_ == Mode::mixSolid || mode_ == Mode::overSolid) {
+    uint32_t* const d = pixels + (run.x - left);
+    if (isSolid()) {
       solidRun(d, run);
     } else {
       sourceRun(d, y, run);
     }
+  }
+}
+
+void SpanCompositor::rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+  if (!isSolid()) {
+    CoverageSink::rows(y0, y1, runs);
+    return;
+  }
+  const PixelBox& box = surface_.box();
+  for (const CoverageRun& whole : runs) {
+    const CoverageRun run = cutTo(whole, box.x0, box.x1);
+    const PixelBox painted{run.x, std::max(y0, box.y0), run.x + run.length, std::min(y1, box.y1)};
+    if (painted.empty()) continue;
+    uint32_t* d = surface_.paint(painted);
+    for (int64_t n = painted.height(); n > 0; --n, d += box.width()) solidRun(d, run);
   }
 }
 

@@ -20,11 +20,13 @@ class SpanCompositor final : public CoverageSink {
   SpanCompositor(PixelSurface& surface, NSCompositingOperation operation, const SpanPaint& paint);
 
   void row(int32_t y, std::span<const CoverageRun> runs) override;
+  void rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override;
 
  private:
   enum class Mode : uint8_t { nothing, mixSolid, overSolid, mixRows, overRows, blend };
   static constexpr int32_t kChunk = 1024;
 
+  bool isSolid() const { return mode_ == Mode::mixSolid || mode_ == Mode::overSolid; }
   void solidRun(uint32_t* d, const CoverageRun& run) const;
   void sourceRun(uint32_t* d, int32_t y, const CoverageRun& run);
   void sourceChunk(uint32_t* d, int32_t y, const CoverageRun& run);
