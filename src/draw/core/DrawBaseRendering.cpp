@@ -8,7 +8,7 @@
 #include "draw/core/DrawBase.h"
 #include "draw/core/ReflectionLimits.h"
 #include "draw/core/ZTBezierPathExtension.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSColorDrawing.h"
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSGraphicsContext.h"
 #include "platform/graphics/NSShadow.h"
@@ -25,6 +25,29 @@ CGContext& port() {
 
 bool isVisibleColor(const NSColor* color) {
   return color != nullptr && color->alphaComponent() >= kFaintestAlpha;
+}
+
+/// Odd whole widths are moved half a pixel, so that their edges fall on pixel edges.
+void alignOddLineWidth(const NSBezierPath& path) {
+  constexpr CGFloat kWidest = 1e9;
+  const CGFloat width = path.lineWidth();
+  if (width >= 1 && width < kWidest && static_cast<int64_t>(width) % 2 != 0) {
+    port().concatenate(CGAffineTransformMakeTranslation(0.5, 0.5));
+  }
+}
+
+void clearShadow() {
+  port().setShadow({NSZeroSize, 0, {0, 0, 0, 0}});
+}
+
+/// A gradient centre on the canvas as a position relative to half the bounds.
+NSPoint relativePosition(NSPoint center, const NSRect& bounds) {
+  return {NSWidth(bounds) > 0 ? 2 * (center.x - NSMidX(bounds)) / NSWidth(bounds) : 0,
+          NSHeight(bounds) > 0 ? 2 * (center.y - NSMidY(bounds)) / NSHeight(bounds) : 0};
+}
+
+std::shared_ptr<NSColor> blackWithAlpha(CGFloat alpha) {
+  return NSColor::colorWithCalibratedWhite(0, alpha);
 }
 
 }  // namespace
@@ -50,7 +73,239 @@ void DrawBase::drawInImage(NSBitmapImageRep*) {
   if (NSGraphicsContext::currentContext() == nullptr) return;
   const NSGraphicsStateScope state;
   port().setAlpha(appliesOpacity ? static_cast<CGFloat>(opacity()) / 100 : 1);
+  if (bEnableReflection_ && fReflection_ > 0) drawReflection();
   _draw();
 }
 
-void DrawBase::_draw() {}
+void DrawBase::drawReflection() {
+  const bool shadow = std::exchange(bEnableShadow_, false);
+  NSRect strip = drawRect();
+  {
+    const NSGraphicsStateScope state;
+    const CGFloat distance = std::max(fReflectionDis_, kLowestReflectionDistance);
+    port().concatenate({1, 0, 0, -1, 0, 2 * NSMinY(strip) - distance});
+    strip.size.height *= static_cast<CGFloat>(std::min(fReflection_, 1.0F));
+    NSRectClip(strip);
+    const CGTransparencyLayerScope picture(port());
+    _draw();
+    port().setOperation(NSCompositingOperation::destinationIn);
+    const CGTransparencyLayerScope fade(port());
+    const auto strength = static_cast<CGFloat>(fReflection_);
+    NSGradient::initWithStartingColor(blackWithAlpha(std::clamp(strength + 0.2, 0.4, 1.0)),
+                                      blackWithAlpha(std::clamp(strength - 1, 0.0, 1.0)))
+        ->drawInRect(strip, 90);
+  }
+  bEnableShadow_ = shadow;
+}
+
+void DrawBase::_draw() {
+  const NSGraphicsStateScope state;
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  context.setCompositingOperation(copyWhenComposite() ? NSCompositingOperation::copy
+                                                      : NSCompositingOperation::sourceOver);
+  const bool hasShadow = hasShadowInForce();
+  const auto path = bezierPath_->copy();
+  path->transformUsingAffineTransform(transform());
+  const bool strokes = drawStroke() || hasStrokeOutline();
+  if (strokes) alignOddLineWidth(*path);
+  context.setShouldAntialias(shouldAntialias());
+  const bool fillDrawn = drawFillOfPath(*path, hasShadow);
+  if (strokes) drawStrokeOfPath(*path, hasShadow, fillDrawn);
+}
+
+void DrawBase::paintFill(const NSBezierPath& path) const {
+  if (!bFillWithGdt_) {
+    colorFill_->setFill();
+    path.fill();
+  } else if (!bFillRadialGdt_) {
+    gradientFill_->drawInBezierPath(path, static_cast<CGFloat>(fFillGdtDegree_ + fRotateDegree_));
+  } else if (ptFillGdtCenter_ == NSZeroPoint) {
+    gradientFill_->drawInBezierPath(path, NSZeroPoint);
+  } else {
+    gradientFill_->drawInBezierPath(
+        path, relativePosition(fillGradientCenterPointWithScale(1), path.bounds()));
+  }
+}
+
+bool DrawBase::drawFillOfPath(const NSBezierPath& path, bool hasShadow) const {
+  const bool hasColor =
+      copyWhenComposite() ? colorFill_ != nullptr : isVisibleColor(colorFill_.get());
+  const bool hasPaint = bFillWithGdt_ ? gradientFill_ != nullptr : hasColor;
+  if (!classDrawBezierPathFill() || !bEnableFill_ || !hasPaint) return false;
+  if (hasShadow) {
+    shadow_->set();
+    if (bFillWithGdt_) {
+      // The shadow is that of the painted whole.
+      const CGTransparencyLayerScope layer(port());
+      paintFill(path);
+    } else {
+      paintFill(path);
+    }
+    clearShadow();
+  } else {
+    paintFill(path);
+  }
+  if (bEnableInnerShadow_ && shadowInner_ != nullptr) paintInnerShadow(path);
+  return true;
+}
+
+void DrawBase::paintInnerShadow(const NSBezierPath& path) const {
+  const auto& color = shadowInner_->shadowColor();
+  if (color == nullptr) return;
+  const NSGraphicsStateScope state;
+  NSRectClip(path.bounds());
+  port().setAlpha(color->alphaComponent());
+  const CGTransparencyLayerScope whole(port());
+  port().setShadow({shadowInner_->shadowOffset(), shadowInner_->shadowBlurRadius(),
+                    paintComponents(*color->colorWithAlphaComponent(1))});
+  port().setOperation(NSCompositingOperation::sourceOut);
+  const CGTransparencyLayerScope inverse(port());
+  color->setFill();
+  path.fill();
+  port().setOperation(NSCompositingOperation::destinationIn);
+  const CGTransparencyLayerScope shape(port());
+  paintFill(path);
+}
+
+void DrawBase::drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool fillDrawn) const {
+  const bool plain = path.elementCount() < 2 || (arrowStyle() == 0 && !hasStrokeOutline());
+  if (!plain) {
+    if (hasShadow) shadow_->set();
+    return _drawStrokeWithArrowAndOutline(path);
+  }
+  if (!hasShadow || !fillDrawn) {
+    if (hasShadow) shadow_->set();
+    return _drawStrokeWithPath(path, nullptr, nullptr, hasShadow);
+  }
+  {
+    // The stroke's shadow falls outside the filled shape only.
+    const NSGraphicsStateScope state;
+    shadow_->set();
+    const auto outside = NSBezierPath::bezierPathWithRect(renderedRect());
+    outside->appendBezierPath(path);
+    outside->setWindingRule(WindingRule::evenOdd);
+    outside->addClip();
+    _drawStrokeWithPath(path, nullptr, nullptr, true);
+  }
+  _drawStrokeWithPath(path, nullptr, nullptr, false);
+}
+
+namespace {
+
+/// The heads that there are.
+std::vector<const NSBezierPath*> heads(const ZTArrowPathInfo* info) {
+  std::vector<const NSBezierPath*> paths;
+  if (info == nullptr) return paths;
+  for (const auto* head : {info->startArrowPath().get(), info->endArrowPath().get()}) {
+    if (head != nullptr) paths.push_back(head);
+  }
+  return paths;
+}
+
+void appendHeads(NSBezierPath& path, const ZTArrowPathInfo* info) {
+  for (const NSBezierPath* head : heads(info)) path.appendBezierPath(*head);
+}
+
+void fillHeads(const ZTArrowPathInfo* info) {
+  for (const NSBezierPath* head : heads(info)) head->fill();
+}
+
+}  // namespace
+
+void DrawBase::_drawStrokeWithPath(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
+                                   const NSBezierPath* clipPath, bool hasShadow) const {
+  if (!drawStroke()) return;
+  if (bStrokeWithGdt_) return paintStrokeGradient(path, arrowPathInfo, hasShadow);
+  colorStroke_->set();
+  fillHeads(arrowPathInfo);
+  if (clipPath != nullptr && !clipPath->isEmpty()) clipPath->addClip();
+  path.stroke();
+}
+
+void DrawBase::paintStrokeGradient(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
+                                   bool hasShadow) const {
+  const auto outline = strokeOutlinePath(path);
+  if (outline->isEmpty()) return;
+  const bool dashed = !path.lineDash().empty();
+  std::optional<CGTransparencyLayerScope> layer;
+  if (hasShadow || dashed) layer.emplace(port());
+  if (dashed) {
+    // The gradient lands on the dashes only.
+    NSColor::blackColor()->set();
+    path.stroke();
+    fillHeads(arrowPathInfo);
+    NSGraphicsContext::currentContext()->setCompositingOperation(NSCompositingOperation::sourceIn);
+  }
+  if (arrowPathInfo != nullptr) {
+    if (const auto& start = arrowPathInfo->startArrowPath()) outline->appendBezierPath(*start);
+    if (const auto& end = arrowPathInfo->endArrowPath()) {
+      outline->appendBezierPath(*end->bezierPathByReversingPath());
+    }
+  }
+  if (!bStrokeRadialGdt_) {
+    const float degrees = fStrokeGdtDegree_ + fRotateDegree_;
+    return gradientStroke_->drawInBezierPath(*outline, static_cast<CGFloat>(degrees));
+  }
+  const NSPoint center =
+      ptStrokeGdtCenter_ == NSZeroPoint
+          ? NSZeroPoint
+          : relativePosition(strokeGradientCenterPointWithScale(1), path.bounds());
+  gradientStroke_->drawInBezierPath(*outline, center);
+}
+
+namespace {
+
+/// Everything around the heads: where a translucent line may be painted so that it does not show
+/// through them.
+std::shared_ptr<NSBezierPath> clipAroundHeads(const NSBezierPath& path,
+                                              const ZTArrowPathInfo& info) {
+  const CGFloat width = path.lineWidth();
+  auto clip = NSBezierPath::bezierPathWithRect(NSInsetRect(path.bounds(), -width, -width));
+  appendHeads(*clip, &info);
+  clip->setWindingRule(WindingRule::evenOdd);
+  return clip;
+}
+
+/// Erases the area of the line and its heads.
+void eraseStroke(const NSBezierPath& path, const ZTArrowPathInfo* info) {
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  NSColor::clearColor()->set();
+  context.setCompositingOperation(NSCompositingOperation::copy);
+  fillHeads(info);
+  const auto solid = path.copy();
+  solid->setLineDash({}, 0);
+  solid->stroke();
+  context.setCompositingOperation(NSCompositingOperation::sourceOver);
+}
+
+}  // namespace
+
+void DrawBase::_drawStrokeWithArrowAndOutline(const NSBezierPath& path) const {
+  const bool translucent = bStrokeWithGdt_
+                               ? gradientStroke_ && gradientStroke_->averageOpacity() < 1
+                               : colorStroke_ && colorStroke_->alphaComponent() < 1;
+  const auto info = getArrowInfoWithStyle(path, arrowStyle());
+  const NSBezierPath& line = info != nullptr ? *info->adjustedBezierPath() : path;
+  std::shared_ptr<NSBezierPath> clip;
+  if (info != nullptr && translucent) clip = clipAroundHeads(line, *info);
+
+  const bool outlined = hasStrokeOutline();
+  std::optional<CGTransparencyLayerScope> layer;
+  if (outlined && (info != nullptr || translucent)) layer.emplace(port());
+  if (outlined) drawStrokeOutline(line, info.get(), translucent, layer.has_value());
+  _drawStrokeWithPath(line, info.get(), clip.get(), hasShadowInForce());
+}
+
+void DrawBase::drawStrokeOutline(const NSBezierPath& line, const ZTArrowPathInfo* info,
+                                 bool translucent, bool insideLayer) const {
+  // The erased area must not reach below the draw: it is erased from a layer.
+  std::optional<CGTransparencyLayerScope> layer;
+  const bool erases = translucent || !line.lineDash().empty();
+  if (erases && !insideLayer) layer.emplace(port());
+  const auto outline = strokeOutlinePath(line);
+  appendHeads(*outline, info);
+  outline->setLineWidth(2 * static_cast<CGFloat>(_strokeOutlineWidth));
+  _strokeOutlineColor->setStroke();
+  outline->stroke();
+  if (erases) eraseStroke(line, info);
+}

@@ -8,6 +8,7 @@
 #include "platform/foundation/NSObject.h"
 #include "platform/graphics/NSAffineTransform.h"
 #include "platform/graphics/PathData.h"
+#include "platform/graphics/pixels/StrokeStyle.h"
 
 class CGPath;
 
@@ -101,7 +102,10 @@ class NSBezierPath : public NSObject {
   // Drawing into the current graphics context with its colours, operation and shadow.
   void fill() const;
   void stroke() const;
+  /// Intersects the clip with the inside of the path.
   void addClip() const;
+  /// The settings as the drawing context takes them.
+  StrokeStyle strokeStyle() const;
 
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;

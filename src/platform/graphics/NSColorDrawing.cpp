@@ -1,15 +1,8 @@
-// Colours as the paint of the current graphics context.
-#include "platform/graphics/NSColor.h"
+// Colours and shadows in force in the current graphics context.
+#include "platform/graphics/NSColorDrawing.h"
+
 #include "platform/graphics/NSGraphicsContext.h"
-
-namespace {
-
-RGBAColor components(const NSColor& color) {
-  return {color.redComponent(), color.greenComponent(), color.blueComponent(),
-          color.alphaComponent()};
-}
-
-}  // namespace
+#include "platform/graphics/NSShadow.h"
 
 void NSColor::set() const {
   setFill();
@@ -18,10 +11,17 @@ void NSColor::set() const {
 
 void NSColor::setFill() const {
   const auto& context = NSGraphicsContext::currentContext();
-  if (context != nullptr) context->graphicsPort()->setFillColor(components(*this));
+  if (context != nullptr) context->graphicsPort()->setFillColor(paintComponents(*this));
 }
 
 void NSColor::setStroke() const {
   const auto& context = NSGraphicsContext::currentContext();
-  if (context != nullptr) context->graphicsPort()->setStrokeColor(components(*this));
+  if (context != nullptr) context->graphicsPort()->setStrokeColor(paintComponents(*this));
+}
+
+void NSShadow::set() const {
+  const auto& context = NSGraphicsContext::currentContext();
+  if (context == nullptr) return;
+  const RGBAColor color = color_ != nullptr ? paintComponents(*color_) : RGBAColor{0, 0, 0, 0};
+  context->graphicsPort()->setShadow({offset_, blurRadius_, color});
 }
