@@ -7,7 +7,7 @@ import os
 import sys
 
 from keyed_archive import Float32, UID
-from paint_document import DRAW_CLASSES, PaintDocument
+from paint_document import DRAW_CLASSES, PRESET_SHAPES, PaintDocument
 
 RED, BLUE = (1, 0, 0), (0, 0, 1)
 
@@ -110,6 +110,54 @@ def records():
     return doc
 
 
+def preset_shapes():
+    """Records of preset shapes and lines, titled by what they show. Their paths are not what their
+    classes would build."""
+    doc = canvas(64, 64)
+    a = doc.archive
+    box = lambda x, y, w, h: {"ControlBounds": a.rect(x, y, w, h)}
+
+    def record(class_name, title, **fields):
+        outline = doc.path([("M", 1, 2), ("L", 9, 2), ("L", 5, 8)], join=0)
+        doc.add(class_name, outline=outline, stroke=RED, title=title, **fields)
+
+    record("DrawRectPolygon", "two points", PointsCount=2, **box(0, 0, 100, 100))
+    record("DrawRectPolygon", "points unsaid")
+    record("DrawRectPolygon", "too many points", PointsCount=2 ** 60, **box(0, 0, 100, 100))
+    record("DrawRectStar", "inner size unsaid", **box(0, 0, 100, 100))
+    record("DrawRectStar", "inner size", InnerSize=a.size(0.5, 0.25))
+    record("DrawRectMessage", "bubble unsaid")
+    record("DrawRectMessage", "bubble", Radius=Float32(0.125), Arrow=a.point(1, -2),
+           ArrowA=a.point(3, 4), ArrowB=a.point(5, 6), **box(2, 3, 80, 40))
+    record("DrawEllipseMessage", "elliptic bubble", Arrow=a.point(7, 8))
+    for name in PRESET_SHAPES:
+        record(name, name, **box(4, 6, 30, 20))
+    return doc
+
+
+def lines():
+    """Open draws, titled by what they show."""
+    doc = canvas(64, 64)
+    line, curve = ("L", 30, 40), ("C", 1, 2, 3, 4, 30, 40)
+
+    def record(class_name, title, elements, **fields):
+        doc.add(class_name, outline=doc.path([("M", 10, 20)] + elements, join=0), stroke=RED,
+                title=title, **fields)
+
+    record("DrawLine", "line", [line], ArrowStyle=2)
+    record("DrawLine", "line of three", [line, line])
+    record("DrawLine", "line of a curve", [curve])
+    record("DrawCurve", "curve", [curve])
+    record("DrawCurve", "curve of a line", [line], ArrowStyle=1)
+    record("DrawBrokenLine", "polyline", [line, ("L", 5, 5)], ArrowStyle=1)
+    record("DrawFreePolygon", "three sides", [line, ("L", 5, 5), ("L", 10, 20), ("Z",)])
+    record("DrawFreePolygon", "four sides",
+           [line, ("L", 5, 5), ("L", 1, 1), ("L", 10, 20), ("Z",)])
+    record("DrawBezierPath", "closed path", [line, curve, ("Z",)])
+    record("DrawBezierPath", "open path", [line, curve], ArrowStyle=2)
+    return doc
+
+
 def documents():
     wrong_root = canvas(10, 10)
     inner_missing = canvas(10, 10)
@@ -155,6 +203,8 @@ def documents():
     yield "group chain 10000", group_chain(10000).to_bytes()
     yield "group bomb", group_bomb(9).to_bytes()
     yield "records", records().to_bytes()
+    yield "preset shapes", preset_shapes().to_bytes()
+    yield "lines", lines().to_bytes()
 
 
 def main(folder):

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "draw/core/AxisMap.h"
 #include "platform/foundation/NSObject.h"
 #include "platform/graphics/NSAffineTransform.h"
 #include "platform/graphics/NSBezierPath.h"
@@ -20,6 +21,9 @@ class NSDictionary;
 class NSGradient;
 class NSShadow;
 class ZTArrowPathInfo;
+
+/// Whether line widths follow when a draw is scaled.
+enum class ResizeLineWidth : uint8_t { no, yes };
 
 /// Root of every draw (one drawing object on the canvas): its outline path, the attributes all
 /// kinds of draws share, their archived record, and the rendering pipeline.
@@ -160,6 +164,15 @@ class DrawBase : public NSObject {
   virtual NSRect renderedRect() const;
   /// Replaces the path by the rotated one and the rotation by 0.
   void applyRotationToBezierPath();
+  /// Moves the draw on the canvas.
+  virtual void moveByX(CGFloat x, CGFloat y);
+  /// Scales the draw about a point of the canvas. A draw that is turned keeps its turn and is
+  /// scaled along its own axes: exactly for equal factors and for quarter turns.
+  virtual void scaleByX(CGFloat x, CGFloat y, NSPoint withCenter, ResizeLineWidth resizeLineWidth);
+  /// What restores the outline, for undoing: the archived path, null without one.
+  virtual std::shared_ptr<NSObject> bezierPathData() const;
+  /// Takes over what bezierPathData answered; other objects are ignored.
+  virtual void setBezierPathWithData(const std::shared_ptr<NSObject>& data);
 
   // ---- Rendering into the current graphics context.
   /// Whether stroke and fill would paint anything.
@@ -234,6 +247,8 @@ class DrawBase : public NSObject {
   /// may be null.
   void _drawStrokeWithPath(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
                            const NSBezierPath* clipPath, bool hasShadow) const;
+  /// Maps the path and everything else that lies on the canvas, before rotation.
+  virtual void mapGeometry(const AxisMap& map);
   /// Whether the receiver is a kind of any of the named classes.
   bool isKindOf(std::initializer_list<std::string_view> classNames) const;
   bool isExactly(std::initializer_list<std::string_view> classNames) const;

@@ -210,3 +210,19 @@ std::shared_ptr<DrawBase> DrawBase::drawFromEncodedData(const std::shared_ptr<co
   const auto draws = drawsFromEncodedData(data);
   return draws && !draws->empty() ? draws->front() : nullptr;
 }
+
+std::shared_ptr<NSObject> DrawBase::bezierPathData() const {
+  return bezierPath_ ? NSKeyedArchiver::archivedDataWithRootObject(bezierPath_) : nullptr;
+}
+
+void DrawBase::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  const auto archive = std::dynamic_pointer_cast<NSData>(data);
+  if (archive == nullptr) return;
+  try {
+    auto path = std::dynamic_pointer_cast<NSBezierPath>(
+        NSKeyedUnarchiver::unarchiveObjectWithData(archive));
+    if (path != nullptr) bezierPath_ = std::move(path);
+  } catch (const NSException&) {
+    // Not what bezierPathData answered.
+  }
+}

@@ -1,5 +1,7 @@
-// The rectangles a draw covers.
+// The rectangles a draw covers, and moving and scaling it.
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 
 #include "draw/core/DrawBase.h"
 #include "draw/core/ReflectionLimits.h"
@@ -69,4 +71,33 @@ NSRect DrawBase::renderedRect() const {
         rect, NSMakeRect(NSMinX(drawn), NSMinY(drawn) - distance - height, NSWidth(drawn), height));
   }
   return NSIntegralRect(rect);
+}
+
+void DrawBase::mapGeometry(const AxisMap& map) {
+  if (bezierPath_ == nullptr) return;
+  NSAffineTransform t;
+  t.translateXBy(map.dx, map.dy);
+  t.scaleXBy(map.xScale, map.yScale);
+  bezierPath_->transformUsingAffineTransform(t);
+}
+
+void DrawBase::moveByX(CGFloat x, CGFloat y) {
+  mapGeometry({1, 1, x, y});
+}
+
+void DrawBase::scaleByX(CGFloat x, CGFloat y, NSPoint withCenter, ResizeLineWidth resizeLineWidth) {
+  // The centre of rotation goes where the canvas goes; around it the draw's own axes are scaled.
+  const NSPoint center = DrawBase::rotateCenter();
+  const CGFloat turn = static_cast<CGFloat>(fRotateDegree_) * std::numbers::pi / 180;
+  const CGFloat along = std::cos(turn), across = std::sin(turn);
+  AxisMap map{x, y, 0, 0};
+  if (fRotateDegree_ != 0) {
+    map.xScale = std::hypot(x * along, y * across);
+    map.yScale = std::hypot(x * across, y * along);
+  }
+  map.dx = withCenter.x + (center.x - withCenter.x) * x - center.x * map.xScale;
+  map.dy = withCenter.y + (center.y - withCenter.y) * y - center.y * map.yScale;
+  mapGeometry(map);
+  if (resizeLineWidth == ResizeLineWidth::yes)
+    setLineWidth(lineWidth() * std::sqrt(std::fabs(x * y)));
 }

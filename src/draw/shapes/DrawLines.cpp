@@ -76,6 +76,16 @@ void DrawLine::updatePoints() {
   ptEnd_ = isLine ? p[0] : NSZeroPoint;
 }
 
+void DrawLine::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  DrawArrowed::setBezierPathWithData(data);
+  updatePoints();
+}
+
+void DrawLine::mapGeometry(const AxisMap& map) {
+  DrawArrowed::mapGeometry(map);
+  updatePoints();
+}
+
 bool DrawLine::initWithCoder(NSCoder& coder) {
   if (!DrawArrowed::initWithCoder(coder)) return false;
   updatePoints();
@@ -103,6 +113,16 @@ void DrawCurve::updatePoints() {
   ptCtl1_ = p[0];
   ptCtl2_ = p[1];
   ptEnd_ = p[2];
+}
+
+void DrawCurve::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  DrawArrowed::setBezierPathWithData(data);
+  updatePoints();
+}
+
+void DrawCurve::mapGeometry(const AxisMap& map) {
+  DrawArrowed::mapGeometry(map);
+  updatePoints();
 }
 
 bool DrawCurve::initWithCoder(NSCoder& coder) {

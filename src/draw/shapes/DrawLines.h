@@ -30,7 +30,11 @@ class DrawLine : public DrawArrowed {
   NSPoint endPoint() const { return ptEnd_; }
   /// Derives the points from the path; zero points unless it is one line.
   void updatePoints();
+  void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
   bool initWithCoder(NSCoder& coder) override;
+
+ protected:
+  void mapGeometry(const AxisMap& map) override;
 
  private:
   NSPoint ptStart_;
@@ -51,7 +55,11 @@ class DrawCurve : public DrawArrowed {
   NSPoint endPoint() const { return ptEnd_; }
   /// Derives the points from the path; zero points unless it is one cubic.
   void updatePoints();
+  void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
   bool initWithCoder(NSCoder& coder) override;
+
+ protected:
+  void mapGeometry(const AxisMap& map) override;
 
  private:
   NSPoint ptStart_;

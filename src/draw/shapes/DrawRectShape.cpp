@@ -1,6 +1,7 @@
 #include "draw/shapes/DrawRectShape.h"
 
 #include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSValue.h"
 
 const NSClass DrawRectShape::kClass{"DrawRectShape", &DrawRectangle::kClass,
                                     NSAllocate<DrawRectShape>};
@@ -13,6 +14,26 @@ void DrawRectShape::init() {
   DrawRectangle::init();
   rectControlBounds_ = NSZeroRect;
   bezierPath_->setLineJoinStyle(LineJoin::round);
+}
+
+void DrawRectShape::setBezierPathWithBounds(NSRect bounds) {
+  DrawRectangle::setBezierPathWithBounds(bounds);
+  rectControlBounds_ = bounds;
+}
+
+std::shared_ptr<NSObject> DrawRectShape::bezierPathData() const {
+  return NSValue::valueWithRect(rectControlBounds_);
+}
+
+void DrawRectShape::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  if (data == nullptr) return setBezierPathWithBounds(NSZeroRect);
+  const auto* value = dynamic_cast<const NSValue*>(data.get());
+  if (value != nullptr) setBezierPathWithBounds(value->rectValue());
+}
+
+void DrawRectShape::mapGeometry(const AxisMap& map) {
+  DrawRectangle::mapGeometry(map);
+  rectControlBounds_ = map.rect(rectControlBounds_);
 }
 
 bool DrawRectShape::initWithCoder(NSCoder& coder) {

@@ -79,6 +79,12 @@ void DrawRoundRectangle::setXRadius(float xRadius, float yRadius) {
   bezierPath_->appendBezierPathWithRoundedRect(bounds, xRadius, yRadius);
 }
 
+void DrawRoundRectangle::mapGeometry(const AxisMap& map) {
+  DrawRectangle::mapGeometry(map);
+  fXRadius_ *= static_cast<float>(std::fabs(map.xScale));
+  fYRadius_ *= static_cast<float>(std::fabs(map.yScale));
+}
+
 bool DrawRoundRectangle::initWithCoder(NSCoder& coder) {
   if (!DrawRectangle::initWithCoder(coder)) return false;
   fXRadius_ = std::round(coder.decodeFloatForKey(kXRadius));

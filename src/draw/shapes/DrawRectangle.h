@@ -17,7 +17,7 @@ class DrawRectangle : public DrawBase {
   /// count as at least 1.
   virtual std::shared_ptr<NSBezierPath> bezierPathWithBounds(NSRect bounds) const;
   /// Gives the draw's own path that outline.
-  void setBezierPathWithBounds(NSRect bounds);
+  virtual void setBezierPathWithBounds(NSRect bounds);
 
   virtual NSRect controlBoundsBeforeRotation() const { return pathBounds(); }
   /// Bounds of the turned rectangle; zero without a path.
@@ -46,6 +46,7 @@ class DrawRoundRectangle : public DrawRectangle {
 
  protected:
   void appendOutline(NSBezierPath& path, const NSRect& bounds) const override;
+  void mapGeometry(const AxisMap& map) override;
 
   float fXRadius_ = 0;
   float fYRadius_ = 0;

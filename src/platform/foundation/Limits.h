@@ -27,6 +27,10 @@ inline constexpr int kMaxDecodingDepth = 256;
 /// before any memory is taken for it.
 inline constexpr size_t kMaxPathElements = 16'000'000;
 
+/// Vertices of a regular polygon that are built: beyond that it is a circle at any canvas size, and
+/// a document may ask for billions.
+inline constexpr int64_t kMaxPolygonPoints = 10'000;
+
 /// Points that the curves of one path may be divided into, all together (17 bytes each): longer
 /// paths get fewer chords per curve, one at least.
 inline constexpr size_t kMaxFlattenedPoints = 16'000'000;
