@@ -152,15 +152,17 @@ bool DrawBase::drawFillOfPath(const NSBezierPath& path, bool hasShadow) const {
 void DrawBase::paintInnerShadow(const NSBezierPath& path) const {
   const auto& color = shadowInner_->shadowColor();
   if (color == nullptr) return;
+  // The shadow is made opaque and fades as a whole: its alpha must not scale it twice.
+  const auto opaque = color->colorWithAlphaComponent(1);
   const NSGraphicsStateScope state;
   NSRectClip(path.bounds());
   port().setAlpha(color->alphaComponent());
   const CGTransparencyLayerScope whole(port());
-  port().setShadow({shadowInner_->shadowOffset(), shadowInner_->shadowBlurRadius(),
-                    paintComponents(*color->colorWithAlphaComponent(1))});
+  port().setShadow(
+      {shadowInner_->shadowOffset(), shadowInner_->shadowBlurRadius(), paintComponents(*opaque)});
   port().setOperation(NSCompositingOperation::sourceOut);
   const CGTransparencyLayerScope inverse(port());
-  color->setFill();
+  opaque->setFill();
   path.fill();
   port().setOperation(NSCompositingOperation::destinationIn);
   const CGTransparencyLayerScope shape(port());
