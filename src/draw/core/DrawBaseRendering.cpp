@@ -208,6 +208,35 @@ void appendHeads(NSBezierPath& path, const ZTArrowPathInfo* info) {
   for (const NSBezierPath* head : heads(info)) path.appendBezierPath(*head);
 }
 
+/// Area enclosed by the polygon of the path's end points, positive when it turns left.
+CGFloat signedArea(const NSBezierPath& path) {
+  CGFloat twice = 0;
+  NSPoint start;
+  NSPoint current;
+  const auto edge = [&](NSPoint to) {
+    twice += current.x * to.y - to.x * current.y;
+    current = to;
+  };
+  for (int64_t i = 0; i < path.elementCount(); ++i) {
+    NSPoint p[3];
+    switch (path.elementAtIndex(i, p)) {
+      case NSMoveToBezierPathElement:
+        start = current = p[0];
+        break;
+      case NSLineToBezierPathElement:
+        edge(p[0]);
+        break;
+      case NSCurveToBezierPathElement:
+        edge(p[2]);
+        break;
+      case NSClosePathBezierPathElement:
+        edge(start);
+        break;
+    }
+  }
+  return twice / 2;
+}
+
 void fillHeads(const ZTArrowPathInfo* info) {
   for (const NSBezierPath* head : heads(info)) head->fill();
 }
@@ -238,11 +267,12 @@ void DrawBase::paintStrokeGradient(const NSBezierPath& path, const ZTArrowPathIn
     fillHeads(arrowPathInfo);
     NSGraphicsContext::currentContext()->setCompositingOperation(NSCompositingOperation::sourceIn);
   }
-  if (arrowPathInfo != nullptr) {
-    if (const auto& start = arrowPathInfo->startArrowPath()) outline->appendBezierPath(*start);
-    if (const auto& end = arrowPathInfo->endArrowPath()) {
-      outline->appendBezierPath(*end->bezierPathByReversingPath());
-    }
+  const bool outlineTurnsLeft = signedArea(*outline) > 0;
+  for (const NSBezierPath* head : heads(arrowPathInfo)) {
+    // Turning the same way as the outline, a head adds to it where they overlap.
+    const bool turnsLeft = signedArea(*head) > 0;
+    outline->appendBezierPath(turnsLeft == outlineTurnsLeft ? *head
+                                                            : *head->bezierPathByReversingPath());
   }
   if (!bStrokeRadialGdt_) {
     const float degrees = fStrokeGdtDegree_ + fRotateDegree_;

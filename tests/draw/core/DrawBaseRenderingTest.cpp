@@ -332,6 +332,24 @@ TEST(DrawBaseRendering, ArrowsReplaceTheEndOfTheLine) {
   expectNear(canvas.at(50, 50), {128, 0, 0, 128}, 1, "line alone");
 }
 
+TEST(DrawBaseRendering, GradientArrowsHaveNoHoles) {
+  for (const auto& [from, to] : {std::pair<NSPoint, NSPoint>{{10, 50}, {90, 50}},
+                                 {{90, 50}, {10, 50}},
+                                 {{50, 10}, {50, 90}},
+                                 {{50, 90}, {50, 10}}}) {
+    auto arrow = line(from, to, 4, NSColor::redColor());
+    arrow->setArrowStyle(2);
+    arrow->setUseGradualStroke(true);
+    arrow->setStrokeGradient(redToBlue());
+    const Canvas canvas = Canvas().draw(*arrow);
+    // Along the line, through both heads, where the line reaches into them.
+    for (int64_t i = 20; i < 80; ++i) {
+      const Pixel p = from.y == to.y ? canvas.at(i, 50) : canvas.at(50, i);
+      EXPECT_EQ(p[3], 255) << i << " on the way from " << from.x << ", " << from.y;
+    }
+  }
+}
+
 TEST(DrawBaseRendering, StrokeOutlines) {
   auto stroke = line({10, 50}, {90, 50}, 6, NSColor::redColor());
   stroke->setEnableStrokeOutline(true);

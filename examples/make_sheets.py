@@ -1,0 +1,136 @@
+#!/usr/bin/env python3
+"""Makes the documents that show each step of the rendering pipeline, for docs/:
+make_sheets.py OUTPUT_DIR"""
+import os
+import sys
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
+
+from paint_document import PaintDocument  # noqa: E402
+
+RED, BLUE, GREEN, WHITE, DARK = (0.9, 0.2, 0.15), (0.15, 0.35, 0.85), (0.2, 0.65, 0.3), (1, 1, 1), (0.15, 0.15, 0.2)
+CELL = 100
+
+
+class Sheet:
+    """Cells from the upper left, row by row."""
+
+    def __init__(self, columns, rows):
+        self.doc = PaintDocument(columns * CELL, rows * CELL, background=(0.97, 0.97, 0.97))
+        self.columns, self.rows, self.next = columns, rows, 0
+
+    def cell(self):
+        x = self.next % self.columns * CELL
+        y = (self.rows - 1 - self.next // self.columns) * CELL
+        self.next += 1
+        return x, y
+
+    def shape(self, class_name="DrawRectangle", inset=22, width=2, **attributes):
+        x, y = self.cell()
+        box = (x + inset, y + inset, CELL - 2 * inset, CELL - 2 * inset)
+        make = self.doc.oval if class_name == "DrawEllipse" else self.doc.rectangle
+        self.doc.add(class_name, outline=make(*box, line_width=width), **attributes)
+
+    def line(self, class_name, points, width=2, dash=(), cap=0, **attributes):
+        x, y = self.cell()
+        moved = [(p[0],) + tuple(v + (y if i % 2 else x) for i, v in enumerate(p[1:])) for p in points]
+        path = self.doc.path(moved, line_width=width, dash=dash, cap=cap)
+        self.doc.add(class_name, outline=path, **attributes)
+
+
+def shadows():
+    sheet = Sheet(6, 4)
+    doc = sheet.doc
+    for blur in (0, 2, 5, 10, 20, 40):
+        sheet.shape(fill=RED, shadow=doc.shadow(8, -8, blur, (0, 0, 0, 0.7)))
+    for offset in ((8, 8), (-8, 8), (-8, -8)):
+        sheet.shape("DrawEllipse", fill=GREEN, stroke=DARK, width=5, shadow=doc.shadow(*offset, 6))
+    sheet.shape("DrawEllipse", fill=(0.2, 0.65, 0.3, 0.4), stroke=DARK, width=5, shadow=doc.shadow(8, -8, 6))
+    sheet.shape("DrawEllipse", stroke=BLUE, width=8, shadow=doc.shadow(8, -8, 6))
+    sheet.shape("DrawEllipse", fill=BLUE, opacity=40, shadow=doc.shadow(8, -8, 6))
+    for blur in (0, 3, 8, 16, 30):
+        sheet.shape(fill=(0.95, 0.8, 0.3), inner_shadow=doc.shadow(6, -6, blur, (0.3, 0.1, 0, 0.9)))
+    sheet.shape("DrawEllipse", fill=(0.95, 0.8, 0.3), inner_shadow=doc.shadow(0, 0, 12, (0.3, 0.1, 0, 0.9)))
+    ramp = doc.gradient([(RED, 0), ((1, 0.9, 0.3), 1)])
+    sheet.shape(fill_gradient=(ramp, {"degree": 45}), shadow=doc.shadow(8, -8, 8))
+    sheet.shape(fill_gradient=(ramp, {"radial": True}), shadow=doc.shadow(8, -8, 8),
+                inner_shadow=doc.shadow(-6, 6, 8, (0, 0, 0.4, 0.8)), rotation=20)
+    sheet.shape("DrawEllipse", stroke_gradient=(ramp, {"degree": 0}), width=12, shadow=doc.shadow(8, -8, 8))
+    sheet.line("DrawCurve", [("M", 15, 20), ("C", 40, 110, 60, -10, 85, 80)], width=6, stroke=BLUE, ArrowStyle=2,
+               shadow=doc.shadow(6, -6, 5))
+    sheet.shape(fill=WHITE, stroke=DARK, width=3, shadow=doc.shadow(0, 0, 15, (0, 0.3, 1, 1)))
+    sheet.shape(fill=WHITE, shadow=doc.shadow(6, -6, 6), rotation=45)
+    return doc
+
+
+def gradients():
+    sheet = Sheet(8, 4)
+    doc = sheet.doc
+    ramp = doc.gradient([(RED, 0), ((1, 0.9, 0.3), 0.5), (BLUE, 1)])
+    for degree in (0, 30, 45, 60, 90, 135, 180, 270):
+        sheet.shape(inset=10, fill_gradient=(ramp, {"degree": degree}))
+    for degree in (0, 30, 45, 60, 90, 135, 180, -90):
+        sheet.shape("DrawEllipse", inset=10, fill_gradient=(ramp, {"degree": degree}), rotation=15)
+    for center in ((0, 0), (0.5, 0), (0, 0.5), (-0.5, -0.5), (1, 1), (-1, 0), (0, -1), (0.9, -0.9)):
+        sheet.shape("DrawEllipse" if center[0] < 0 else "DrawRectangle", inset=10,
+                    fill_gradient=(ramp, {"radial": True, "center": center}))
+    clear = doc.gradient([(BLUE, 0), ((0.15, 0.35, 0.85, 0), 1)])
+    hard = doc.gradient([(RED, 0), (RED, 0.5), (GREEN, 0.5), (GREEN, 1)])
+    sheet.shape(inset=10, fill_gradient=(clear, {"degree": 90}))
+    sheet.shape(inset=10, fill_gradient=(hard, {"degree": 20}))
+    for degree in (0, 45, 90):
+        sheet.shape("DrawEllipse", inset=15, stroke_gradient=(ramp, {"degree": degree}), width=14)
+    sheet.shape(inset=20, stroke_gradient=(ramp, {"radial": True, "center": (0.5, 0.5)}), width=14)
+    sheet.line("DrawLine", [("M", 10, 20), ("L", 90, 80)], width=10, dash=(20, 10), stroke_gradient=(ramp, {"degree": 0}))
+    sheet.line("DrawLine", [("M", 10, 20), ("L", 90, 80)], width=6, stroke_gradient=(ramp, {"degree": 0}), ArrowStyle=2)
+    return doc
+
+
+def reflections():
+    sheet = Sheet(6, 3)
+    doc = sheet.doc
+    for strength, distance in ((0.2, 0), (0.5, 0), (0.8, 0), (1, 0), (1.5, 0), (2, 0),
+                               (0.5, 5), (0.5, 15), (0.5, -10), (1, -30), (1, -60), (1, -100)):
+        x, y = sheet.cell()
+        doc.add("DrawRectangle", outline=doc.rectangle(x + 25, y + 50, 50, 40), fill=RED, stroke=DARK,
+                reflection=(strength, distance))
+    for rotation in (10, 30, 45, 90, 135, -20):
+        x, y = sheet.cell()
+        doc.add("DrawRectangle", outline=doc.rectangle(x + 30, y + 55, 40, 20, line_width=3), fill=BLUE, stroke=DARK,
+                rotation=rotation, reflection=(0.6, 2), shadow=doc.shadow(4, -4, 4))
+    return doc
+
+
+def lines():
+    sheet = Sheet(8, 4)
+    straight = [("M", 15, 25), ("L", 85, 75)]
+    curve = [("M", 15, 30), ("C", 35, 110, 65, -30, 85, 70)]
+    for width in (1, 2, 3, 4, 6, 8, 12, 20):
+        sheet.line("DrawLine", straight, width=width, stroke=BLUE, ArrowStyle=1)
+    for width in (1, 2, 3, 4, 6, 8, 12, 20):
+        sheet.line("DrawCurve", curve, width=width, stroke=GREEN, ArrowStyle=2)
+    for width, color, dash, style in ((4, BLUE, (), 0), (4, BLUE, (), 2), (8, (0.15, 0.35, 0.85, 0.5), (), 0),
+                                      (8, (0.15, 0.35, 0.85, 0.5), (), 2), (4, BLUE, (12, 8), 0),
+                                      (4, BLUE, (12, 8), 2), (1, DARK, (), 1), (12, (0.9, 0.2, 0.15, 0.6), (), 1)):
+        sheet.line("DrawCurve", curve, width=width, dash=dash, stroke=color, ArrowStyle=style,
+                   outline_stroke=(3, (1, 0.7, 0)))
+    for cap, dash in ((0, ()), (1, ()), (2, ()), (0, (10, 10)), (1, (20, 20)), (2, (20, 20))):
+        sheet.line("DrawBrokenLine", [("M", 15, 20), ("L", 50, 80), ("L", 85, 20)], width=10, cap=cap, dash=dash, stroke=DARK)
+    sheet.line("DrawLine", [("M", 50, 90), ("L", 50, 10)], width=5, stroke=RED, ArrowStyle=2)
+    sheet.line("DrawLine", [("M", 40, 50), ("L", 60, 50)], width=4, stroke=RED, ArrowStyle=2, opacity=50)
+    return sheet.doc
+
+
+SHEETS = {"shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
+
+
+def main(folder):
+    os.makedirs(folder, exist_ok=True)
+    for name, make in SHEETS.items():
+        with open(os.path.join(folder, f"{name}.paintdoc"), "wb") as out:
+            out.write(make().to_bytes())
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
