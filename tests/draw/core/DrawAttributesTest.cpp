@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include "document/DocumentClasses.h"
+#include "document/DrawGroup.h"
+#include "draw/core/DrawAttributes.h"
+#include "draw/core/ZTSmallKits.h"
+#include "draw/image/DrawImage2.h"
+#include "draw/raster/DrawBrushes.h"
+#include "draw/raster/DrawFill.h"
+#include "draw/raster/DrawSelections.h"
+#include "draw/shapes/DrawLines.h"
+#include "draw/shapes/DrawRectangle.h"
+#include "draw/text/DrawText.h"
+#include "platform/foundation/NSString.h"
+
+namespace {
+
+template <class T>
+std::shared_ptr<T> made() {
+  registerDocumentClasses();
+  auto draw = std::make_shared<T>();
+  draw->init();
+  return draw;
+}
+
+std::shared_ptr<NSMutableDictionary> from(const char* className) {
+  auto dictionary = std::make_shared<NSMutableDictionary>();
+  dictionary->setObject(NSString::stringWithString(className), "DAKeyClassName");
+  return dictionary;
+}
+
+}  // namespace
+
+TEST(DrawAttributes, KeysFollowTheCapabilities) {
+  const auto keysOf = [](const DrawBase& draw) {
+    std::vector<std::string> keys;
+    const auto attributes = draw.drawAttributes();
+    for (const auto& key : attributes->allKeys()) {
+      keys.push_back(dynamic_cast<const NSString&>(*key).string());
+    }
+    return keys;
+  };
+  const auto line = made<DrawLine>();
+  line->setLineDashStyle("4:2");
+  EXPECT_EQ(keysOf(*line), (std::vector<std::string>{
+                               "DAKeyClassName", "DAKeyOpacity", "DAKeySmooth", "DAKeyEnableStroke",
+                               "DAKeyStrokeWithGradient", "DAKeyStrokeColor", "DAKeyStrokeWidth",
+                               "DAKeyStrokeDash", "DAKeyEnableStrokeOutline",
+                               "DAKeyStrokeOutlineWidth", "DAKeyEnableShadow", "DAKeyArrowStyle"}));
+  EXPECT_EQ(keysOf(*made<DrawGradient>()),
+            (std::vector<std::string>{"DAKeyClassName", "DAKeyOpacity", "DAKeyEnableFill",
+                                      "DAKeyFillGradient", "DAKeyFillRadialGradient",
+                                      "DAKeyFillGdtCenter", "DAKeyFillGdtDegree",
+                                      "DAKeyEnableInnerShadow", "DAKeyEnableShadow"}));
+}
+
+TEST(DrawAttributes, WhoTakesAttributesFromWhom) {
+  const auto rectangle = made<DrawRectangle>();
+  const auto line = made<DrawLine>();
+  const auto text = made<DrawText>();
+  const auto curved = made<DrawBezierText>();
+  const auto picture = made<DrawImage2>();
+  const auto gradient = made<DrawGradient>();
+  struct Case {
+    const DrawBase& receiver;
+    const char* source;
+    bool takes;
+  };
+  const Case cases[] = {
+      {*rectangle, "DrawRectangle", true}, {*rectangle, "DrawEllipse", true},
+      {*rectangle, "DrawLine", false},     {*rectangle, "DrawText", false},
+      {*rectangle, "DrawNothing", false},  {*line, "DrawCurve", true},
+      {*line, "DrawFreePolygon", false},   {*text, "DrawRectangle", true},
+      {*text, "DrawBezierText", true},     {*text, "DrawLine", false},
+      {*curved, "DrawText", true},         {*curved, "DrawRectangle", false},
+      {*picture, "DrawSVG", true},         {*picture, "DrawRectangle", false},
+      {*gradient, "DrawGradient", true},   {*gradient, "DrawRectangle", false},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(c.receiver.canSetDrawAttributes(from(c.source).get()), c.takes)
+        << c.receiver.className() << " from " << c.source;
+  }
+  EXPECT_FALSE(rectangle->canSetDrawAttributes(nullptr));
+  EXPECT_TRUE(rectangle->canSetDrawAttributes(std::make_shared<NSMutableDictionary>().get()));
+  EXPECT_FALSE(made<DrawGroup>()->canSetDrawAttributes(from("DrawGroup").get()));
+  EXPECT_FALSE(made<DrawEraser>()->canSetDrawAttributes(from("DrawEraser").get()));
+  EXPECT_FALSE(made<DrawCrop>()->canSetDrawAttributes(from("DrawCrop").get()));
+}
+
+TEST(DrawAttributes, TravelFromDrawToDraw) {
+  const auto source = made<DrawEllipse>();
+  source->setOpacity(30);
+  source->setLineWidth(5);
+  source->setLineDashStyle("3:1");
+  source->setStrokeColor(NSColor::redColor());
+  source->setEnableFill(true);
+  source->setFillColor(NSColor::blueColor());
+  source->setSmooth(false);
+  const auto target = made<DrawRectangle>();
+  EXPECT_FALSE(
+      IsEqualDrawAttributes(source->drawAttributes().get(), target->drawAttributes().get()));
+  EXPECT_TRUE(target->setDrawAttributes(*source->drawAttributes()));
+  EXPECT_EQ(target->opacity(), 30U);
+  EXPECT_EQ(target->lineWidth(), 5);
+  EXPECT_EQ(target->lineDashStyle(), "3:1");
+  EXPECT_EQ(target->fillColor(), source->fillColor());
+  EXPECT_FALSE(target->smooth());
+  EXPECT_TRUE(
+      IsEqualDrawAttributes(source->drawAttributes().get(), target->drawAttributes().get()));
+  EXPECT_TRUE(IsEqualDrawAttributes(nullptr, nullptr));
+  EXPECT_FALSE(IsEqualDrawAttributes(source->drawAttributes().get(), nullptr));
+
+  auto wrong = from("DrawCurve");
+  wrong->setObject(NSString::stringWithString("2"), "DAKeyArrowStyle");
+  const auto line = made<DrawLine>();
+  line->setDrawAttributes(*wrong);
+  EXPECT_EQ(line->arrowStyle(), 0) << "a text is no number";
+  wrong->setObject(NSNumber::numberWithInteger(2), "DAKeyArrowStyle");
+  EXPECT_TRUE(line->setDrawAttributes(*wrong));
+  EXPECT_EQ(line->arrowStyle(), 2);
+}
+
+TEST(DrawAttributes, Capabilities) {
+  const auto line = made<DrawLine>();
+  EXPECT_TRUE(line->canSetStrokeOutline());
+  line->setEnableStroke(false);
+  EXPECT_FALSE(line->canSetStrokeOutline());
+  EXPECT_FALSE(line->isPathClosed());
+  auto path = made<DrawBezierPath>();
+  EXPECT_TRUE(path->canSetArrowStyle());
+  path->bezierPath()->appendBezierPathWithRect(NSMakeRect(0, 0, 1, 1));
+  EXPECT_FALSE(path->canSetArrowStyle());
+  EXPECT_TRUE(made<DrawFill>()->canSetFillColor());
+  EXPECT_FALSE(made<DrawGradient>()->canSetFillColor());
+  EXPECT_FALSE(made<DrawEraser>()->canSetShadow()) << "it composites by copying";
+  EXPECT_TRUE(made<DrawEraser>()->canToggleSmooth());
+  EXPECT_FALSE(made<DrawText>()->canCreateBezierText());
+  EXPECT_TRUE(made<DrawRoundRectangle>()->canCreateBezierText());
+  EXPECT_FALSE(made<DrawRectSelection>()->canCreateBezierText());
+  EXPECT_FALSE(made<DrawImage2>()->canToggleFill());
+  EXPECT_TRUE(made<DrawImage2>()->canAdjustOpacity());
+  EXPECT_FALSE(made<DrawCrop>()->canAdjustOpacity());
+  EXPECT_TRUE(made<DrawRectSelection>()->canAdjustOpacity());
+  const auto group = DrawGroup::initWithDraws({line});
+  EXPECT_TRUE(line->visibleWithGroup());
+  group->setVisible(false);
+  EXPECT_FALSE(line->visibleWithGroup());
+  EXPECT_FALSE(line->canBeRotated());
+}
+
+TEST(ZTSmallKits, ColorsEqualWithinOneStep) {
+  const auto near = NSColor::colorWithCalibratedRed(0.5039, 0, 0, 1);
+  const auto base = NSColor::colorWithCalibratedRed(0.5, 0, 0, 1);
+  EXPECT_TRUE(zt_isEqualWithColor(base.get(), near.get()));
+  EXPECT_FALSE(
+      zt_isEqualWithColor(base.get(), NSColor::colorWithCalibratedRed(0.504, 0, 0, 1).get()));
+  EXPECT_TRUE(zt_isEqualWithColor(NSColor::clearColor().get(),
+                                  NSColor::colorWithCalibratedRed(1, 1, 1, 0.005).get()));
+  EXPECT_FALSE(zt_isEqualWithColor(base.get(), nullptr));
+}
