@@ -158,6 +158,75 @@ def lines():
     return doc
 
 
+def hostile():
+    """Documents that decode and are drawn, with values that no writer means."""
+    nan, inf = float("nan"), float("inf")
+    square = [("M", 8, 8), ("L", 40, 8), ("L", 40, 40), ("L", 8, 40), ("Z",)]
+
+    def drawn(class_name="DrawRectangle", elements=square, settings=None, **attributes):
+        doc = canvas(64, 64, background=(1, 1, 1))
+        attributes.setdefault("stroke", RED)
+        attributes.setdefault("fill", BLUE)
+        doc.add(class_name, outline=doc.path(elements, **(settings or {})), **attributes)
+        return doc
+
+    def raw_segments(blob):
+        doc = canvas(64, 64)
+        doc.add("DrawRectangle", stroke=RED, fill=BLUE, outline=doc.archive.obj(
+            ["NSBezierPath", "NSObject"], {"NSSegments": blob}))
+        return doc
+
+    for name, value in (("nan", nan), ("infinity", inf), ("-infinity", -inf), ("3e38", 3e38), ("-1e9", -1e9)):
+        yield f"coordinate {name}", drawn(elements=square[:2] + [("L", value, 40), ("Z",)])
+        yield f"control {name}", drawn(elements=square[:1] + [("C", value, 9, 9, value, 40, 40), ("Z",)])
+        yield f"width {name}", drawn(settings={"line_width": value})
+        yield f"dash {name}", drawn(settings={"dash": (value, 3)})
+        yield f"phase {name}", drawn(settings={"dash": (5, 3), "phase": value})
+        yield f"miter {name}", drawn(settings={"miter": value})
+        yield f"rotation {name}", drawn(rotation=value)
+        for angle in ("StrokeGdtDegree", "FillGdtDegree", "Reflection", "ReflectionDis", "StrokeOutlineWidth"):
+            doc = drawn(reflection=(0.5, 0), outline_stroke=(2, RED))
+            record = doc.archive.objects[doc.draws[0].data]
+            record[angle] = Float32(value)
+            yield f"{angle} {name}", doc
+    for name, dash in (("zeros", (0, 0)), ("tiny", (1e-30, 1e-30)), ("negative", (-1, -1)), ("odd", (3, 0, 1)),
+                       ("many", (1,) * 5000)):
+        yield f"dashes {name}", drawn(settings={"dash": dash})
+    yield "width 0", drawn(settings={"line_width": 0})
+    yield "no first move", drawn(elements=square[1:])
+    yield "only closes", drawn(elements=[("Z",)] * 50)
+    yield "lone moves", drawn(elements=[("M", 1, 1)] * 500)
+    yield "unknown elements", raw_segments(b"\0" * 9 + b"\7" * 90)
+    yield "short tail", raw_segments((b"\0" + b"\x41\0\0\0" * 2) + (b"\1" + b"\x42\0\0\0" * 2) + b"\1\2")
+    yield "broken curve", raw_segments(b"\0" * 9 + b"\2" * 9 + b"\1" * 9)
+    yield "scribble", drawn(elements=[("M", 0, 0)] + [("L", i * 7919 % 64, i * 104729 % 64) for i in range(20000)])
+
+    for name, stops in (("one stop", [(RED, 0)]), ("outside", [(RED, -5), (BLUE, 7)]), ("nan", [(RED, nan), (BLUE, 1)]),
+                        ("equal", [(RED, 0.5), (BLUE, 0.5)]), ("unordered", [(RED, 1), (BLUE, 0), (RED, 0.5)])):
+        doc = canvas(64, 64)
+        gradient = doc.gradient(stops)
+        for radial in (False, True):
+            doc.add("DrawEllipse", outline=doc.oval(4, 4, 50, 50), fill_gradient=(gradient, {"radial": radial}),
+                    stroke_gradient=(gradient, {"radial": radial, "center": (1e30, -1e30)}))
+        yield f"gradient {name}", doc
+    doc = canvas(64, 64)
+    colors = [doc.color(RED), doc.color(BLUE)]
+    many = doc.archive.gradient([(colors[i % 2], (i * 7919 % 100000) / 100000) for i in range(100000)])
+    doc.add("DrawEllipse", outline=doc.oval(4, 4, 50, 50), fill_gradient=(many, {}))
+    yield "gradient of 100000 stops", doc
+
+    for name, shadow in (("blur 1e9", (1, 1, 1e9)), ("blur nan", (1, 1, nan)), ("blur -5", (1, 1, -5)),
+                         ("offset 1e30", (1e30, -1e30, 3)), ("offset nan", (nan, 0, 3))):
+        for kind in ("shadow", "inner_shadow"):
+            doc = canvas(64, 64)
+            doc.add("DrawEllipse", outline=doc.oval(4, 4, 50, 50), fill=RED, stroke=BLUE, **{kind: doc.shadow(*shadow)})
+            yield f"{kind} {name}", doc
+    flat = canvas(64, 64)
+    flat.add("DrawEllipse", outline=flat.path([("M", 5, 5), ("L", 5, 5), ("Z",)]), fill=RED, stroke=BLUE,
+             shadow=flat.shadow(1, 1, 3), inner_shadow=flat.shadow(1, 1, 3), reflection=(1, 0), rotation=33)
+    yield "no extent", flat
+
+
 def documents():
     wrong_root = canvas(10, 10)
     inner_missing = canvas(10, 10)
@@ -208,10 +277,13 @@ def documents():
 
 
 def main(folder):
-    os.makedirs(folder, exist_ok=True)
+    os.makedirs(os.path.join(folder, "hostile"), exist_ok=True)
     for name, data in documents():
         with open(os.path.join(folder, name + ".paintdoc"), "wb") as out:
             out.write(data)
+    for name, doc in hostile():
+        with open(os.path.join(folder, "hostile", name + ".paintdoc"), "wb") as out:
+            out.write(doc.to_bytes())
 
 
 if __name__ == "__main__":

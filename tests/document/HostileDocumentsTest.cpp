@@ -1,0 +1,37 @@
+// Documents whose values no writer means: they decode, and drawing them ends.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "document/PaintManager.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "support/Documents.h"
+
+TEST(HostileDocuments, AreDrawnOrLeftOut) {
+  const std::string folder = std::string(PAINT_BINARY_DIR) + "/fixtures/documents/hostile";
+  int count = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string name = "hostile/" + entry.path().stem().string();
+    SCOPED_TRACE(name);
+    const auto document = madeDocument(name);
+    ASSERT_NE(document, nullptr);
+    const auto image = document->fullImage();
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->pixelsWide(), 64);
+    // Premultiplied pixels stay premultiplied, whatever was drawn.
+    for (int64_t y = 0; y < 64; ++y) {
+      const uint8_t* row = image->row(y);
+      for (int64_t x = 0; x < 64; ++x) {
+        const uint8_t alpha = row[4 * x + 3];
+        ASSERT_TRUE(row[4 * x] <= alpha && row[4 * x + 1] <= alpha && row[4 * x + 2] <= alpha)
+            << x << ", " << y;
+      }
+    }
+    // What was read can be written and read again.
+    ASSERT_NE(
+        PaintManager::paintMgrWithPaintData(document->paintDataWithResolution(0), nullptr, nullptr),
+        nullptr);
+    ++count;
+  }
+  EXPECT_GT(count, 80);
+}
