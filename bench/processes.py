@@ -5,6 +5,8 @@ Processor time is the smallest of several runs, user and system together; peak m
 resident set.
 """
 import os
+import random
+import shutil
 import sys
 import tempfile
 
@@ -36,6 +38,37 @@ def line(what, value, target):
     print(f"{what:<62} {value:>10}   {target}")
 
 
+def shapes():
+    """The same picture of 20 shapes with gradients, dashes and two shadows, 800 x 600: a document
+    and SVG text."""
+    pick = random.Random(7)
+    doc = PaintDocument(800, 600, background=(1, 1, 1))
+    defs, body = [], []
+    hexed = lambda c: "#%02x%02x%02x" % tuple(round(v * 255) for v in c)
+    for i in range(20):
+        x, y, w, h = pick.randint(20, 600), pick.randint(20, 400), pick.randint(60, 180), pick.randint(60, 160)
+        a, b = [tuple(pick.random() for _ in range(3)) for _ in range(2)]
+        radial = i % 3 == 2
+        dash = (12, 6) if i % 5 == 0 else ()
+        shadow = doc.shadow(6, -6, 12) if i in (4, 9) else None
+        outline = (doc.oval if i % 2 else doc.rectangle)(x, y, w, h, line_width=3, dash=dash)
+        doc.add("DrawEllipse" if i % 2 else "DrawRectangle", outline=outline, stroke=(0.1, 0.1, 0.1), shadow=shadow,
+                fill_gradient=(doc.gradient([(a, 0), (b, 1)]), {"degree": 0, "radial": radial}), opacity=85)
+        kind = "radialGradient" if radial else "linearGradient"
+        defs.append(f'<{kind} id="g{i}"><stop offset="0" stop-color="{hexed(a)}"/>'
+                    f'<stop offset="1" stop-color="{hexed(b)}"/></{kind}>')
+        style = (f'fill="url(#g{i})" stroke="#1a1a1a" stroke-width="3" opacity="0.85"'
+                 + (' stroke-dasharray="12 6"' if dash else "") + (' filter="url(#s)"' if shadow else ""))
+        top = 600 - y - h
+        body.append(f'<ellipse cx="{x + w / 2}" cy="{top + h / 2}" rx="{w / 2}" ry="{h / 2}" {style}/>' if i % 2 else
+                    f'<rect x="{x}" y="{top}" width="{w}" height="{h}" {style}/>')
+    defs.append('<filter id="s" x="-20%" y="-20%" width="140%" height="140%"><feDropShadow dx="6" dy="6" '
+                'stdDeviation="6" flood-opacity="0.5"/></filter>')
+    svg = ('<svg xmlns="http://www.w3.org/2000/svg" width="800" height="600" viewBox="0 0 800 600">'
+           f'<defs>{"".join(defs)}</defs><rect width="800" height="600" fill="white"/>{"".join(body)}</svg>')
+    return doc.to_bytes(), svg.encode()
+
+
 def main():
     program = lambda name: os.path.join(BIN, name)
     thumbnailer = program("paint-thumbnailer")
@@ -54,6 +87,18 @@ def main():
             line(f"20000 x 12500 with {name} / memset of a canvas", f"{cpu / fill:.2f}", "at most 4")
             extra = (peak - 2 * 20000 * 12500 * 4) / (1 << 20)
             line("    peak memory beyond two canvas bitmaps, MB", f"{extra:.0f}", "at most 32")
+
+        rsvg = shutil.which("rsvg-convert")
+        if rsvg is None:
+            print("rsvg-convert is not installed: its ratio is left out")
+            return
+        document, svg = os.path.join(folder, "shapes.paintdoc"), os.path.join(folder, "shapes.svg")
+        for path, data in zip((document, svg), shapes()):
+            with open(path, "wb") as file:
+                file.write(data)
+        ours, _ = measure([thumbnailer, "-s", "256", document, out], 30)
+        theirs, _ = measure([rsvg, "-w", "256", "-o", out, svg], 30)
+        line("800 x 600, 20 shapes, to 256 / rsvg-convert", f"{ours / theirs:.2f}", "at most 0.4")
 
 
 if __name__ == "__main__":
