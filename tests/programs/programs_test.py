@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Runs the programs as desktops and people do:  programs_test.py BIN_DIR DOCUMENTS_DIR EXAMPLES_DIR
+DATA_DIR
 
 Exit codes, one line on standard error, and an output path that is left absent or empty on failure.
 """
 import json
 import os
+import shutil
 import struct
 import subprocess
 import sys
@@ -12,7 +14,7 @@ import tempfile
 import unittest
 import zlib
 
-BIN, DOCUMENTS, EXAMPLES = (os.path.abspath(path) for path in sys.argv[1:4])
+BIN, DOCUMENTS, EXAMPLES, DATA = (os.path.abspath(path) for path in sys.argv[1:5])
 THUMBNAILER = os.path.join(BIN, "paint-thumbnailer")
 PAINTDOC = os.path.join(BIN, "paintdoc")
 
@@ -207,6 +209,20 @@ class Programs(unittest.TestCase):
         self.assertEqual(nested["draws"][1]["draws"][1]["draws"][0]["name"], "deep")
         text = run(PAINTDOC, "info", document("nested groups")).stdout.decode()
         self.assertIn('\n      DrawImage "deep" bounds 0 0 8 8\n', text)
+
+    @unittest.skipUnless(shutil.which("update-mime-database") and shutil.which("gio"),
+                         "shared-mime-info or gio is not installed")
+    def test_documents_are_recognised_by_content(self):
+        packages = os.path.join(self.folder.name, "mime", "packages")
+        os.makedirs(packages)
+        shutil.copy(os.path.join(DATA, "paint-document.xml"), packages)
+        run("update-mime-database", os.path.dirname(packages))
+        environment = dict(os.environ, XDG_DATA_HOME=self.folder.name)
+        plain_list = self.write("list", b"bplist00\xa0\x08\0\0\0\0\0\0\x01\x01" + b"\0" * 7 + b"\x01" + b"\0" * 15 + b"\x09")
+        for path, expected in ((self.write("unnamed", read(document("all classes"))), True),
+                               (self.write("empty.paintdoc", b"x"), True), (plain_list, False)):
+            result = run("gio", "info", "-a", "standard::content-type", path, env=environment)
+            self.assertEqual(b"application/x-paint-document" in result.stdout, expected, (path, result.stdout))
 
     def test_limits(self):
         result = run(THUMBNAILER, "--limit-memory", "64", document("white largest canvas"), self.out)
