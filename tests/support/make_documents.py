@@ -227,6 +227,41 @@ def hostile():
     yield "no extent", flat
 
 
+def brushes():
+    """Pen and eraser strokes of old and new records, titled by what they show."""
+    doc = canvas(64, 64)
+
+    def record(class_name, title, elements, width, **fields):
+        doc.add(class_name, outline=doc.path([("M", 10, 20)] + elements, line_width=width),
+                stroke=RED, title=title, **fields)
+
+    dot, near, far = [("L", 10, 20)], [("L", 10.9, 20.9)], [("L", 30, 40)]
+    record("DrawPen", "new", far, 1.0, Version=1)
+    record("DrawPen", "old thin line", far, 1.0)
+    record("DrawPen", "old line", far, 1.1)
+    record("DrawPen", "old thin dot", near, 1.0)
+    record("DrawPen", "old dot", dot, 5.0)
+    record("DrawPen", "old aliased dot", dot, 5.0, smooth=False)
+    record("DrawEraser", "old eraser", far, 5.0)
+    record("DrawEraser", "new eraser", far, 5.0, Version=1)
+    record("DrawEraser", "eraser of a gradient", far, 5.0, Version=1, EnableStroke=False,
+           IsStrokeWithGdt=True)
+    return doc
+
+
+def spray(elements, **attributes):
+    """An airbrush draw of that many elements; all such documents show the same dots."""
+    doc = canvas(120, 100, background=(1, 1, 1))
+    state, dots = 1, []
+    for _ in range(4000):
+        state = state * 48271 % 2147483647
+        dots.append((20 + state % 80, 10 + state // 80 % 70))
+    dots = [dots[i % len(dots)] for i in range(elements // 2)]
+    path = doc.path([e for x, y in dots for e in (("M", x, y), ("L", x, y))], cap=1)
+    doc.add("DrawAirbrush", outline=path, BrushWidth=Float32(45), **attributes)
+    return doc
+
+
 def documents():
     wrong_root = canvas(10, 10)
     inner_missing = canvas(10, 10)
@@ -274,6 +309,11 @@ def documents():
     yield "records", records().to_bytes()
     yield "preset shapes", preset_shapes().to_bytes()
     yield "lines", lines().to_bytes()
+    yield "brushes", brushes().to_bytes()
+    for elements in 9998, 10000:
+        yield f"spray {elements}", spray(elements, stroke=RED).to_bytes()
+        yield f"translucent spray {elements}", spray(
+            elements, stroke=(0, 0, 1, 0.5), opacity=60).to_bytes()
 
 
 def main(folder):

@@ -4,9 +4,6 @@
 #include "draw/raster/DrawFill.h"
 #include "draw/raster/DrawSelections.h"
 
-const NSClass DrawPen::kClass{"DrawPen", &DrawBase::kClass, NSAllocate<DrawPen>};
-const NSClass DrawEraser::kClass{"DrawEraser", &DrawPen::kClass, NSAllocate<DrawEraser>};
-const NSClass DrawAirbrush::kClass{"DrawAirbrush", &DrawBase::kClass, NSAllocate<DrawAirbrush>};
 const NSClass DrawFill::kClass{"DrawFill", &DrawBase::kClass, NSAllocate<DrawFill>};
 const NSClass DrawClear::kClass{"DrawClear", &DrawBase::kClass, NSAllocate<DrawClear>};
 const NSClass DrawRectSelection::kClass{"DrawRectSelection", &DrawRectangle::kClass,

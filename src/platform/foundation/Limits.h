@@ -31,6 +31,9 @@ inline constexpr size_t kMaxPathElements = 16'000'000;
 /// a document may ask for billions.
 inline constexpr int64_t kMaxPolygonPoints = 10'000;
 
+/// Width of the widest brush that sprays: a hundred thousand dots a burst. A record may name any.
+inline constexpr double kMaxSprayWidth = 1700;
+
 /// Points that the curves of one path may be divided into, all together (17 bytes each): longer
 /// paths get fewer chords per curve, one at least.
 inline constexpr size_t kMaxFlattenedPoints = 16'000'000;

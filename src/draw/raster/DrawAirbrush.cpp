@@ -1,0 +1,123 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+#include "draw/raster/DrawBrushes.h"
+#include "platform/foundation/Limits.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSData.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/codecs/PNGEncoder.h"
+
+const NSClass DrawAirbrush::kClass{"DrawAirbrush", &DrawBase::kClass, NSAllocate<DrawAirbrush>};
+
+namespace {
+
+constexpr const char* kBrushWidth = "BrushWidth";
+constexpr const char* kImage = "Image";
+constexpr const char* kImageData = "ImageData";
+
+/// A place for a dot in the disc, at random; nothing when chance or the disc holds none.
+std::optional<NSPoint> dotInDisc(NSPoint center, CGFloat radius, int64_t span) {
+  // A disc smaller than a pixel may hold no whole position at all.
+  constexpr int kTries = 1000;
+  for (int i = 0; i < kTries; ++i) {
+    const NSPoint p{std::trunc(static_cast<CGFloat>(::random() % span) + (center.x - radius)),
+                    std::trunc(static_cast<CGFloat>(::random() % span) + (center.y - radius))};
+    if (std::hypot(p.x - center.x, p.y - center.y) <= radius) return p;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void DrawAirbrush::init() {
+  DrawBase::init();
+  bezierPath_->setLineCapStyle(LineCap::round);
+  bezierPath_->setLineWidth(1);
+}
+
+std::shared_ptr<NSBezierPath> DrawAirbrush::sprayPathAtPoint(NSPoint point) const {
+  constexpr CGFloat kAreaOfDot = 30;
+  auto path = NSBezierPath::bezierPath();
+  const CGFloat width = std::min(static_cast<CGFloat>(fBrushWidth_), limits::kMaxSprayWidth);
+  if (!(width > 0)) return path;
+  const auto rounded = static_cast<int64_t>(width + 0.5);
+  const int64_t span = rounded < 5 ? 4 : rounded;
+  for (int i = 0; i < width * width / kAreaOfDot; ++i) {
+    const auto dot = dotInDisc(point, width / 2, span);
+    if (!dot) continue;
+    path->moveToPoint(*dot);
+    path->lineToPoint(*dot);
+  }
+  return path;
+}
+
+void DrawAirbrush::replaceBezierPathWithImageIfPossible() {
+  if (image_ != nullptr || bezierPath_ == nullptr) return;
+  if (bezierPath_->elementCount() < kBakedElements) return;
+  const NSRect bounds = bezierPath_->bounds();
+  std::shared_ptr<NSBitmapImageRep> image;
+  if (!InitImageRep(bounds.size, &image) || image->pixelsWide() == 0 || image->pixelsHigh() == 0) {
+    return;
+  }
+  {
+    // Colour, opacity, rotation and shadow are the business of drawing the bitmap.
+    DrawAirbrush dots;
+    dots.init();
+    dots.bezierPath_ = bezierPath_;
+    const ZTFocusScope focus(image);
+    NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+    context.setShouldAntialias(false);
+    context.graphicsPort()->concatenate(
+        CGAffineTransformMakeTranslation(-NSMinX(bounds), -NSMinY(bounds)));
+    dots.draw();
+  }
+  image_ = std::move(image);
+  bezierPath_->removeAllPoints();
+  bezierPath_->appendBezierPathWithRect(bounds);
+}
+
+void DrawAirbrush::_draw() {
+  if (image_ == nullptr) return DrawBase::_draw();
+  if (bezierPath_->isEmpty() || !drawStroke() || colorStroke_ == nullptr) return;
+  const NSGraphicsStateScope state;
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  CGContext& port = *context.graphicsPort();
+  context.setShouldAntialias(false);
+  context.setCompositingOperation(NSCompositingOperation::sourceOver);
+  context.setImageInterpolation(NSImageInterpolation::high);
+  if (bEnableShadow_ && shadow_ != nullptr) shadow_->set();
+  port.concatenate(transform().transformStruct());
+  NSRect rect = pathBounds();
+  rect.origin = {std::trunc(rect.origin.x + 0.5), std::trunc(rect.origin.y + 0.5)};
+  // The bitmap's alpha cuts the colour, so that a baked spray can be recoloured.
+  const CGTransparencyLayerScope layer(port);
+  colorStroke_->setFill();
+  port.fill(rect);
+  drawInRect(*image_, rect, NSZeroRect, NSCompositingOperation::destinationIn, 1);
+}
+
+bool DrawAirbrush::initWithCoder(NSCoder& coder) {
+  if (!DrawBase::initWithCoder(coder)) return false;
+  if (coder.containsValueForKey(kBrushWidth)) fBrushWidth_ = coder.decodeFloatForKey(kBrushWidth);
+  image_ = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
+  replaceBezierPathWithImageIfPossible();
+  return true;
+}
+
+void DrawAirbrush::encodeWithCoder(NSCoder& coder) const {
+  DrawBase::encodeWithCoder(coder);
+  coder.encodeFloat(fBrushWidth_, kBrushWidth);
+  if (image_ == nullptr) return;
+  auto png = encodePNG(*image_);
+  if (png.empty()) {
+    coder.encodeObject(image_, kImage);
+  } else {
+    coder.encodeObject(NSData::dataWithVector(std::move(png)), kImageData);
+  }
+}
