@@ -49,7 +49,7 @@ RoundedOutline::Stretch within(CGFloat a, CGFloat b, const RoundedOutline::Stret
   CGFloat to = std::clamp(std::max(a, b), limits.from, limits.to);
   const CGFloat gap = std::min(smallest, limits.to - limits.from);
   if (to - from < gap) {
-    from = std::clamp((from + to - gap) / 2, limits.from, limits.to - gap);
+    from = std::max(limits.from, std::min((from + to - gap) / 2, limits.to - gap));
     to = from + gap;
   }
   return {from, to};
