@@ -26,6 +26,7 @@ std::shared_ptr<DrawGroup> DrawGroup::initWithDraws(DrawArray draws) {
 }
 
 void DrawGroup::setDraws(DrawArray draws) {
+  for (const auto& draw : aryDraws_) draw->setGroup(nullptr);
   aryDraws_ = std::move(draws);
   for (const auto& draw : aryDraws_) draw->setGroup(this);
 }
@@ -98,6 +99,15 @@ void DrawGroup::drawSubDraws(NSBitmapImageRep* image) {
   for (const auto& draw : aryDraws_) {
     if (draw->visible()) draw->drawInImage(image);
   }
+}
+
+void DrawGroup::moveByX(CGFloat x, CGFloat y) {
+  for (const auto& draw : aryDraws_) draw->moveByX(x, y);
+}
+
+void DrawGroup::scaleByX(CGFloat x, CGFloat y, NSPoint withCenter,
+                         ResizeLineWidth resizeLineWidth) {
+  for (const auto& draw : aryDraws_) draw->scaleByX(x, y, withCenter, resizeLineWidth);
 }
 
 bool DrawGroup::canBeRotated() const {

@@ -34,6 +34,9 @@ class DrawGroup : public DrawBase {
   /// Opacity of the first sub-draw whose opacity can be set; 100 when there is none.
   uint64_t opacity() const override;
 
+  void moveByX(CGFloat x, CGFloat y) override;
+  void scaleByX(CGFloat x, CGFloat y, NSPoint withCenter, ResizeLineWidth resizeLineWidth) override;
+
   void drawInImage(NSBitmapImageRep* image) override;
   void _draw() override;
 

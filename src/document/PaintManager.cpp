@@ -34,11 +34,6 @@ DrawArray PaintManager::visibleDraws() const {
   return result;
 }
 
-bool PaintManager::containsDraw(const DrawBase* draw) const {
-  return std::any_of(aryDraw_.begin(), aryDraw_.end(),
-                     [draw](const auto& d) { return d.get() == draw; });
-}
-
 void PaintManager::eraseDraw(const DrawBase* draw) {
   std::erase_if(aryDraw_, [draw](const auto& d) { return d.get() == draw; });
 }
@@ -71,7 +66,7 @@ bool PaintManager::addDraw(const std::shared_ptr<DrawBase>& draw) {
   }
   aryDraw_.push_back(draw);
   draw->setGroup(nullptr);
-  _imageRefreshControl = std::max<int64_t>(_imageRefreshControl, kRefreshFullImage);
+  raiseRefreshControl(kRefreshFullImage);
   return true;
 }
 
@@ -98,14 +93,19 @@ bool PaintManager::removeDraw(const std::shared_ptr<DrawBase>& draw) {
   return true;
 }
 
+void PaintManager::raiseRefreshControl(int64_t control) {
+  // A change of the topmost draw does not undo that something below it changed before.
+  _imageRefreshControl = std::max(_imageRefreshControl, control);
+}
+
 void PaintManager::respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBase>> draws) {
   if (draws.size() == 1 && draws[0] != nullptr && draws[0] == toppestDraw()) {
-    _imageRefreshControl = kRefreshFullImage;
+    raiseRefreshControl(kRefreshFullImage);
     return;
   }
   const auto isTopLevel = [this](const auto& draw) { return containsDraw(draw.get()); };
   if (std::any_of(draws.begin(), draws.end(), isTopLevel)) {
-    _imageRefreshControl = kRebuildBuffer;
+    raiseRefreshControl(kRebuildBuffer);
     return;
   }
   bool anyGroup = false;
@@ -113,12 +113,12 @@ void PaintManager::respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBa
     const DrawGroup* group = groupForDraw(draw.get());
     if (group == nullptr) continue;
     if (group != toppestDraw().get()) {
-      _imageRefreshControl = kRebuildBuffer;
+      raiseRefreshControl(kRebuildBuffer);
       return;
     }
     anyGroup = true;
   }
-  if (anyGroup) _imageRefreshControl = kRefreshFullImage;
+  if (anyGroup) raiseRefreshControl(kRefreshFullImage);
 }
 
 void PaintManager::clearMemeryBuffer() {

@@ -90,6 +90,42 @@ class PaintManager : public NSObject {
   bool insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index);
   /// Removes a top-level draw, or a sub-draw of a top-level group.
   bool removeDraw(const std::shared_ptr<DrawBase>& draw);
+  /// Whether a draw is in the top-level list.
+  bool containsDraw(const DrawBase* draw) const;
+  /// Place in the top-level list; nothing for draws that are not in it.
+  std::optional<size_t> indexOfDraw(const DrawBase* draw) const;
+
+  // Changes of the order. Selected draws move among their neighbours: in the top-level list, and
+  // inside each top-level group that is not selected itself. All answer whether anything moved, and
+  // take time linear in the number of draws.
+  using Selection = std::span<const std::shared_ptr<DrawBase>>;
+  bool canMoveDrawsUp(Selection draws) const;
+  bool canMoveDrawsDown(Selection draws) const;
+  bool moveDrawsToFront(Selection draws);
+  /// Just above the background draw.
+  bool moveDrawsToBack(Selection draws);
+  /// One step. A selected background draw is moved like any other.
+  bool moveUpDraws(Selection draws);
+  /// One step; never below the background draw.
+  bool moveDownDraws(Selection draws);
+
+  /// Two top-level draws or more, none of them the background draw.
+  bool canGroupDraws(Selection draws) const;
+  /// Puts the draws, in list order, into a new group at the place of the topmost one. Answers the
+  /// group, or null.
+  std::shared_ptr<DrawGroup> groupDraws(Selection draws);
+  /// Whether a top-level group is among the draws.
+  bool canUnGroupDraws(Selection draws) const;
+  /// Puts the sub-draws of top-level groups in the place of their group.
+  bool unGroupDraws(Selection draws);
+  /// Puts another draw in the place of a top-level draw or of a sub-draw of a top-level group. The
+  /// background draw can only be replaced by a DrawImage2.
+  bool replaceDraw(const std::shared_ptr<DrawBase>& draw,
+                   const std::shared_ptr<DrawBase>& withDraw);
+
+  /// Moves all draws so that the rectangle's lower left corner becomes the origin, and gives the
+  /// canvas its size in whole pixels. Refuses rectangles smaller than a pixel and too large ones.
+  bool cropWithRect(const NSRect& rect);
 
   // ---- Composition.
   /// The composed canvas, refreshed first when needed. Null when there is no memory for it.
@@ -105,8 +141,14 @@ class PaintManager : public NSObject {
   void clearMemeryBuffer();
 
  private:
-  bool containsDraw(const DrawBase* draw) const;
+  void raiseRefreshControl(int64_t control);
   void eraseDraw(const DrawBase* draw);
+  /// The first index that an ordinary draw may have.
+  size_t lowestIndex() const { return drawBackground_ != nullptr ? 1 : 0; }
+  /// Reorders the list from index `lowest` on, and each group that is not selected, by `order`,
+  /// which answers whether it changed a range.
+  template <class Order>
+  bool reorder(Selection selection, size_t lowest, const Order& order);
   void convertLegacyDraws();
   void rebuildBuffer();
   void composeFullImage();
