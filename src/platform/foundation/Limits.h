@@ -97,4 +97,11 @@ inline constexpr int64_t kMaxSvgInheritedBytes = int64_t{16} << 20;
 /// Groups with an opacity inside each other: each needs a picture of its own while it is drawn.
 inline constexpr int kMaxSvgLayers = 50;
 
+/// Widest blur of a filter in pixels, five times what its settings offer: work grows with the
+/// picture enlarged by four times the radius on each side.
+inline constexpr double kMaxBlurRadius = 200;
+
+/// Widest grid of a filter in pixels; a single cell covers most canvases long before.
+inline constexpr double kMaxGridPitch = 1e6;
+
 }  // namespace limits

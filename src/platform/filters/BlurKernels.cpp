@@ -1,0 +1,118 @@
+#include "platform/filters/BlurKernels.h"
+
+#include <cstring>
+
+#include "platform/TargetClones.h"
+
+namespace {
+
+/// As wide as the widest registers; narrower processors use several.
+using Wide = float __attribute__((vector_size(64)));
+constexpr size_t kWide = 16;
+
+/// One pixel's channels.
+using Pixel4 = float __attribute__((vector_size(16)));
+
+template <class Vector>
+inline void load(const float* p, Vector& v) {
+  std::memcpy(&v, p, sizeof v);
+}
+
+void halveSingle(const float* in, float* out, size_t count) {
+  for (size_t i = 0; i < count; ++i, in += 2) {
+    out[i] = ((in[-2] + in[2]) + 4 * (in[-1] + in[1]) + 6 * in[0]) * (1.0F / 16);
+  }
+}
+
+void halvePixels(const float* in, float* out, size_t count) {
+  for (size_t i = 0; i < count; ++i, in += 8, out += 4) {
+    Pixel4 a, b, c, d, e;
+    load(in - 8, a);
+    load(in - 4, b);
+    load(in, c);
+    load(in + 4, d);
+    load(in + 8, e);
+    const Pixel4 sum = ((a + e) + 4 * (b + d) + 6 * c) * (1.0F / 16);
+    std::memcpy(out, &sum, sizeof sum);
+  }
+}
+
+/// At an even position of a row being doubled, and right after it.
+inline Pixel4 onPixel(const float* in) {
+  Pixel4 a, b, c;
+  load(in - 4, a);
+  load(in, b);
+  load(in + 4, c);
+  return (a + c) * 0.125F + b * 0.75F;
+}
+inline Pixel4 betweenPixels(const float* in) {
+  Pixel4 a, b;
+  load(in, a);
+  load(in + 4, b);
+  return (a + b) * 0.5F;
+}
+
+void doublePixels(const float* in, size_t odd, float* out, size_t count) {
+  for (size_t x = odd; x < count + odd; ++x, out += 4) {
+    const float* p = in + (x / 2) * 4;
+    const Pixel4 value = x % 2 == 0 ? onPixel(p) : betweenPixels(p);
+    std::memcpy(out, &value, sizeof value);
+  }
+}
+
+void doubleSingle(const float* in, size_t odd, float* out, size_t count) {
+  for (size_t x = odd; x < count + odd; ++x, ++out) {
+    const float* p = in + x / 2;
+    *out = x % 2 == 0 ? (p[-1] + p[1]) * 0.125F + p[0] * 0.75F : (p[0] + p[1]) * 0.5F;
+  }
+}
+
+}  // namespace
+
+void weighSymmetricScalar(const float* const* taps, const float* weights, size_t radius, float* out,
+                          size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    float sum = weights[0] * taps[radius][i];
+    for (size_t k = 1; k <= radius; ++k) {
+      sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
+    }
+    out[i] = sum;
+  }
+}
+
+VECTOR_CLONES void weighSymmetric(const float* const* taps, const float* weights, size_t radius,
+                                  float* out, size_t count) {
+  size_t i = 0;
+  for (; i + 2 * kWide <= count; i += 2 * kWide) {
+    Wide a0, a1, u0, u1, v0, v1;
+    load(taps[radius] + i, a0);
+    load(taps[radius] + i + kWide, a1);
+    a0 *= weights[0];
+    a1 *= weights[0];
+    for (size_t k = 1; k <= radius; ++k) {
+      load(taps[radius - k] + i, u0);
+      load(taps[radius - k] + i + kWide, u1);
+      load(taps[radius + k] + i, v0);
+      load(taps[radius + k] + i + kWide, v1);
+      a0 += weights[k] * (u0 + v0);
+      a1 += weights[k] * (u1 + v1);
+    }
+    std::memcpy(out + i, &a0, sizeof a0);
+    std::memcpy(out + i + kWide, &a1, sizeof a1);
+  }
+  for (; i < count; ++i) {
+    float sum = weights[0] * taps[radius][i];
+    for (size_t k = 1; k <= radius; ++k) {
+      sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
+    }
+    out[i] = sum;
+  }
+}
+
+void halveRow(const float* in, size_t channels, float* out, size_t pixelCount) {
+  (channels == 1 ? halveSingle : halvePixels)(in, out, pixelCount);
+}
+
+void doubleRow(const float* in, size_t channels, size_t odd, float* out, size_t pixelCount) {
+  (channels == 1 ? doubleSingle : doublePixels)(in, odd, out, pixelCount);
+}

@@ -1,0 +1,257 @@
+#include "platform/filters/CIImage.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "platform/filters/ColorOperation.h"
+
+const NSClass CIImage::kClass{"CIImage", &NSObject::kClass, nullptr};
+
+using Box = CIImage::Box;
+
+class CIImage::Recipe {
+ public:
+  virtual ~Recipe() = default;
+  /// Pixels from which all of `wanted`, which is not empty and inside the image, can be read; no
+  /// bitmap when there is no memory.
+  virtual OperationSource pixels(const Box& wanted) const = 0;
+  /// A new bitmap of such a box; null when there is no memory.
+  virtual std::shared_ptr<NSBitmapImageRep> render(const Box& box) const;
+  /// The colour operation that comes last, and what it is applied to.
+  virtual const ColorOperation* lastColorOperation() const { return nullptr; }
+  virtual std::shared_ptr<const Recipe> beforeLast() const { return nullptr; }
+};
+
+namespace {
+
+using RecipePointer = std::shared_ptr<const CIImage::Recipe>;
+
+Box commonBox(const Box& a, const Box& b) {
+  return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
+}
+
+Box grown(const Box& box, int64_t by) {
+  return {box.x0 - by, box.y0 - by, box.x1 + by, box.y1 + by};
+}
+
+Box boxOf(const OperationSource& source) {
+  return {source.left, source.top - source.bitmap->pixelsHigh(),
+          source.left + source.bitmap->pixelsWide(), source.top};
+}
+
+std::shared_ptr<NSBitmapImageRep> makeBitmapOf(const Box& box) {
+  return NSBitmapImageRep::create(box.x1 - box.x0, box.y1 - box.y0);
+}
+
+class BitmapRecipe : public CIImage::Recipe {
+ public:
+  explicit BitmapRecipe(std::shared_ptr<const NSBitmapImageRep> bitmap)
+      : bitmap_(std::move(bitmap)) {}
+  OperationSource pixels(const Box&) const override {
+    return {bitmap_, 0, bitmap_->pixelsHigh(), Surround::kTransparent};
+  }
+
+ private:
+  std::shared_ptr<const NSBitmapImageRep> bitmap_;
+};
+
+class ClampRecipe : public CIImage::Recipe {
+ public:
+  ClampRecipe(RecipePointer input, const Box& box) : input_(std::move(input)), box_(box) {}
+  OperationSource pixels(const Box&) const override {
+    OperationSource source = input_->pixels(box_);
+    source.surround = Surround::kNearestPixel;
+    return source;
+  }
+
+ private:
+  RecipePointer input_;
+  Box box_;
+};
+
+/// Copies pixels as they are.
+class CopyOperation : public ImageOperation {
+ public:
+  int64_t reach() const override { return 0; }
+  void render(const OperationSource& source, const OperationTarget& target,
+              RowRange rows) const override {
+    const NSBitmapImageRep& from = *source.bitmap;
+    const bool extended = source.surround == Surround::kNearestPixel;
+    for (int64_t y = rows.first; y < rows.end; ++y) {
+      const int64_t row = y + source.top - target.top;
+      const int64_t nearestRow = std::clamp<int64_t>(row, 0, from.pixelsHigh() - 1);
+      if (row != nearestRow && !extended) continue;
+      uint8_t* out = target.bitmap.writableRows(y, y + 1);
+      for (int64_t x = 0; x < target.bitmap.pixelsWide(); ++x, out += 4) {
+        const int64_t column = x + target.left - source.left;
+        const int64_t nearest = std::clamp<int64_t>(column, 0, from.pixelsWide() - 1);
+        if (column == nearest || extended) std::memcpy(out, from.row(nearestRow) + nearest * 4, 4);
+      }
+    }
+  }
+};
+
+/// An operation's pixels inside the image's box.
+class OperationRecipe : public CIImage::Recipe {
+ public:
+  OperationRecipe(RecipePointer input, const Box& inputBox, Surround inputSurround,
+                  std::shared_ptr<const ImageOperation> operation)
+      : input_(std::move(input)),
+        inputBox_(inputBox),
+        inputSurround_(inputSurround),
+        operation_(std::move(operation)) {}
+
+  OperationSource pixels(const Box& wanted) const override {
+    return {render(wanted), wanted.x0, wanted.y1, Surround::kTransparent};
+  }
+
+  std::shared_ptr<NSBitmapImageRep> render(const Box& box) const override {
+    Box needed = grown(box, operation_->reach());
+    if (inputSurround_ == Surround::kTransparent) needed = commonBox(needed, inputBox_);
+    auto result = makeBitmapOf(box);
+    if (result == nullptr || needed.empty()) return result;
+    const OperationSource source = input_->pixels(needed);
+    if (source.bitmap == nullptr) return nullptr;
+    runOperation(*operation_, source, {*result, box.x0, box.y1});
+    return result;
+  }
+
+ private:
+  RecipePointer input_;
+  Box inputBox_;
+  Surround inputSurround_;
+  std::shared_ptr<const ImageOperation> operation_;
+};
+
+/// Part of an image, transparent beyond.
+class CropRecipe : public CIImage::Recipe {
+ public:
+  CropRecipe(RecipePointer input, const Box& box) : input_(std::move(input)), box_(box) {}
+
+  OperationSource pixels(const Box& wanted) const override {
+    const OperationSource source = input_->pixels(wanted);
+    if (source.bitmap == nullptr) return {};
+    const Box held = boxOf(source);
+    const bool inside =
+        held.x0 >= box_.x0 && held.y0 >= box_.y0 && held.x1 <= box_.x1 && held.y1 <= box_.y1;
+    if (inside && source.surround == Surround::kTransparent) return source;
+    return {render(wanted), wanted.x0, wanted.y1, Surround::kTransparent};
+  }
+  std::shared_ptr<NSBitmapImageRep> render(const Box& box) const override {
+    return input_->render(box);
+  }
+
+ private:
+  RecipePointer input_;
+  Box box_;
+};
+
+/// A colour operation changes an image's pixels where they are, and the edges of an endless one
+/// with them.
+class ColorRecipe : public CIImage::Recipe {
+ public:
+  ColorRecipe(RecipePointer input, std::shared_ptr<const ColorOperation> operation)
+      : input_(std::move(input)), operation_(std::move(operation)) {}
+
+  OperationSource pixels(const Box& wanted) const override {
+    const OperationSource source = input_->pixels(wanted);
+    if (source.bitmap == nullptr) return {};
+    Box box = boxOf(source);
+    if (source.surround == Surround::kTransparent) box = commonBox(box, wanted);
+    return {apply(source, box), box.x0, box.y1, source.surround};
+  }
+  std::shared_ptr<NSBitmapImageRep> render(const Box& box) const override {
+    const OperationSource source = input_->pixels(box);
+    // Beyond the edges of an endless picture there is more than the operation's own pixels.
+    if (source.bitmap == nullptr || source.surround == Surround::kNearestPixel) {
+      return Recipe::render(box);
+    }
+    return apply(source, box);
+  }
+  const ColorOperation* lastColorOperation() const override { return operation_.get(); }
+  RecipePointer beforeLast() const override { return input_; }
+
+ private:
+  std::shared_ptr<NSBitmapImageRep> apply(const OperationSource& source, const Box& box) const {
+    auto result = makeBitmapOf(box);
+    if (result != nullptr) runOperation(*operation_, source, {*result, box.x0, box.y1});
+    return result;
+  }
+
+  RecipePointer input_;
+  std::shared_ptr<const ColorOperation> operation_;
+};
+
+/// A coordinate that every bitmap lies far inside of.
+constexpr double kFarthest = 1e15;
+
+int64_t wholePixel(double x) {
+  return static_cast<int64_t>(std::clamp(x, -kFarthest, kFarthest));
+}
+
+}  // namespace
+
+std::shared_ptr<NSBitmapImageRep> CIImage::Recipe::render(const Box& box) const {
+  const OperationSource source = pixels(box);
+  auto result = makeBitmapOf(box);
+  if (source.bitmap == nullptr || result == nullptr) return nullptr;
+  runOperation(CopyOperation(), source, {*result, box.x0, box.y1});
+  return result;
+}
+
+std::shared_ptr<const CIImage> CIImage::initWithBitmapImageRep(
+    std::shared_ptr<const NSBitmapImageRep> bitmap) {
+  if (bitmap == nullptr) return nullptr;
+  const Box box{0, 0, bitmap->pixelsWide(), bitmap->pixelsHigh()};
+  if (box.empty()) return nullptr;
+  return std::make_shared<CIImage>(std::make_shared<BitmapRecipe>(std::move(bitmap)), box,
+                                   Surround::kTransparent);
+}
+
+NSRect CIImage::extent() const {
+  if (surround_ == Surround::kNearestPixel) return kInfiniteExtent;
+  return NSMakeRect(static_cast<double>(box_.x0), static_cast<double>(box_.y0),
+                    static_cast<double>(box_.x1 - box_.x0), static_cast<double>(box_.y1 - box_.y0));
+}
+
+std::shared_ptr<const CIImage> CIImage::imageByCroppingToRect(const NSRect& rect) const {
+  if (NSIsEmptyRect(rect)) return nullptr;
+  const Box asked{wholePixel(std::floor(NSMinX(rect))), wholePixel(std::floor(NSMinY(rect))),
+                  wholePixel(std::ceil(NSMaxX(rect))), wholePixel(std::ceil(NSMaxY(rect)))};
+  const bool endless = surround_ == Surround::kNearestPixel;
+  const Box box = endless ? asked : commonBox(asked, box_);
+  if (box.empty()) return nullptr;
+  return std::make_shared<CIImage>(std::make_shared<CropRecipe>(recipe_, box), box,
+                                   Surround::kTransparent);
+}
+
+std::shared_ptr<const CIImage> CIImage::imageByClampingToExtent() const {
+  if (surround_ == Surround::kNearestPixel) return self();
+  return std::make_shared<CIImage>(std::make_shared<ClampRecipe>(recipe_, box_), box_,
+                                   Surround::kNearestPixel);
+}
+
+std::shared_ptr<const CIImage> CIImage::imageByApplying(
+    std::shared_ptr<const ImageOperation> operation) const {
+  const Box box = surround_ == Surround::kTransparent ? grown(box_, operation->growth()) : box_;
+  return std::make_shared<CIImage>(
+      std::make_shared<OperationRecipe>(recipe_, box_, surround_, std::move(operation)), box,
+      surround_);
+}
+
+std::shared_ptr<const CIImage> CIImage::imageByApplying(
+    std::shared_ptr<const ColorOperation> operation) const {
+  RecipePointer input = recipe_;
+  if (const ColorOperation* last = recipe_->lastColorOperation()) {
+    operation = last->followedBy(*operation);
+    input = recipe_->beforeLast();
+  }
+  return std::make_shared<CIImage>(std::make_shared<ColorRecipe>(input, std::move(operation)), box_,
+                                   surround_);
+}
+
+std::shared_ptr<NSBitmapImageRep> CIImage::bitmap() const {
+  if (surround_ == Surround::kNearestPixel) return nullptr;
+  return recipe_->render(box_);
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "platform/filters/LinearLight.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+
+/// What lies around a picture.
+enum class Surround { kTransparent, kNearestPixel };
+
+/// A picture as an operation reads it. Its top left pixel has column `left` and lies below the
+/// line y = `top`, in the image's own coordinates (y upwards, whole pixels).
+struct OperationSource {
+  std::shared_ptr<const NSBitmapImageRep> bitmap;
+  int64_t left = 0;
+  int64_t top = 0;
+  Surround surround = Surround::kTransparent;
+};
+
+/// A transparent bitmap to be written, placed likewise.
+struct OperationTarget {
+  NSBitmapImageRep& bitmap;
+  int64_t left = 0;
+  int64_t top = 0;
+};
+
+/// One filter with its settings: pixels of a target from pixels of a source.
+class ImageOperation {
+ public:
+  virtual ~ImageOperation() = default;
+  /// Pixels by which the result is larger than an unextended source on each side; results with
+  /// that surround are transparent beyond.
+  virtual int64_t growth() const { return 0; }
+  /// How far apart, in rows, a result pixel and a source pixel it depends on may be.
+  virtual int64_t reach() const = 0;
+  /// Writes the target's rows from `rows.first` to `rows.end`. All others come out transparent,
+  /// because every source pixel in reach is.
+  virtual void render(const OperationSource& source, const OperationTarget& target,
+                      RowRange rows) const = 0;
+};
+
+/// The operation's result over the whole target.
+void runOperation(const ImageOperation& operation, const OperationSource& source,
+                  const OperationTarget& target);
+
+/// The source as seen from a target: rows counted from the target's top, columns from its left.
+class SourceView {
+ public:
+  SourceView(const OperationSource& source, const OperationTarget& target);
+
+  /// `count` pixels from (x, row) on, as linear light (see LinearLight.h).
+  void decode(int64_t x, int64_t row, size_t count, float* out) const;
+  void decodeLuma(int64_t x, int64_t row, size_t count, const LumaWeights& weights,
+                  float* out) const;
+  /// Bilinear sample between pixel centres, (0.5, 0.5) being that of the target's first pixel.
+  /// Transparent outside an unextended picture.
+  std::array<float, 4> sample(double x, double y) const;
+
+ private:
+  template <class Decode>
+  void decodeSpan(int64_t x, int64_t row, size_t count, size_t channels, float* out,
+                  const Decode& decode) const;
+  std::array<float, 4> pixel(int64_t column, int64_t row) const;
+
+  const NSBitmapImageRep& bitmap_;
+  int64_t dx_;
+  int64_t dy_;
+  bool extended_;
+};

@@ -1,0 +1,75 @@
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "platform/filters/GridOperations.h"
+
+namespace {
+
+/// One row of cells as one row of pixels.
+class CellRow {
+ public:
+  CellRow(double scale, double centerX, int64_t width)
+      : first_(std::floor((0.5 - centerX) / scale)) {
+    // Cell n begins at the first pixel whose centre is not left of its edge.
+    for (int64_t n = 0;; ++n) {
+      const double edge = centerX + (first_ + static_cast<double>(n)) * scale;
+      if (n > 0 && edge >= static_cast<double>(width) + 0.5) break;
+      centers_.push_back(edge + 0.5 * scale);
+      begins_.push_back(std::clamp(static_cast<int64_t>(std::ceil(edge - 0.5)), int64_t{0}, width));
+    }
+    begins_.push_back(width);
+  }
+
+  void write(const SourceView& view, double y, uint32_t* out) {
+    const size_t count = centers_.size();
+    values_.resize(count * 4);
+    colors_.resize(count);
+    for (size_t n = 0; n < count; ++n) {
+      const auto value = view.sample(centers_[n], y);
+      std::copy(value.begin(), value.end(), values_.begin() + static_cast<std::ptrdiff_t>(n * 4));
+    }
+    encodePixels(values_.data(), count, reinterpret_cast<uint8_t*>(colors_.data()));
+    for (size_t n = 0; n < count; ++n)
+      std::fill(out + begins_[n], out + begins_[n + 1], colors_[n]);
+  }
+
+ private:
+  double first_;
+  std::vector<double> centers_;
+  std::vector<int64_t> begins_;
+  std::vector<float> values_;
+  std::vector<uint32_t> colors_;
+};
+
+}  // namespace
+
+int64_t PixellateOperation::growth() const {
+  return static_cast<int64_t>(std::ceil(scale_ / 2));
+}
+
+int64_t PixellateOperation::reach() const {
+  return static_cast<int64_t>(std::ceil(scale_)) + 1;
+}
+
+void PixellateOperation::render(const OperationSource& source, const OperationTarget& target,
+                                RowRange rows) const {
+  const SourceView view(source, target);
+  const auto top = static_cast<double>(target.top);
+  CellRow cells(scale_, center_.x - static_cast<double>(target.left), target.bitmap.pixelsWide());
+  const uint8_t* previous = nullptr;
+  double previousCell = 0;
+  for (int64_t y = rows.first; y < rows.end; ++y) {
+    const double cell = std::floor((top - static_cast<double>(y) - 0.5 - center_.y) / scale_);
+    uint8_t* out = target.bitmap.writableRows(y, y + 1);
+    if (previous != nullptr && cell == previousCell) {
+      std::memcpy(out, previous, target.bitmap.bytesPerRow());
+    } else {
+      cells.write(view, top - (center_.y + (cell + 0.5) * scale_),
+                  reinterpret_cast<uint32_t*>(out));
+    }
+    previous = out;
+    previousCell = cell;
+  }
+}

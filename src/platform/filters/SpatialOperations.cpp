@@ -1,0 +1,139 @@
+#include "platform/filters/SpatialOperations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "platform/TargetClones.h"
+
+namespace {
+
+constexpr LumaWeights kLuminance{0.2125F, 0.7154F, 0.0721F};
+constexpr LumaWeights kVideoLuma{0.299F, 0.587F, 0.114F};
+/// Contrast of edge work: a difference of 1/400 of full light is opaque.
+constexpr float kEdgeWorkGain = 400;
+/// How far a blur grows a picture, in radii.
+constexpr double kGrowthInRadii = 3;
+
+RowStreamFactory lumaRows(const SourceView& view, const LumaWeights& weights) {
+  return [&view, &weights](ColumnRange columns) {
+    return std::make_unique<FunctionStream>(columns, Channels::kOne,
+                                            [&](int64_t row, int64_t x, size_t count, float* out) {
+                                              view.decodeLuma(x, row, count, weights, out);
+                                            });
+  };
+}
+
+ColumnRange columnsOf(const OperationTarget& target) {
+  return {0, target.bitmap.pixelsWide()};
+}
+
+VECTOR_CLONES void sharpenRow(const float* __restrict luma, const float* __restrict blurred,
+                              float amount, float* __restrict pixels, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    float* p = pixels + i * 4;
+    const float delta = amount * (luma[i] - blurred[i]);
+    const float alpha = p[3];
+    for (int c = 0; c < 3; ++c) {
+      const float value = p[c] + delta;
+      p[c] = value > 0 ? (value < alpha ? value : alpha) : 0.0F;
+    }
+  }
+}
+
+VECTOR_CLONES void edgesRow(const float* __restrict upper, const float* __restrict lower,
+                            float intensity, float* __restrict out, size_t count) {
+  for (size_t i = 0; i < count * 4; ++i) {
+    const float down = lower[i + 4] - upper[i];
+    const float up = upper[i + 4] - lower[i];
+    out[i] = intensity * (down * down + up * up);
+  }
+  for (size_t i = 0; i < count; ++i) out[i * 4 + 3] = upper[i * 4 + 3];
+}
+
+/// Premultiplied white has the same value in all channels, and needs no transfer function.
+VECTOR_CLONES void edgeWorkRow(const float* __restrict fine, const float* __restrict coarse,
+                               uint32_t* __restrict out, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    const float alpha = kEdgeWorkGain * (fine[i] - coarse[i]);
+    const float clamped = alpha > 0 ? (alpha < 1 ? alpha : 1.0F) : 0.0F;
+    out[i] = static_cast<uint32_t>(static_cast<int32_t>(clamped * 255.0F + 0.5F)) * 0x01010101U;
+  }
+}
+
+}  // namespace
+
+int64_t BlurOperation::growth() const {
+  return static_cast<int64_t>(std::ceil(kGrowthInRadii * sigma_));
+}
+
+void BlurOperation::render(const OperationSource& source, const OperationTarget& target,
+                           RowRange rows) const {
+  const SourceView view(source, target);
+  const auto stream = makeGaussianStream(plan_, columnsOf(target), [&](ColumnRange columns) {
+    return std::make_unique<FunctionStream>(
+        columns, Channels::kFour,
+        [&](int64_t row, int64_t x, size_t count, float* out) { view.decode(x, row, count, out); });
+  });
+  std::vector<float> values(stream->valueCount());
+  for (int64_t y = rows.first; y < rows.end; ++y) {
+    stream->produce(y, values.data());
+    encodePixels(values.data(), columnsOf(target).count(), target.bitmap.writableRows(y, y + 1));
+  }
+}
+
+void SharpenOperation::render(const OperationSource& source, const OperationTarget& target,
+                              RowRange rows) const {
+  OperationSource extended = source;
+  extended.surround = Surround::kNearestPixel;
+  const SourceView view(extended, target);
+  const SourceView plain(source, target);
+  const auto stream = makeGaussianStream(plan_, columnsOf(target), lumaRows(view, kLuminance));
+  const size_t count = columnsOf(target).count();
+  std::vector<float> blurred(count);
+  std::vector<float> luma(count);
+  std::vector<float> pixels(count * 4);
+  for (int64_t y = rows.first; y < rows.end; ++y) {
+    stream->produce(y, blurred.data());
+    plain.decodeLuma(0, y, count, kLuminance, luma.data());
+    plain.decode(0, y, count, pixels.data());
+    sharpenRow(luma.data(), blurred.data(), amount_, pixels.data(), count);
+    encodePixels(pixels.data(), count, target.bitmap.writableRows(y, y + 1));
+  }
+}
+
+void EdgesOperation::render(const OperationSource& source, const OperationTarget& target,
+                            RowRange rows) const {
+  const SourceView view(source, target);
+  const size_t count = columnsOf(target).count();
+  std::vector<float> upper((count + 1) * 4);
+  std::vector<float> lower((count + 1) * 4);
+  std::vector<float> out(count * 4);
+  view.decode(0, rows.first, count + 1, lower.data());
+  for (int64_t y = rows.first; y < rows.end; ++y) {
+    upper.swap(lower);
+    view.decode(0, y + 1, count + 1, lower.data());
+    edgesRow(upper.data(), lower.data(), intensity_, out.data(), count);
+    encodePixels(out.data(), count, target.bitmap.writableRows(y, y + 1));
+  }
+}
+
+int64_t EdgeWorkOperation::growth() const {
+  return static_cast<int64_t>(std::ceil(kGrowthInRadii * radius_));
+}
+
+void EdgeWorkOperation::render(const OperationSource& source, const OperationTarget& target,
+                               RowRange rows) const {
+  const SourceView view(source, target);
+  const auto fine = makeGaussianStream(fine_, columnsOf(target), lumaRows(view, kVideoLuma));
+  const auto coarse = makeGaussianStream(coarse_, columnsOf(target), lumaRows(view, kVideoLuma));
+  const size_t count = columnsOf(target).count();
+  std::vector<float> fineRow(count);
+  std::vector<float> coarseRow(count);
+  for (int64_t y = rows.first; y < rows.end; ++y) {
+    fine->produce(y, fineRow.data());
+    coarse->produce(y, coarseRow.data());
+    auto* out = reinterpret_cast<uint32_t*>(target.bitmap.writableRows(y, y + 1));
+    edgeWorkRow(fineRow.data(), coarseRow.data(), out, count);
+  }
+}

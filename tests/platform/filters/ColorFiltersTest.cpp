@@ -1,0 +1,195 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+#include "platform/filters/CIFilter.h"
+#include "platform/foundation/NSNumber.h"
+#include "support/FilterChart.h"
+#include "support/ReferenceFilters.h"
+
+namespace {
+
+using Rgb = std::array<double, 3>;
+
+double luminance(const Rgb& c) {
+  return 0.2125 * c[0] + 0.7154 * c[1] + 0.0721 * c[2];
+}
+
+Rgb each(const Rgb& c, const std::function<double(double)>& f) {
+  return {f(c[0]), f(c[1]), f(c[2])};
+}
+
+Rgb controls(const Rgb& c, double saturation, double brightness, double contrast) {
+  const double y = luminance(c);
+  return each(
+      c, [&](double v) { return (y + (v - y) * saturation - 0.5) * contrast + 0.5 + brightness; });
+}
+
+Rgb sepia(const Rgb& c, double t) {
+  const double y = luminance(c);
+  const double tone[] = {std::pow(y, 0.79), std::pow(y, 1.11), y * y};
+  return {c[0] + (tone[0] - c[0]) * t, c[1] + (tone[1] - c[1]) * t, c[2] + (tone[2] - c[2]) * t};
+}
+
+std::vector<int> colorOf(const Pixel& p) {
+  return {p[0], p[1], p[2]};
+}
+
+// Measured on the real filters' output.
+TEST(ColorFilters, PublishedValues) {
+  const Pixel blue{64, 128, 192, 255};
+  const Pixel wine{200, 30, 90, 255};
+  const Pixel grey{128, 128, 128, 255};
+  const Pixel yellow{255, 255, 0, 255};
+  struct Case {
+    std::string_view filter, key;
+    double value;
+    Pixel in;
+    std::vector<int> out;
+  };
+  const double pi = std::numbers::pi;
+  const Case cases[] = {
+      {"CIColorInvert", "", 0, blue, {249, 229, 183}},
+      {"CIColorInvert", "", 0, wine, {174, 254, 243}},
+      {"CIColorInvert", "", 0, yellow, {0, 0, 255}},
+      {"CIExposureAdjust", "inputEV", 1, blue, {90, 176, 255}},
+      {"CIExposureAdjust", "inputEV", -1, wine, {146, 19, 64}},
+      {"CIGammaAdjust", "inputPower", 2, blue, {9, 61, 144}},
+      {"CIGammaAdjust", "inputPower", 0.5, wine, {226, 95, 153}},
+      {"CIHueAdjust", "inputAngle", 1, blue, {168, 96, 189}},
+      {"CIHueAdjust", "inputAngle", 1, yellow, {119, 255, 163}},
+      {"CIHueAdjust", "inputAngle", pi, blue, {161, 121, 0}},
+      {"CIHueAdjust", "inputAngle", pi, grey, {128, 128, 128}},
+      {"CIHueAdjust", "inputAngle", pi, yellow, {238, 238, 255}},
+      {"CISepiaTone", "inputIntensity", 1, blue, {145, 115, 57}},
+      {"CISepiaTone", "inputIntensity", 0.5, wine, {169, 71, 70}},
+      {"CISepiaTone", "inputIntensity", 1, grey, {148, 118, 61}},
+      {"CIColorControls", "inputSaturation", 0, blue, {125, 125, 125}},
+      {"CIColorControls", "inputSaturation", 0, wine, {104, 104, 104}},
+      {"CIColorControls", "inputSaturation", 2, blue, {0, 131, 237}},
+      {"CIColorControls", "inputContrast", 1.5, grey, {77, 77, 77}},
+      {"CIColorControls", "inputContrast", 1.5, blue, {0, 77, 194}},
+      {"CIColorControls", "inputBrightness", 0.2, yellow, {255, 255, 124}},
+  };
+  for (const Case& c : cases) {
+    const auto result = filtered(plainBitmap(3, 2, c.in), c.filter, {{c.key, c.value}});
+    EXPECT_EQ(colorOf(pixelAt(*result, 2, 1)), c.out) << c.filter << " " << c.value;
+  }
+}
+
+TEST(ColorFilters, HighlightsAndShadowsOfTheReferenceMatchPublishedValues) {
+  struct Case {
+    double highlight, shadow;
+    Rgb in, out;
+  };
+  const Case cases[] = {{.75, .5, {.2, .4, .6}, {.176673, .389814, .611994}},
+                        {.3, 0, {.2, .4, .6}, {.121308, .288932, .482607}},
+                        {1, 1, {.05, .1, .02}, {.205513, .325281, .115429}},
+                        {0, -1, {.5, .5, .5}, {.345496, .345496, .345496}}};
+  for (const Case& c : cases) {
+    const Rgb out = reference::highlightShadow(c.in, c.highlight, c.shadow);
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(out[i], c.out[i], 2e-6);
+  }
+}
+
+TEST(ColorFilters, AgreeWithDoublePrecisionOnTheChart) {
+  struct Case {
+    std::string_view filter;
+    FilterSettings settings;
+    std::function<Rgb(const Rgb&)> color;
+  };
+  const Case cases[] = {
+      {"CIColorInvert", {}, [](const Rgb& c) { return each(c, [](double v) { return 1 - v; }); }},
+      {"CIExposureAdjust",
+       {{"inputEV", -0.7}},
+       [](const Rgb& c) { return each(c, [](double v) { return v * std::exp2(-0.7); }); }},
+      {"CIGammaAdjust",
+       {{"inputPower", 1.4}},
+       [](const Rgb& c) { return each(c, [](double v) { return std::pow(v, 1.4); }); }},
+      {"CIColorControls",
+       {{"inputSaturation", 0.6}, {"inputBrightness", 0.05}, {"inputContrast", 1.2}},
+       [](const Rgb& c) { return controls(c, 0.6, 0.05, 1.2); }},
+      {"CIColorControls",
+       {{"inputBrightness", -0.1}, {"inputContrast", 0.8}},
+       [](const Rgb& c) { return controls(c, 1, -0.1, 0.8); }},
+      {"CISepiaTone", {{"inputIntensity", 0.8}}, [](const Rgb& c) { return sepia(c, 0.8); }},
+      {"CISepiaTone", {{"inputIntensity", -1.5}}, [](const Rgb& c) { return sepia(c, -1.5); }},
+      {"CIHueAdjust", {{"inputAngle", 2.5}}, [](const Rgb& c) { return reference::hue(c, 2.5); }},
+      {"CIHighlightShadowAdjust",
+       {{"inputHighlightAmount", 0.4}, {"inputShadowAmount", 0.6}},
+       [](const Rgb& c) { return reference::highlightShadow(c, 0.4, 0.6); }},
+      {"CIHighlightShadowAdjust",
+       {{"inputHighlightAmount", 0}},
+       [](const Rgb& c) { return reference::highlightShadow(c, 0, 0); }},
+  };
+  for (const Case& c : cases) {
+    const auto opaque = opaqueChart();
+    EXPECT_LE(maxDifference(*filtered(opaque, c.filter, c.settings),
+                            *reference::runColor(*opaque, c.color)),
+              1)
+        << c.filter;
+    // Where a pixel is partly transparent its straight colour is known to 8 bits only.
+    const auto chart = filterChart();
+    EXPECT_LE(maxDifference(*filtered(chart, c.filter, c.settings),
+                            *reference::runColor(*chart, c.color)),
+              2)
+        << c.filter;
+  }
+}
+
+TEST(ColorFilters, DefaultsThatChangeNothingKeepEveryByte) {
+  const auto bitmap = randomBitmap(301, 17, 5);
+  for (const auto& [name, key, value] :
+       std::initializer_list<std::tuple<std::string_view, std::string_view, double>>{
+           {"CIExposureAdjust", "inputEV", 0},
+           {"CIColorControls", "inputSaturation", 1},
+           {"CIHighlightShadowAdjust", "inputShadowAmount", 0.04},
+           {"CISepiaTone", "inputIntensity", 0},
+           {"CIHueAdjust", "inputAngle", 0},
+           {"CIGammaAdjust", "inputPower", 1}}) {
+    const auto result = filtered(bitmap, name, {{key, value}});
+    EXPECT_EQ(maxDifference(*result, *bitmap), 0) << name;
+    EXPECT_NE(result->bitmapData(), bitmap->bitmapData()) << "a copy, not the argument";
+  }
+}
+
+struct ChainLink {
+  std::string_view filter, key;
+  double value;
+};
+
+// One pass over the picture gives the bytes that six passes with bitmaps between them give.
+TEST(ColorFilters, FiltersInARowRoundToEightBitsEach) {
+  const ChainLink links[] = {{"CIExposureAdjust", "inputEV", 2.5},
+                             {"CIColorControls", "inputSaturation", 1.7},
+                             {"CIHighlightShadowAdjust", "inputShadowAmount", 0.5},
+                             {"CISepiaTone", "inputIntensity", 0.3},
+                             {"CIHueAdjust", "inputAngle", 0.8},
+                             {"CIGammaAdjust", "inputPower", 1.6}};
+  for (const auto& bitmap : {filterChart(), randomBitmap(700, 5, 3)}) {
+    auto image = CIImage::initWithBitmapImageRep(bitmap);
+    auto stepwise = bitmap;
+    for (const ChainLink& link : links) {
+      const auto filter = CIFilter::filterWithName(link.filter);
+      filter->setInputImage(image);
+      filter->setValue(NSNumber::numberWithDouble(link.value), link.key);
+      image = filter->outputImage();
+      stepwise = filtered(stepwise, link.filter, {{link.key, link.value}});
+    }
+    EXPECT_EQ(maxDifference(*image->bitmap(), *stepwise), 0);
+    EXPECT_GT(maxDifference(*stepwise, *bitmap), 50);
+  }
+}
+
+TEST(ColorFilters, KeepAlpha) {
+  const auto bitmap = randomBitmap(128, 8, 9);
+  const auto result = filtered(bitmap, "CIHueAdjust", {{"inputAngle", 2}});
+  for (int64_t x = 0; x < 128; ++x) {
+    const Pixel p = pixelAt(*result, x, 3);
+    EXPECT_EQ(p[3], pixelAt(*bitmap, x, 3)[3]);
+    EXPECT_LE(std::max({p[0], p[1], p[2]}), p[3]);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "platform/filters/BlurKernels.h"
+#include "support/FilterChart.h"
+#include "support/ReferenceFilters.h"
+
+namespace {
+
+using reference::Color;
+using reference::Edge;
+using reference::Picture;
+
+std::shared_ptr<NSBitmapImageRep> referenceBlur(const NSBitmapImageRep& bitmap, double sigma,
+                                                Edge edge) {
+  const auto blurred = reference::gaussian(Picture(bitmap, edge), sigma);
+  return reference::run(bitmap, edge, [&](const Picture& p, int64_t x, int64_t y) {
+    return blurred[static_cast<size_t>(y * p.width() + x)];
+  });
+}
+
+/// The middle part of a bitmap, of the other one's size.
+std::shared_ptr<NSBitmapImageRep> middle(const NSBitmapImageRep& bitmap,
+                                         const NSBitmapImageRep& like) {
+  const int64_t dx = (bitmap.pixelsWide() - like.pixelsWide()) / 2;
+  const int64_t dy = (bitmap.pixelsHigh() - like.pixelsHigh()) / 2;
+  return makeBitmap(like.pixelsWide(), like.pixelsHigh(),
+                    [&](int64_t x, int64_t y) { return pixelAt(bitmap, x + dx, y + dy); });
+}
+
+TEST(GaussianBlur, WithinTwoLevelsOfTheTrueGaussian) {
+  const auto chart = filterChart();
+  for (const double sigma : {0.4, 1.0, 2.0, 4.3, 4.5, 10.0, 18.0, 40.0}) {
+    const auto extended = filtered(chart, "CIGaussianBlur", {{"inputRadius", sigma}}, true);
+    EXPECT_LE(maxDifference(*extended, *referenceBlur(*chart, sigma, Edge::kNearest)), 2) << sigma;
+    const auto plain = filtered(chart, "CIGaussianBlur", {{"inputRadius", sigma}});
+    const auto grown = static_cast<int64_t>(std::ceil(3 * sigma));
+    EXPECT_EQ(plain->pixelsWide(), chart->pixelsWide() + 2 * grown);
+    EXPECT_LE(
+        maxDifference(*middle(*plain, *chart), *referenceBlur(*chart, sigma, Edge::kTransparent)),
+        2)
+        << sigma;
+  }
+}
+
+TEST(GaussianBlur, HalfOfFullLightLiesOnTheEdge) {
+  for (const double sigma : {3.0, 12.0}) {
+    const auto edge = makeBitmap(120, 4, [](int64_t x, int64_t) {
+      return x < 60 ? Pixel{0, 0, 0, 255} : Pixel{255, 255, 255, 255};
+    });
+    const auto result = filtered(edge, "CIGaussianBlur", {{"inputRadius", sigma}}, true);
+    EXPECT_LT(pixelAt(*result, 59, 1)[0], 188);
+    EXPECT_GT(pixelAt(*result, 60, 1)[0], 188);
+  }
+}
+
+TEST(GaussianBlur, ADiscOnTransparentGroundKeepsItsColour) {
+  const auto disc = makeBitmap(64, 64, [](int64_t x, int64_t y) {
+    const bool inside = (x - 32) * (x - 32) + (y - 32) * (y - 32) < 400;
+    return inside ? Pixel{200, 30, 90, 255} : Pixel{};
+  });
+  const auto result = filtered(disc, "CIGaussianBlur", {{"inputRadius", 6}}, true);
+  int partial = 0;
+  for (int64_t x = 0; x < 64; ++x) {
+    const Pixel p = pixelAt(*result, x, 32);
+    partial += p[3] > 0 && p[3] < 255 ? 1 : 0;
+    EXPECT_NEAR(p[0], 200 * p[3] / 255.0, 1);
+    EXPECT_NEAR(p[1], 30 * p[3] / 255.0, 1);
+    EXPECT_NEAR(p[2], 90 * p[3] / 255.0, 1);
+  }
+  EXPECT_GT(partial, 20);
+}
+
+// Rows far from anything painted are passed over; the result must not show it.
+TEST(GaussianBlur, SparsePicturesBlurLikeFullOnes) {
+  auto sparse = NSBitmapImageRep::create(40, 400);
+  std::fill_n(sparse->writableRows(200, 203), 3 * sparse->bytesPerRow(), uint8_t{255});
+  const auto full = sparse->copy();
+  full->writableRows(0, 400);
+  for (const double sigma : {2.0, 9.0, 30.0}) {
+    EXPECT_EQ(maxDifference(*filtered(sparse, "CIGaussianBlur", {{"inputRadius", sigma}}, true),
+                            *filtered(full, "CIGaussianBlur", {{"inputRadius", sigma}}, true)),
+              0);
+  }
+}
+
+TEST(BlurKernels, VectorAndScalarSumsAgree) {
+  std::mt19937 random(2);
+  std::uniform_real_distribution<float> value(0, 1);
+  std::vector<float> row(400);
+  for (float& v : row) v = value(random);
+  for (const size_t radius : {0, 1, 2, 7, 16}) {
+    std::vector<const float*> taps;
+    for (size_t i = 0; i <= 2 * radius; ++i) taps.push_back(row.data() + 3 * i);
+    std::vector<float> weights(radius + 1, 1.0F / static_cast<float>(2 * radius + 1));
+    for (const size_t count : {1, 31, 32, 33, 300}) {
+      std::vector<float> fast(count);
+      std::vector<float> plain(count);
+      weighSymmetric(taps.data(), weights.data(), radius, fast.data(), count);
+      weighSymmetricScalar(taps.data(), weights.data(), radius, plain.data(), count);
+      EXPECT_EQ(fast, plain) << radius << " " << count;
+    }
+  }
+}
+
+double meanDifference(const NSBitmapImageRep& a, const NSBitmapImageRep& b) {
+  double sum = 0;
+  const size_t bytes = a.bytesPerRow() * static_cast<size_t>(a.pixelsHigh());
+  for (size_t i = 0; i < bytes; ++i) sum += std::abs(a.bitmapData()[i] - b.bitmapData()[i]);
+  return sum / static_cast<double>(bytes);
+}
+
+double luminance(const Color& c) {
+  return 0.2125 * c[0] + 0.7154 * c[1] + 0.0721 * c[2];
+}
+
+TEST(Sharpen, AddsWhatABlurTakesAwayFromLuminance) {
+  for (const auto& chart : {opaqueChart(), filterChart()}) {
+    for (const double amount : {0.4, 5.0}) {
+      const auto blurred = reference::gaussian(Picture(*chart, Edge::kNearest), 1.69);
+      const auto sharpened = [&](const Picture& p, int64_t x, int64_t y) {
+        Color c = p.at(x, y);
+        const Color& soft = blurred[static_cast<size_t>(y * p.width() + x)];
+        const double delta = amount * (luminance(c) - luminance(soft));
+        for (int i = 0; i < 3; ++i) c[i] = std::clamp(c[i] + delta, 0.0, c[3]);
+        return c;
+      };
+      const auto expected = reference::run(*chart, Edge::kNearest, sharpened);
+      const auto result = filtered(chart, "CISharpenLuminance", {{"inputSharpness", amount}});
+      // Next to black, where a code is 1/3000 of full light, five times what the Gaussian's
+      // cut-off tails hold shows.
+      EXPECT_LE(maxDifference(*result, *expected), amount < 1 ? 2 : 8);
+      EXPECT_LE(meanDifference(*result, *expected), 0.1);
+    }
+  }
+}
+
+Color robertsCross(const Picture& p, int64_t x, int64_t y, double intensity) {
+  const Color a = p.at(x, y);
+  const Color b = p.at(x + 1, y);
+  const Color c = p.at(x, y + 1);
+  const Color d = p.at(x + 1, y + 1);
+  Color out = a;
+  for (int i = 0; i < 3; ++i) {
+    out[i] = std::min(a[3], intensity * (std::pow(d[i] - a[i], 2) + std::pow(b[i] - c[i], 2)));
+  }
+  return out;
+}
+
+TEST(Edges, SquaredDifferencesAlongBothDiagonals) {
+  for (const double intensity : {1.0, 50.0}) {
+    const auto edges = [&](const Picture& p, int64_t x, int64_t y) {
+      return robertsCross(p, x, y, intensity);
+    };
+    for (const auto& chart : {opaqueChart(), filterChart()}) {
+      const auto expected = reference::run(*chart, Edge::kTransparent, edges);
+      const auto result = filtered(chart, "CIEdges", {{"inputIntensity", intensity}});
+      const bool opaque = chart->pixelsHigh() == opaqueChart()->pixelsHigh();
+      // Along the ramp of alpha the 8-bit rounding of straight colours shows, magnified.
+      EXPECT_LE(maxDifference(*result, *expected), opaque ? 1 : 14);
+      EXPECT_LE(meanDifference(*result, *expected), 0.3);
+    }
+  }
+}
+
+TEST(Edges, OnlyTheRightColumnAndBottomRowOfAPlainPictureLightUp) {
+  const auto result = filtered(plainBitmap(9, 7, {128, 128, 128, 255}), "CIEdges");
+  EXPECT_EQ(pixelAt(*result, 7, 5), (Pixel{0, 0, 0, 255}));
+  EXPECT_GT(pixelAt(*result, 8, 3)[0], 60);
+  EXPECT_GT(pixelAt(*result, 4, 6)[0], 60);
+}
+
+TEST(EdgeWork, WhiteWhereAFineBlurExceedsACoarseOne) {
+  const auto chart = opaqueChart();
+  const auto luma = [](const Color& c) { return .299 * c[0] + .587 * c[1] + .114 * c[2]; };
+  for (const double radius : {0.5, 3.0}) {
+    const Picture picture(*chart, Edge::kNearest);
+    const auto fine = reference::gaussian(picture, radius / 2);
+    const auto coarse = reference::gaussian(picture, radius * 1.5);
+    const auto result = filtered(chart, "CIEdgeWork", {{"inputRadius", radius}}, true);
+    double total = 0;
+    int clear = 0;
+    for (int64_t y = 0; y < 44; ++y) {
+      for (int64_t x = 0; x < 96; ++x) {
+        const auto at = static_cast<size_t>(y * 96 + x);
+        const double alpha = std::clamp(400 * (luma(fine[at]) - luma(coarse[at])), 0.0, 1.0);
+        const Pixel p = pixelAt(*result, x, y);
+        EXPECT_EQ(p[0], p[3]);
+        EXPECT_EQ(p[2], p[3]);
+        // 400 times the error of a cut-off Gaussian.
+        EXPECT_NEAR(p[3], 255 * alpha, 30) << x << " " << y;
+        total += std::fabs(p[3] - 255 * alpha);
+        clear += alpha == 0 ? 1 : 0;
+      }
+    }
+    EXPECT_LT(total / (44 * 96), 3);
+    EXPECT_GT(clear, 500);
+  }
+}
+
+TEST(SpatialFilters, LeavePlainPicturesAsTheyAre) {
+  const auto plain = plainBitmap(37, 23, {90, 140, 20, 255});
+  for (const std::string_view name :
+       {"CIGaussianBlur", "CISharpenLuminance", "CIPixellate", "CICrystallize"}) {
+    EXPECT_EQ(maxDifference(*filtered(plain, name, {}, true), *plain), 0) << name;
+  }
+  const auto work = filtered(plain, "CIEdgeWork", {}, true);
+  EXPECT_EQ(pixelAt(*work, 18, 11), Pixel{});
+  EXPECT_EQ(pixelAt(*work, 0, 0), Pixel{});
+}
+
+}  // namespace
