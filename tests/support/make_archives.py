@@ -2,7 +2,8 @@
 """Makes the archives that tests read:  make_archives.py OUTPUT_DIR
 
 good/ holds archives as the platform and other tools write them, bad/ archives
-with one thing wrong each; what a reader must make of them stands in the tests.
+with one thing wrong each, text/ texts and their styles; what a reader must make of
+them stands in the tests.
 """
 import base64
 import os
@@ -12,6 +13,7 @@ import sys
 
 import icc_profiles
 import keyed_archive
+import text_archives
 from keyed_archive import Float32, KeyedArchive, UID, Wide, write_bplist
 
 
@@ -324,7 +326,7 @@ def bad():
 
 
 def main(argv):
-    for folder, samples in (("good", good), ("bad", bad)):
+    for folder, samples in (("good", good), ("bad", bad), ("text", text_archives.samples)):
         path = os.path.join(argv[1], folder)
         os.makedirs(path, exist_ok=True)
         for name, data in samples():

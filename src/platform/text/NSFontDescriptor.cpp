@@ -38,19 +38,6 @@ CGFloat NSFontDescriptor::pointSize() const {
   return size == nullptr ? 0 : size->doubleValue();
 }
 
-bool NSFontDescriptor::isEqual(const NSObject& other) const {
-  const auto* descriptor = dynamic_cast<const NSFontDescriptor*>(&other);
-  if (descriptor == nullptr) return false;
-  if (attributes_ == nullptr || descriptor->attributes_ == nullptr) {
-    return attributes_ == descriptor->attributes_;
-  }
-  return attributes_->isEqual(*descriptor->attributes_);
-}
-
-size_t NSFontDescriptor::hash() const {
-  return attributes_ == nullptr ? 0 : attributes_->hash();
-}
-
 bool NSFontDescriptor::initWithCoder(NSCoder& coder) {
   attributes_ = coder.decodeObjectOfClass<NSDictionary>(kAttributesKey);
   return true;

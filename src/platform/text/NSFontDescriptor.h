@@ -26,8 +26,6 @@ class NSFontDescriptor : public NSObject {
   const std::shared_ptr<NSDictionary>& fontAttributes() const { return attributes_; }
 
   const NSClass& classInfo() const override { return kClass; }
-  bool isEqual(const NSObject& other) const override;
-  size_t hash() const override;
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
 

@@ -43,7 +43,7 @@ void addKern(ShapedItem& shaped, double kern) {
 }
 
 ShapedItem shape(const TextItem& item, const ShapingRun& run) {
-  static thread_local std::vector<ShapedGlyph> glyphs;
+  std::vector<ShapedGlyph> glyphs;
   ShapedItem shaped;
   shaped.item = item;
   if (item.kind != ItemKind::text || item.font->face == nullptr) return shaped;

@@ -10,7 +10,9 @@
 #include "platform/text/NSParagraphStyle.h"
 #include "platform/text/TextLibraries.h"
 
+class NSAttributedString;
 class NSColor;
+class NSDictionary;
 class NSShadow;
 
 /// What a run's attributes mean for layout and drawing, with the defaults filled in.
@@ -51,3 +53,10 @@ struct StyledText {
   size_t runAt(size_t unit) const;
   const TextStyle& styleAt(size_t unit) const;
 };
+
+/// What attributes mean; null for none. Values of a wrong kind count as not set, numbers that are
+/// not finite too.
+TextStyle textStyle(const NSDictionary* attributes);
+
+/// A copy of a text with its attributes understood.
+std::shared_ptr<const StyledText> makeStyledText(const NSAttributedString& text);

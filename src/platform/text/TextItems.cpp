@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/text/TextCharacters.h"
+#include "platform/text/TextDecorations.h"
 
 namespace {
 
@@ -68,6 +69,10 @@ std::string_view ideographLanguage(std::u16string_view text) {
 /// Emoji fonts have empty glyphs for the digits that keycaps are made of.
 bool has(const FontFace& face, char32_t c) {
   return face.glyphForCharacter(c) != 0 && !(c < 0x80 && face.hasColorBitmaps());
+}
+
+bool decoratesByWord(const TextStyle& style) {
+  return ((style.underline | style.strikethrough) & kLineByWord) != 0;
 }
 
 bool isIdeographic(uint32_t script) {
@@ -139,21 +144,23 @@ void TextItemizer::addCluster(Paragraph& paragraph, size_t start, size_t end) {
   if (isIdeographic(item.script)) item.language = paragraph.ideographLanguage;
   item.font = item.kind == ItemKind::text ? fontFor(paragraph, cluster, *item.style)
                                           : item.style->font->resolved().get();
-
   std::vector<TextItem>& items = paragraph.result.items;
-  if (!items.empty()) {
-    TextItem& last = items.back();
-    const bool joins = item.kind == ItemKind::text && last.kind == ItemKind::text &&
-                       last.style == item.style && last.font == item.font &&
-                       last.level == item.level && last.length + item.length <= kMaxItemUnits;
-    if (joins && (last.script == item.script || last.script == kCommon)) {
-      last.length += item.length;
-      last.script = item.script;
-      last.language = item.language;
-      return;
-    }
+  if (items.empty() || !joins(items.back(), item)) {
+    items.push_back(item);
+    return;
   }
-  items.push_back(item);
+  items.back().length += item.length;
+  items.back().script = item.script;
+  items.back().language = item.language;
+}
+
+bool TextItemizer::joins(const TextItem& last, const TextItem& next) const {
+  if (last.kind != ItemKind::text || next.kind != ItemKind::text) return false;
+  const bool sameWords = !decoratesByWord(*next.style) ||
+                         hangs(text_.text[last.start]) == hangs(text_.text[next.start]);
+  return last.style == next.style && last.font == next.font && last.level == next.level &&
+         (last.script == next.script || last.script == kCommon) && sameWords &&
+         last.length + next.length <= kMaxItemUnits;
 }
 
 uint32_t TextItemizer::scriptOf(const Paragraph& paragraph, std::u16string_view cluster) const {

@@ -58,6 +58,7 @@ class TextItemizer {
 
   void findDirections(Paragraph& paragraph) const;
   void addCluster(Paragraph& paragraph, size_t start, size_t end);
+  bool joins(const TextItem& last, const TextItem& next) const;
   const ResolvedFont* fontFor(const Paragraph& paragraph, std::u16string_view cluster,
                               const TextStyle& style);
   const ResolvedFont* emojiFont();

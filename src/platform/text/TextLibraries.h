@@ -93,8 +93,9 @@ class FontFace {
   virtual uint32_t glyphForCharacter(char32_t character) const = 0;
   /// Whether its glyphs are coloured bitmaps rather than outlines.
   virtual bool hasColorBitmaps() const = 0;
-  /// Appends the glyph's outline, in font units, y up; non-zero winding.
-  virtual void appendOutline(uint32_t glyph, PathData& path) const = 0;
+  /// The glyph's outline in font units, y up, to be filled by non-zero winding. Read from the font
+  /// once and then kept as long as the face; empty for a blank.
+  virtual const PathData& outline(uint32_t glyph) const = 0;
   virtual std::optional<GlyphBitmap> colorBitmap(uint32_t glyph) const = 0;
   /// Replaces `glyphs` by the run's glyphs in visual order (left to right in either direction).
   virtual void shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const = 0;

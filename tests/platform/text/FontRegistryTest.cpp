@@ -50,8 +50,7 @@ TEST_F(FontRegistryTest, OutlinesAndMetricsOfAFace) {
   EXPECT_EQ(face->metrics().unitsPerEm, 1000);
   EXPECT_EQ(face->metrics().descent, 200);
   EXPECT_EQ(face->metrics().xHeight, 500);
-  PathData path;
-  face->appendOutline(face->glyphForCharacter('a'), path);
+  const PathData& path = face->outline(face->glyphForCharacter('a'));
   ASSERT_EQ(path.points.size(), 5u);
   EXPECT_EQ(path.verbs.back(), PathVerb::close);
   EXPECT_EQ(path.points[0], NSMakePoint(50, 0));

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "TextSupport.h"
+#include "platform/foundation/Limits.h"
 #include "platform/text/TextLayout.h"
 
 namespace {
@@ -444,4 +446,48 @@ TEST_F(TextLayoutTest, TruncationLeavesTheNamedPart) {
   EXPECT_EQ(starts(NSLineBreakMode::byTruncatingTail), (Pieces{{0, 4}, {4, 0}}));
   EXPECT_EQ(starts(NSLineBreakMode::byTruncatingHead), (Pieces{{0, 0}, {4, 4}}));
   EXPECT_EQ(starts(NSLineBreakMode::byTruncatingMiddle), (Pieces{{0, 2}, {2, 0}, {6, 2}}));
+}
+
+// Texts that would take minutes or gigabytes if the work for a line depended on the whole text.
+TEST_F(TextLayoutTest, HugeTextsAreSetInBoundedTime) {
+  constexpr size_t kUnits = size_t{1} << 17;
+  const auto lines = [](const std::u16string& text, double width, const EditParagraph& edit = {}) {
+    const TextLayout layout = layoutBoxes(text, width, edit);
+    EXPECT_LE(layout.end, limits::kMaxLaidOutUnits);
+    return layout.lines.size();
+  };
+  EXPECT_EQ(lines(std::u16string(limits::kMaxLaidOutUnits + 1, u'a'), 1e300), 1u)
+      << "the rest is not set";
+  EXPECT_EQ(lines(std::u16string(kUnits, u'a'), 50), kUnits / 10 + 1);
+  EXPECT_EQ(lines(std::u16string(kUnits, u'\u0628'), 50), kUnits / 10 + 1);
+  EXPECT_EQ(lines(std::u16string(kUnits, u'\n'), 50), kUnits + 1);
+  EXPECT_EQ(lines(u"a" + std::u16string(kUnits - 1, u'\u0301'), 50), 1u);
+  EXPECT_EQ(lines(std::u16string(kUnits, u'\t'), 50, [](Style& s) { s.setTabStops({}); }), kUnits);
+  NSParagraphStyle::TabStops million;
+  for (int i = 0; i < 1000000; ++i) {
+    million.push_back(std::make_shared<NSTextTab>(NSTextTabType::left, 1e-4 * (i % 1000)));
+  }
+  EXPECT_EQ(lines(u"\ta\tb", 50, [&million](Style& s) { s.setTabStops(million); }), 2u);
+}
+
+TEST_F(TextLayoutTest, SizesThatAreNoSizesDoNoHarm) {
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  for (const double value : {kNaN, 1e300, -1e300, std::numeric_limits<double>::infinity()}) {
+    const auto odd = [value](Style& s) {
+      s.setHeadIndent(value);
+      s.setFirstLineHeadIndent(value);
+      s.setTailIndent(value);
+      s.setLineSpacing(value);
+      s.setMinimumLineHeight(value);
+      s.setDefaultTabInterval(value);
+      s.setTabStops({});
+    };
+    const TextLayout layout = layoutBoxes(u"aa\tbb\ncc", 20, odd);
+    for (const PlacedLine& line : layout.lines) {
+      EXPECT_TRUE(std::isfinite(line.x) && std::isfinite(line.bottom())) << value;
+    }
+  }
+  const auto huge = styledText({{u"a", boxStyle(1e9)}, {u"b", boxStyle(1e-9)}});
+  EXPECT_EQ(layoutText(huge, {{100, 100}, 0}).lines.size(), 0u);
+  EXPECT_EQ(layoutText(huge, {{1e300, 1e300}, 0}).used.size.height, 1e9);
 }

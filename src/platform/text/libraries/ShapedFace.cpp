@@ -4,6 +4,9 @@
 
 #include <array>
 #include <cmath>
+#include <mutex>
+
+#include "platform/text/libraries/ObjectPool.h"
 
 namespace {
 
@@ -89,10 +92,10 @@ struct FeatureList {
   void add(hb_tag_t tag, uint32_t value) { features[count++] = feature(tag, value); }
 };
 
-hb_buffer_t* scratchBuffer() {
-  static thread_local const HbBuffer buffer(hb_buffer_create());
-  hb_buffer_clear_contents(buffer.get());
-  return buffer.get();
+/// Buffers keep their memory from one use to the next.
+ObjectPool<HbBuffer>& shapingBuffers() {
+  static auto& pool = *new ObjectPool<HbBuffer>;
+  return pool;
 }
 
 }  // namespace
@@ -107,9 +110,17 @@ uint32_t ShapedFace::glyphForCharacter(char32_t character) const {
   return hb_font_get_nominal_glyph(font_.get(), character, &glyph) ? glyph : 0;
 }
 
-void ShapedFace::appendOutline(uint32_t glyph, PathData& path) const {
+const PathData& ShapedFace::outline(uint32_t glyph) const {
   static hb_draw_funcs_t* const functions = makeOutlineFunctions();
+  {
+    const std::shared_lock lock(outlinesMutex_);
+    const auto known = outlines_.find(glyph);
+    if (known != outlines_.end()) return known->second;
+  }
+  PathData path;
   hb_font_get_glyph_shape(font_.get(), glyph, functions, &path);
+  const std::unique_lock lock(outlinesMutex_);
+  return outlines_.try_emplace(glyph, std::move(path)).first->second;
 }
 
 std::optional<GlyphBitmap> ShapedFace::colorBitmap(uint32_t glyph) const {
@@ -125,7 +136,9 @@ std::optional<GlyphBitmap> ShapedFace::colorBitmap(uint32_t glyph) const {
 }
 
 void ShapedFace::shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const {
-  hb_buffer_t* buffer = scratchBuffer();
+  const auto lease = shapingBuffers().take([] { return HbBuffer(hb_buffer_create()); });
+  hb_buffer_t* buffer = lease.get();
+  hb_buffer_clear_contents(buffer);
   hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(run.paragraph.data()),
                       static_cast<int>(run.paragraph.size()), static_cast<unsigned>(run.start),
                       static_cast<int>(run.length));

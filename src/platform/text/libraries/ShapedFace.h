@@ -1,5 +1,8 @@
 #pragma once
 
+#include <shared_mutex>
+#include <unordered_map>
+
 #include "platform/text/libraries/FontFile.h"
 
 /// A face shaped and outlined by HarfBuzz.
@@ -10,7 +13,7 @@ class ShapedFace : public FontFace {
   const FaceMetrics& metrics() const override { return metrics_; }
   uint32_t glyphForCharacter(char32_t character) const override;
   bool hasColorBitmaps() const override { return hasColorBitmaps_; }
-  void appendOutline(uint32_t glyph, PathData& path) const override;
+  const PathData& outline(uint32_t glyph) const override;
   std::optional<GlyphBitmap> colorBitmap(uint32_t glyph) const override;
   void shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const override;
 
@@ -18,4 +21,6 @@ class ShapedFace : public FontFace {
   HbFont font_;
   FaceMetrics metrics_;
   bool hasColorBitmaps_;
+  mutable std::shared_mutex outlinesMutex_;
+  mutable std::unordered_map<uint32_t, PathData> outlines_;
 };

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "platform/text/libraries/ObjectPool.h"
+
 namespace {
 
 struct IcuClose {
@@ -50,12 +52,14 @@ UBiDiLevel requestedLevel(BaseDirection base) {
 }  // namespace
 
 void findClusterStarts(std::u16string_view text, std::vector<uint8_t>& starts) {
-  static thread_local const BreakIterator iterator = openIterator(UBRK_CHARACTER);
+  static auto& pool = *new ObjectPool<BreakIterator>;
+  const auto iterator = pool.take([] { return openIterator(UBRK_CHARACTER); });
   markBoundaries(iterator.get(), text, starts);
 }
 
 void findLineStarts(std::u16string_view text, std::vector<uint8_t>& breaks) {
-  static thread_local const BreakIterator iterator = openIterator(UBRK_LINE);
+  static auto& pool = *new ObjectPool<BreakIterator>;
+  const auto iterator = pool.take([] { return openIterator(UBRK_LINE); });
   markBoundaries(iterator.get(), text, breaks);
 }
 
