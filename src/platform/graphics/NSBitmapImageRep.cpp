@@ -52,9 +52,11 @@ void NSBitmapImageRep::clear() {
 
 std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::copy() const {
   auto result = create(width_, height_);
-  if (result != nullptr && !used_.empty()) {
+  if (result == nullptr) return nullptr;
+  if (!used_.empty()) {
     std::memcpy(result->writableRows(used_.first, used_.end), row(used_.first),
                 static_cast<size_t>(used_.end - used_.first) * bytesPerRow());
   }
+  result->hasAlpha_ = hasAlpha_;
   return result;
 }

@@ -49,6 +49,11 @@ class NSBitmapImageRep : public NSObject {
   /// `first`. The range must lie inside the bitmap.
   uint8_t* writableRows(int64_t first, int64_t end);
 
+  /// False only for pictures that came without an alpha channel or were declared opaque; says
+  /// nothing about the pixels.
+  bool hasAlpha() const { return hasAlpha_; }
+  void setHasAlpha(bool hasAlpha) { hasAlpha_ = hasAlpha; }
+
   /// Every row outside this range is known to be transparent.
   RowRange usedRows() const { return used_; }
 
@@ -67,4 +72,5 @@ class NSBitmapImageRep : public NSObject {
   int64_t height_ = 0;
   uint8_t* data_ = nullptr;
   RowRange used_;
+  bool hasAlpha_ = true;
 };

@@ -28,7 +28,7 @@ class PNGWriter {
         options_(options),
         opaque_(isOpaque(bitmap)),
         row_(bitmap.bytesPerRow()),
-        png_(png_create_write_struct(PNG_LIBPNG_VER_STRING, this, nullptr, onWarning)),
+        png_(png_create_write_struct(PNG_LIBPNG_VER_STRING, this, onError, onWarning)),
         info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}
   PNGWriter(const PNGWriter&) = delete;
   PNGWriter& operator=(const PNGWriter&) = delete;
@@ -38,6 +38,7 @@ class PNGWriter {
   std::vector<uint8_t> takeFile() { return std::move(file_); }
 
  private:
+  [[noreturn]] static void onError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
   static void onWarning(png_structp, png_const_charp) {}
   static void append(png_structp png, png_bytep bytes, size_t count);
   void writeHeader();

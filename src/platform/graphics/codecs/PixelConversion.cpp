@@ -15,16 +15,26 @@ constexpr size_t kBatch = 256;
 
 // Both kernels work in place on their batch, which no other pointer can reach.
 
+/// The colours of a pixel times a byte, over 255 and rounded, exactly (J. Blinn, "Three Wrongs Make
+/// a Right", 1995); the fourth byte is zero.
+inline uint32_t scaledColours(uint32_t pixel, uint32_t factor) {
+  const auto scaled = [factor](uint32_t channel) {
+    const uint32_t t = (channel & 255) * factor + 128;
+    return (t + (t >> 8)) >> 8;
+  };
+  return scaled(pixel) | scaled(pixel >> 8) << 8 | scaled(pixel >> 16) << 16;
+}
+
 VECTOR_CLONES void premultiply(uint32_t* pixels, size_t count) {
   for (size_t i = 0; i < count; ++i) {
-    const uint32_t p = pixels[i];
-    const uint32_t a = p >> 24;
-    // Division by 255, exact for products of bytes (J. Blinn, "Three Wrongs Make a Right", 1995).
-    const auto scaled = [a](uint32_t c) {
-      const uint32_t t = c * a + 128;
-      return (t + (t >> 8)) >> 8;
-    };
-    pixels[i] = scaled(p & 255) | scaled(p >> 8 & 255) << 8 | scaled(p >> 16 & 255) << 16 | a << 24;
+    pixels[i] = scaledColours(pixels[i], pixels[i] >> 24) | (pixels[i] & 0xff000000);
+  }
+}
+
+VECTOR_CLONES void inksToOpaque(uint32_t* pixels, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    const uint32_t paper = ~pixels[i];
+    pixels[i] = scaledColours(paper, paper >> 24) | 0xff000000;
   }
 }
 
@@ -68,6 +78,10 @@ void premultiplyRow(const uint8_t* in, uint8_t* out, size_t pixelCount) {
 
 void unpremultiplyRow(const uint8_t* in, uint8_t* out, size_t pixelCount) {
   inBatches(in, out, pixelCount, unpremultiply);
+}
+
+void inksToOpaqueRow(const uint8_t* in, uint8_t* out, size_t pixelCount) {
+  inBatches(in, out, pixelCount, inksToOpaque);
 }
 
 bool isOpaqueRow(const uint8_t* row, size_t pixelCount) {

@@ -1,0 +1,58 @@
+#include "platform/graphics/codecs/DecodedPicture.h"
+
+#include <utility>
+
+#include "platform/graphics/PixelMoves.h"
+#include "platform/graphics/codecs/ExifOrientation.h"
+#include "platform/graphics/codecs/PixelConversion.h"
+
+namespace {
+
+/// How a picture stored with an orientation is set upright (TIFF 6.0, Orientation).
+PixelMove uprighting(int orientation) {
+  constexpr PixelMove kMoves[] = {{false, false, false}, {false, true, false},
+                                  {false, true, true},   {false, false, true},
+                                  {true, false, false},  kQuarterTurnClockwise,
+                                  {true, true, true},    kQuarterTurnCounterclockwise};
+  return orientation >= 1 && orientation <= 8 ? kMoves[orientation - 1] : kMoves[0];
+}
+
+}  // namespace
+
+uint8_t* DecodedPicture::begin(const PictureInfo& info) {
+  if (info.width <= 0 || info.height <= 0) return nullptr;
+  bitmap_ = NSBitmapImageRep::create(info.width, info.height);
+  if (bitmap_ == nullptr) return nullptr;
+  layout_ = info.layout;
+  orientation_ = info.exif.empty() ? info.orientation : exifOrientation(info.exif);
+  bitmap_->setHasAlpha(layout_ == PixelLayout::straightRGBA ||
+                       layout_ == PixelLayout::premultipliedRGBA);
+  conversion_ = ProfileConversion::create(info.profile, info.model);
+  return bitmap_->writableRows(0, 0);
+}
+
+void DecodedPicture::finish(int64_t first, int64_t end) {
+  uint8_t* const rows = bitmap_->writableRows(first, end);
+  const auto width = static_cast<size_t>(bitmap_->pixelsWide());
+  for (int64_t y = first; y < end; ++y) {
+    uint8_t* const row = rows + static_cast<size_t>(y - first) * width * 4;
+    if (layout_ == PixelLayout::premultipliedRGBA && conversion_ != nullptr) {
+      unpremultiplyRow(row, row, width);
+    }
+    if (conversion_ != nullptr) {
+      conversion_->convert(row, width);
+    } else if (layout_ == PixelLayout::cmyk) {
+      inksToOpaqueRow(row, row, width);
+    }
+    if (layout_ == PixelLayout::straightRGBA ||
+        (layout_ == PixelLayout::premultipliedRGBA && conversion_ != nullptr)) {
+      premultiplyRow(row, row, width);
+    }
+  }
+}
+
+std::shared_ptr<NSBitmapImageRep> DecodedPicture::take() {
+  if (bitmap_ == nullptr || bitmap_->usedRows().empty()) return nullptr;
+  if (orientation_ <= 1 || orientation_ > 8) return std::move(bitmap_);
+  return movedPixels(*std::exchange(bitmap_, nullptr), uprighting(orientation_));
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+// Between picture files and bitmaps. A codec reads a file and hands four bytes for each pixel to a
+// target, which owns the memory and finishes the pixels: profile, premultiplication, orientation.
+// Codecs know nothing of bitmaps, so that those that few documents need can live in modules.
+
+/// What the four bytes of a pixel are when the codec delivers them.
+enum class PixelLayout : uint8_t {
+  opaqueRGB,  ///< red, green, blue, 255
+  straightRGBA,
+  premultipliedRGBA,
+  cmyk,  ///< inks, 255 is full ink
+};
+
+/// What the file's own samples are, and so which profiles fit them. Grey pixels are delivered with
+/// three equal colours.
+enum class ColorModel : uint8_t { gray, rgb, cmyk };
+
+struct PictureInfo {
+  int64_t width = 0;
+  int64_t height = 0;
+  PixelLayout layout = PixelLayout::opaqueRGB;
+  ColorModel model = ColorModel::rgb;
+  /// As Exif counts orientations: 1 upright, 2 mirrored, 3 upside down ... 8. Others count as 1.
+  int orientation = 1;
+  // Both may be empty, and are read during the call of begin only.
+  std::span<const uint8_t> profile;  ///< ICC profile of the samples
+  std::span<const uint8_t> exif;  ///< Exif block; its orientation counts instead of the one above
+};
+
+class PictureTarget {
+ public:
+  virtual ~PictureTarget() = default;
+
+  /// Memory for the picture, all zero: rows of 4 * width bytes, top first, without gaps. Null when
+  /// a side is not positive, when the picture is larger than a canvas may be, or when there is no
+  /// memory; the codec then gives up. Called at most once.
+  virtual uint8_t* begin(const PictureInfo& info) = 0;
+
+  /// Rows [first, end) hold their final samples. Each row is finished once or never; those that
+  /// never are must have been left zero.
+  virtual void finish(int64_t first, int64_t end) = 0;
+};
+
+/// Premultiplied R, G, B, A to encode.
+struct PictureSource {
+  int64_t width = 0;
+  int64_t height = 0;
+  const uint8_t* pixels = nullptr;
+  bool hasAlpha = true;
+};
+
+/// One file format. All functions may be called from any thread.
+class PictureCodec {
+ public:
+  virtual ~PictureCodec() = default;
+
+  /// Decodes as much of the file as is there and sound: a truncated picture leaves rows
+  /// unfinished, a file that is none leaves the target untouched.
+  virtual void decode(std::span<const uint8_t> file, PictureTarget& target) const = 0;
+
+  /// The picture as a file; empty when the format or the library cannot. `quality` (0 to 1) is for
+  /// formats that lose some; translucent pixels of formats without alpha appear over black.
+  virtual std::vector<uint8_t> encode(const PictureSource& picture, double quality) const = 0;
+};
+
+/// Name and type of the one function that each codec module exports.
+inline constexpr const char* kPictureCodecEntry = "paintPictureCodec";
+using PictureCodecEntry = const PictureCodec* (*)();

@@ -1,0 +1,23 @@
+// The module's face to the engine.
+#include "platform/graphics/codecs/PictureCodec.h"
+#include "platform/graphics/codecs/libraries/jpeg/JPEGReader.h"
+#include "platform/graphics/codecs/libraries/jpeg/JPEGWriter.h"
+
+namespace {
+
+class JPEGCodec final : public PictureCodec {
+ public:
+  void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
+    readJPEG(file, target);
+  }
+  std::vector<uint8_t> encode(const PictureSource& picture, double quality) const override {
+    return writeJPEG(picture, quality);
+  }
+};
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) const PictureCodec* paintPictureCodec() {
+  static const JPEGCodec codec;
+  return &codec;
+}

@@ -1,0 +1,23 @@
+// The module's face to the engine.
+#include "platform/graphics/codecs/PictureCodec.h"
+#include "platform/graphics/codecs/libraries/tiff/TIFFReader.h"
+#include "platform/graphics/codecs/libraries/tiff/TIFFWriter.h"
+
+namespace {
+
+class TIFFCodec final : public PictureCodec {
+ public:
+  void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
+    readTIFF(file, target);
+  }
+  std::vector<uint8_t> encode(const PictureSource& picture, double) const override {
+    return writeTIFF(picture);
+  }
+};
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) const PictureCodec* paintPictureCodec() {
+  static const TIFFCodec codec;
+  return &codec;
+}

@@ -1,0 +1,244 @@
+#include "platform/graphics/codecs/libraries/tiff/TIFFReader.h"
+
+#include <algorithm>
+#include <bit>
+#include <optional>
+
+#include "platform/graphics/codecs/PictureCodec.h"
+#include "platform/graphics/codecs/libraries/tiff/TIFFHandle.h"
+#include "platform/graphics/codecs/libraries/tiff/TIFFSamples.h"
+
+namespace {
+
+/// Bytes that the library may take at once: a whole canvas of eight bits in one strip, as some
+/// programs write them. It is not touched before something is decoded into it.
+constexpr int64_t kLargestBlock = int64_t{1} << 30;
+
+/// Bytes of a tile or a row: four thousand pixels square.
+constexpr uint64_t kLargestPiece = uint64_t{64} << 20;
+
+/// Colours, alpha, and some that nobody knows.
+constexpr size_t kMaxSamples = 16;
+
+class TIFFReader {
+ public:
+  TIFFReader(std::span<const uint8_t> file, PictureTarget& target)
+      : fileBytes_(file.size()), memory_(file), target_(target) {}
+
+  void decode();
+
+ private:
+  /// A tag of the file, or its default.
+  template <class T>
+  T field(uint32_t tag, T fallback) const {
+    T value = fallback;
+    return TIFFGetFieldDefaulted(tiff_.get(), tag, &value) == 1 ? value : fallback;
+  }
+
+  void readInfo();
+  PixelLayout alphaLayout() const;
+  std::optional<TIFFSampleLayout> sampleLayout() const;
+  std::optional<TIFFColor> color() const;
+  bool readPalette(TIFFSampleLayout& layout) const;
+  bool piecesFit(const TIFFSampleLayout& layout, bool tiled) const;
+  void describe(const TIFFSampleLayout& layout);
+  void readStrips(const TIFFSampleLayout& layout, uint8_t* pixels);
+  void readTiles(const TIFFSampleLayout& layout, uint8_t* pixels);
+  void readThroughLibrary();
+
+  uint64_t fileBytes_;
+  TIFFMemory memory_;
+  PictureTarget& target_;
+  TIFFHandle tiff_;
+  PictureInfo picture_;
+};
+
+std::optional<TIFFColor> TIFFReader::color() const {
+  switch (field<uint16_t>(TIFFTAG_PHOTOMETRIC, UINT16_MAX)) {
+    case PHOTOMETRIC_MINISWHITE:
+      return TIFFColor::whiteIsZero;
+    case PHOTOMETRIC_MINISBLACK:
+      return TIFFColor::blackIsZero;
+    case PHOTOMETRIC_RGB:
+      return TIFFColor::rgb;
+    case PHOTOMETRIC_PALETTE:
+      return TIFFColor::palette;
+    case PHOTOMETRIC_SEPARATED:
+      if (field<uint16_t>(TIFFTAG_INKSET, INKSET_CMYK) == INKSET_CMYK) return TIFFColor::cmyk;
+      break;
+    default:
+      break;
+  }
+  return std::nullopt;
+}
+
+/// What the first sample beyond the colours is. Files with a fourth sample that do not say what it
+/// is mean premultiplied alpha.
+PixelLayout TIFFReader::alphaLayout() const {
+  uint16_t count = 0;
+  const uint16_t* kinds = nullptr;
+  TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_EXTRASAMPLES, &count, &kinds);
+  const uint16_t kind = count > 0 ? kinds[0] : uint16_t{EXTRASAMPLE_UNSPECIFIED};
+  const auto samples = field<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
+  const bool unnamed = kind == EXTRASAMPLE_UNSPECIFIED && samples == 4 &&
+                       field<uint16_t>(TIFFTAG_PHOTOMETRIC, 0) == PHOTOMETRIC_RGB;
+  if (kind == EXTRASAMPLE_ASSOCALPHA || unnamed) return PixelLayout::premultipliedRGBA;
+  return kind == EXTRASAMPLE_UNASSALPHA ? PixelLayout::straightRGBA : PixelLayout::opaqueRGB;
+}
+
+bool TIFFReader::readPalette(TIFFSampleLayout& layout) const {
+  const uint16_t* maps[3] = {};
+  if (TIFFGetField(tiff_.get(), TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 1) return false;
+  layout.palette.resize(size_t{1} << layout.bits);
+  // Old writers stored bytes.
+  bool wide = false;
+  for (const uint16_t* map : maps) {
+    wide = wide || std::any_of(map, map + layout.palette.size(), [](auto v) { return v > 255; });
+  }
+  for (size_t i = 0; i < layout.palette.size(); ++i) {
+    for (size_t c = 0; c < 3; ++c) {
+      const uint32_t value = maps[c][i];
+      layout.palette[i][c] = static_cast<uint8_t>(wide ? (value * 255 + 32767) / 65535 : value);
+    }
+  }
+  return true;
+}
+
+/// The layout of rows that are unpacked here; nothing for the rarer forms.
+std::optional<TIFFSampleLayout> TIFFReader::sampleLayout() const {
+  const auto whatColor = color();
+  const auto bits = field<uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
+  const auto format = field<uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
+  const auto planes = field<uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  if (!whatColor || bits < 1 || bits > 16 || planes != PLANARCONFIG_CONTIG ||
+      (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_VOID)) {
+    return std::nullopt;
+  }
+  TIFFSampleLayout layout;
+  layout.color = *whatColor;
+  layout.bits = bits;
+  layout.samples = field<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
+  if (layout.samples < layout.colorSamples() || layout.samples > kMaxSamples) return std::nullopt;
+  layout.alpha = layout.samples > layout.colorSamples() && layout.color != TIFFColor::cmyk &&
+                 alphaLayout() != PixelLayout::opaqueRGB;
+  if (layout.color == TIFFColor::palette && !readPalette(layout)) return std::nullopt;
+  return layout;
+}
+
+void TIFFReader::readInfo() {
+  picture_.width = field<uint32_t>(TIFFTAG_IMAGEWIDTH, 0);
+  picture_.height = field<uint32_t>(TIFFTAG_IMAGELENGTH, 0);
+  const int orientation = field<uint16_t>(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+  picture_.orientation = orientation <= ORIENTATION_LEFTBOT ? orientation : ORIENTATION_TOPLEFT;
+  uint32_t length = 0;
+  const uint8_t* profile = nullptr;
+  if (TIFFGetField(tiff_.get(), TIFFTAG_ICCPROFILE, &length, &profile) == 1) {
+    picture_.profile = {profile, length};
+  }
+}
+
+void TIFFReader::readStrips(const TIFFSampleLayout& layout, uint8_t* pixels) {
+  const auto width = static_cast<size_t>(picture_.width);
+  const auto stripRows = std::max<uint32_t>(1, field<uint32_t>(TIFFTAG_ROWSPERSTRIP, UINT32_MAX));
+  std::vector<uint8_t> packed(static_cast<size_t>(TIFFScanlineSize64(tiff_.get())));
+  for (int64_t y = 0; y < picture_.height;) {
+    if (TIFFReadScanline(tiff_.get(), packed.data(), static_cast<uint32_t>(y), 0) < 0) {
+      // The rest of the strip is lost.
+      y = (y / stripRows + 1) * stripRows;
+      continue;
+    }
+    unpackRow(layout, packed.data(), width, pixels + static_cast<size_t>(y) * width * 4);
+    target_.finish(y, y + 1);
+    ++y;
+  }
+}
+
+void TIFFReader::readTiles(const TIFFSampleLayout& layout, uint8_t* pixels) {
+  const int64_t tileWidth = field<uint32_t>(TIFFTAG_TILEWIDTH, 0);
+  const int64_t tileHeight = field<uint32_t>(TIFFTAG_TILELENGTH, 0);
+  const auto rowBytes = static_cast<size_t>(TIFFTileRowSize64(tiff_.get()));
+  std::vector<uint8_t> packed(static_cast<size_t>(TIFFTileSize64(tiff_.get())));
+  for (int64_t top = 0; top < picture_.height; top += tileHeight) {
+    const int64_t bottom = std::min(top + tileHeight, picture_.height);
+    for (int64_t left = 0; left < picture_.width; left += tileWidth) {
+      if (TIFFReadTile(tiff_.get(), packed.data(), static_cast<uint32_t>(left),
+                       static_cast<uint32_t>(top), 0, 0) < 0) {
+        continue;
+      }
+      const auto count = static_cast<size_t>(std::min(tileWidth, picture_.width - left));
+      for (int64_t y = top; y < bottom; ++y) {
+        unpackRow(layout, packed.data() + static_cast<size_t>(y - top) * rowBytes, count,
+                  pixels + static_cast<size_t>(y * picture_.width + left) * 4);
+      }
+    }
+    target_.finish(top, bottom);
+  }
+}
+
+/// The forms that are not unpacked here, as the library shows them.
+void TIFFReader::readThroughLibrary() {
+  char reason[1024] = {};
+  if (TIFFRGBAImageOK(tiff_.get(), reason) != 1) return;
+  static_assert(std::endian::native == std::endian::little, "red is the lowest byte of a pixel");
+  picture_.layout = PixelLayout::premultipliedRGBA;
+  picture_.model = ColorModel::rgb;
+  if (color() == TIFFColor::cmyk) picture_.profile = {};
+  void* const pixels = target_.begin(picture_);
+  if (pixels == nullptr) return;
+  if (TIFFReadRGBAImageOriented(tiff_.get(), static_cast<uint32_t>(picture_.width),
+                                static_cast<uint32_t>(picture_.height),
+                                static_cast<uint32_t*>(pixels), picture_.orientation, 0) == 1) {
+    target_.finish(0, picture_.height);
+  }
+}
+
+/// False when rows or tiles are shorter than their pixels need, or too large.
+bool TIFFReader::piecesFit(const TIFFSampleLayout& layout, bool tiled) const {
+  TIFF* const tiff = tiff_.get();
+  const auto pixels =
+      tiled ? field<uint32_t>(TIFFTAG_TILEWIDTH, 0) : static_cast<uint32_t>(picture_.width);
+  const uint64_t rowBytes = tiled ? TIFFTileRowSize64(tiff) : TIFFScanlineSize64(tiff);
+  const uint64_t piece = tiled ? TIFFTileSize64(tiff) : rowBytes;
+  return rowBytes >= layout.rowBytes(pixels) && piece <= kLargestPiece;
+}
+
+/// Completes the picture's description for rows of a layout.
+void TIFFReader::describe(const TIFFSampleLayout& layout) {
+  if (layout.color == TIFFColor::cmyk) {
+    picture_.model = ColorModel::cmyk;
+    picture_.layout = PixelLayout::cmyk;
+    return;
+  }
+  const bool colored = layout.color == TIFFColor::rgb || layout.color == TIFFColor::palette;
+  picture_.model = colored ? ColorModel::rgb : ColorModel::gray;
+  picture_.layout = layout.alpha ? alphaLayout() : PixelLayout::opaqueRGB;
+}
+
+void TIFFReader::decode() {
+  tiff_ = memory_.open("r", kLargestBlock);
+  if (tiff_ == nullptr) return;
+  readInfo();
+  const bool tiled = TIFFIsTiled(tiff_.get()) != 0;
+  const uint64_t pieces = tiled ? TIFFNumberOfTiles(tiff_.get()) : TIFFNumberOfStrips(tiff_.get());
+  if (pieces > fileBytes_) return;
+  const auto layout = sampleLayout();
+  if (!layout) {
+    readThroughLibrary();
+    return;
+  }
+  if (!piecesFit(*layout, tiled)) return;
+  describe(*layout);
+  uint8_t* const pixels = target_.begin(picture_);
+  if (pixels == nullptr) return;
+  if (tiled) {
+    readTiles(*layout, pixels);
+  } else {
+    readStrips(*layout, pixels);
+  }
+}
+
+}  // namespace
+
+void readTIFF(std::span<const uint8_t> file, PictureTarget& target) {
+  TIFFReader(file, target).decode();
+}
