@@ -12,6 +12,7 @@ namespace {
 // Whatever the text, the path begins with a move and gets finite coordinates only.
 class CheckedPath : public SVGNative::Path {
  public:
+  void Reserve(size_t) override {}
   void Rect(float, float, float, float) override { std::abort(); }
   void RoundedRect(float, float, float, float, float, float) override { std::abort(); }
   void Ellipse(float, float, float, float) override { std::abort(); }

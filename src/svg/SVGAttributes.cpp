@@ -1,7 +1,5 @@
 #include "svg/SVGAttributes.h"
 
-#include <algorithm>
-
 #include "svg/SVGScanner.h"
 
 namespace SVGNative {
@@ -55,12 +53,36 @@ constexpr std::array<std::string_view, kAttributeCount> kNames{"clip-path",
                                                                "y",
                                                                "y1",
                                                                "y2"};
-static_assert(std::is_sorted(kNames.begin(), kNames.end()));
 
+// A perfect hash of the names: its factors were found by trying, and names that collide do not
+// compile.
+constexpr size_t kSlots = 128;
+constexpr uint8_t kNoAttribute = 0xff;
+
+constexpr size_t slotOf(std::string_view name) {
+  const auto byte = [name](size_t i) { return static_cast<size_t>(static_cast<uint8_t>(name[i])); };
+  return (2 * name.size() + 4 * byte(0) + 2 * byte(name.size() - 1) + 7 * byte(name.size() / 2)) %
+         kSlots;
+}
+
+consteval std::array<uint8_t, kSlots> makeSlots() {
+  std::array<uint8_t, kSlots> slots{};
+  slots.fill(kNoAttribute);
+  for (size_t i = 0; i < kNames.size(); ++i) {
+    uint8_t& slot = slots[slotOf(kNames[i])];
+    if (slot != kNoAttribute) throw "two names in one slot";
+    slot = static_cast<uint8_t>(i);
+  }
+  return slots;
+}
+
+constexpr std::array<uint8_t, kSlots> kAttributeSlots = makeSlots();
+
+// `name` is not empty.
 std::optional<Attribute> attributeNamed(std::string_view name) {
-  const auto* found = std::lower_bound(kNames.begin(), kNames.end(), name);
-  if (found == kNames.end() || *found != name) return std::nullopt;
-  return static_cast<Attribute>(found - kNames.begin());
+  const uint8_t index = kAttributeSlots[slotOf(name)];
+  if (index == kNoAttribute || kNames[index] != name) return std::nullopt;
+  return static_cast<Attribute>(index);
 }
 
 // A prefix that the document never declared stays a part of the name.

@@ -9,7 +9,7 @@
 
 namespace SVGNative {
 
-/// The attributes that are read, in the alphabetical order of their names. Everything else
+/// The attributes that are read. Everything else
 /// ("style" and "class" too: style sheets have no effect here) is passed over.
 enum class Attribute : uint8_t {
   clipPath,

@@ -82,7 +82,7 @@ void SVGClipParser::addShape(xml::XMLNode node, const AttributeSet& attributes, 
     ParseGeometry(node.Name(), attributes, content.lengths, *content.path);
     return;
   }
-  const std::unique_ptr<Path> shape = renderer_.CreatePath();
+  const std::shared_ptr<Path> shape = renderer_.CreatePath();
   ParseGeometry(node.Name(), attributes, content.lengths, *shape);
   content.path->AddPath(*shape, transform.get());
 }

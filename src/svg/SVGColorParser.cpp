@@ -1,7 +1,7 @@
 // Colours and paints.
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <optional>
 #include <stdexcept>
 
 #include "svg/SVGNamedColors.h"
@@ -12,11 +12,22 @@ namespace SVGNative::SVGStringParser {
 
 namespace {
 
-std::optional<int64_t> hexDigitValue(char c) {
-  if (isDigit(c)) return c - '0';
-  const char lower = toLower(c);
-  if (lower >= 'a' && lower <= 'f') return lower - 'a' + 10;
-  return std::nullopt;
+constexpr int8_t kNoDigit = -1;
+
+constexpr std::array<int8_t, 256> makeHexDigits() {
+  std::array<int8_t, 256> digits{};
+  digits.fill(kNoDigit);
+  for (int8_t i = 0; i < 16; ++i) {
+    digits[static_cast<uint8_t>("0123456789abcdef"[i])] = i;
+    digits[static_cast<uint8_t>("0123456789ABCDEF"[i])] = i;
+  }
+  return digits;
+}
+
+constexpr std::array<int8_t, 256> kHexDigits = makeHexDigits();
+
+int hexDigitValue(char c) {
+  return kHexDigits[static_cast<uint8_t>(c)];
 }
 
 // The standard conversion (std::stoi, base 16) on a range of bytes: leading whitespace of the
@@ -28,18 +39,18 @@ int64_t hexInteger(Cursor cursor) {
   const bool negative = cursor.at('-');
   if (negative || cursor.at('+')) ++cursor.pos;
   if (cursor.end - cursor.pos > 2 && cursor.pos[0] == '0' && toLower(cursor.pos[1]) == 'x' &&
-      hexDigitValue(cursor.pos[2])) {
+      hexDigitValue(cursor.pos[2]) != kNoDigit) {
     cursor.pos += 2;
   }
-  if (cursor.atEnd() || !hexDigitValue(*cursor.pos)) {
+  if (cursor.atEnd() || hexDigitValue(*cursor.pos) == kNoDigit) {
     throw std::invalid_argument("colour without hexadecimal digits");
   }
   constexpr int64_t kTooLarge = int64_t{1} << 32;
   int64_t value = 0;
   for (; !cursor.atEnd() && value < kTooLarge; ++cursor.pos) {
-    const std::optional<int64_t> digit = hexDigitValue(*cursor.pos);
-    if (!digit) break;
-    value = value * 16 + *digit;
+    const int digit = hexDigitValue(*cursor.pos);
+    if (digit == kNoDigit) break;
+    value = value * 16 + digit;
   }
   return negative ? -value : value;
 }

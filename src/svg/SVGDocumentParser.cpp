@@ -34,7 +34,7 @@ constexpr EncodingPrefix kEncodingPrefixes[] = {
 };
 
 // Null for references to anything but a picture inside the text.
-std::unique_ptr<ImageData> createImage(std::string_view reference, SVGRenderer& renderer) {
+std::shared_ptr<ImageData> createImage(std::string_view reference, SVGRenderer& renderer) {
   for (const auto& [prefix, encoding] : kEncodingPrefixes) {
     if (!reference.starts_with(prefix)) continue;
     return renderer.CreateImageData(reference.substr(prefix.size()), encoding);

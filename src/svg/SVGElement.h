@@ -83,7 +83,7 @@ struct Graphic : Element {
 
 struct Image : Element {
   void Accept(ElementVisitor& visitor) const override { visitor.Visit(*this); }
-  std::unique_ptr<const ImageData> image;
+  std::shared_ptr<const ImageData> image;
   Rect clipArea;
   Rect fillArea;
 };

@@ -43,6 +43,8 @@ class Transform {
 class Path {
  public:
   virtual ~Path() = default;
+  /// Announces about how many points will be added; a hint.
+  virtual void Reserve(size_t points) = 0;
   virtual void Rect(float x, float y, float width, float height) = 0;
   /// Radii of at most half the sides.
   virtual void RoundedRect(float x, float y, float width, float height, float rx, float ry) = 0;
@@ -129,10 +131,10 @@ class SVGRenderer {
 
   /// `base64` is the text after the comma of a "data:" URL. Never null: undecodable data gives an
   /// image without a picture.
-  virtual std::unique_ptr<ImageData> CreateImageData(std::string_view base64,
+  virtual std::shared_ptr<ImageData> CreateImageData(std::string_view base64,
                                                      ImageEncoding encoding) = 0;
-  virtual std::unique_ptr<Path> CreatePath() = 0;
-  virtual std::unique_ptr<Transform> CreateTransform() = 0;
+  virtual std::shared_ptr<Path> CreatePath() = 0;
+  virtual std::shared_ptr<Transform> CreateTransform() = 0;
 
   /// Opens a group: everything until the matching Restore is drawn with the style.
   virtual void Save(const GraphicStyleImpl& style) = 0;

@@ -1,33 +1,14 @@
 #include "svg/SVGScanner.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
+
+#include "svg/SVGShortNumber.h"
 
 namespace SVGNative {
 
 namespace {
-
-// Ten to the 38th is the largest power of ten in single precision: later digits add nothing.
-constexpr int kFractionDigits = 38;
-using FractionTable = std::array<std::array<float, 10>, kFractionDigits>;
-
-// Entry [k][d] is d / 10^(k+1).
-constexpr FractionTable makeFractionTable() {
-  FractionTable table{};
-  float scale = 1.0f;
-  for (auto& row : table) {
-    scale *= 10.0f;
-    for (int digit = 0; digit < 10; ++digit) {
-      row[static_cast<size_t>(digit)] = static_cast<float>(digit) / scale;
-    }
-  }
-  return table;
-}
-
-constexpr FractionTable kFraction = makeFractionTable();
 
 unsigned digitValue(char c) {
   return static_cast<unsigned>(c - '0');
@@ -38,13 +19,7 @@ bool digitAt(const Cursor& cursor) {
 }
 
 float scanInteger(Cursor& cursor) {
-  // Seven digits are exact in single precision, so whole numbers can do the first ones.
-  const char* exactEnd = cursor.pos + std::min<std::ptrdiff_t>(7, cursor.end - cursor.pos);
-  uint32_t exact = 0;
-  for (; cursor.pos != exactEnd && isDigit(*cursor.pos); ++cursor.pos) {
-    exact = exact * 10 + digitValue(*cursor.pos);
-  }
-  auto value = static_cast<float>(exact);
+  float value = 0.0f;
   for (; digitAt(cursor); ++cursor.pos) {
     value = value * 10.0f + static_cast<float>(digitValue(*cursor.pos));
   }
@@ -84,7 +59,7 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
                                                    [](char a, char b) { return toLower(a) == b; });
 }
 
-bool scanNumber(Cursor& cursor, float& number) {
+bool scanAnyNumber(Cursor& cursor, float& number) {
   Cursor scan = cursor;
   const bool negative = scan.at('-');
   if (negative || scan.at('+')) ++scan.pos;

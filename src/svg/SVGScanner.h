@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
+
+#include "svg/SVGShortNumber.h"
 
 /// What every value parser is built from: a position in a text, and functions that move it on.
 namespace SVGNative {
@@ -73,6 +76,19 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower);
 /// by a digit, an exponent letter by an (optionally signed) digit, and the value must be finite.
 /// The arithmetic is single precision, digit by digit. On success the cursor stands on the first
 /// byte that does not belong to the number; on failure it does not move.
-bool scanNumber(Cursor& cursor, float& number);
+inline bool scanNumber(Cursor& cursor, float& number);
+
+/// The same for numbers of every kind, byte by byte.
+bool scanAnyNumber(Cursor& cursor, float& number);
+
+inline bool scanNumber(Cursor& cursor, float& number) {
+  constexpr ptrdiff_t kReadable = 9;
+  if (cursor.end - cursor.pos >= kReadable) {
+    const int length = scanShortNumber(cursor.pos, number);
+    cursor.pos += length;
+    if (length != 0) return true;
+  }
+  return scanAnyNumber(cursor, number);
+}
 
 }  // namespace SVGNative

@@ -72,6 +72,7 @@ bool addPoints(const ShapeReader& read) {
       numbers.size() < 2) {
     return false;
   }
+  read.path.Reserve(numbers.size() / 2);
   read.path.MoveTo(numbers[0], numbers[1]);
   for (size_t i = 2; i + 1 < numbers.size(); i += 2) read.path.LineTo(numbers[i], numbers[i + 1]);
   return true;
@@ -85,8 +86,12 @@ void parsePolygon(const ShapeReader& read) {
   if (addPoints(read)) read.path.ClosePath();
 }
 
+// Drawing programs write a dozen bytes for a point.
 void parsePath(const ShapeReader& read) {
-  SVGStringParser::ParsePathString(read.attributes.text(Attribute::d), read.path);
+  constexpr size_t kBytesPerPoint = 12;
+  const std::string_view data = read.attributes.text(Attribute::d);
+  read.path.Reserve(data.size() / kBytesPerPoint);
+  SVGStringParser::ParsePathString(data, read.path);
 }
 
 struct Shape {

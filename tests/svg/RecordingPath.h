@@ -11,6 +11,7 @@
 /// Writes down the calls it gets, as path data with absolute coordinates; shapes as "R", "RR", "E".
 class RecordingPath : public SVGNative::Path {
  public:
+  void Reserve(size_t) override {}
   void Rect(float x, float y, float w, float h) override {
     add("R", {x, y, w, h});
     addPoint(x, y);

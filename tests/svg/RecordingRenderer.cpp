@@ -107,10 +107,10 @@ std::string write(const Rect& rect) {
 
 }  // namespace
 
-std::unique_ptr<ImageData> RecordingRenderer::CreateImageData(std::string_view base64,
+std::shared_ptr<ImageData> RecordingRenderer::CreateImageData(std::string_view base64,
                                                               ImageEncoding encoding) {
   lines.push_back(encoding == ImageEncoding::png ? "png" : "jpeg");
-  return std::make_unique<RecordingImage>(base64);
+  return std::make_shared<RecordingImage>(base64);
 }
 
 void RecordingRenderer::Save(const GraphicStyleImpl& style) {

@@ -13,13 +13,13 @@
 ///   save OPACITY [matrix] [clip], restore, path ..., image ...
 class RecordingRenderer : public SVGNative::SVGRenderer {
  public:
-  std::unique_ptr<SVGNative::ImageData> CreateImageData(std::string_view base64,
+  std::shared_ptr<SVGNative::ImageData> CreateImageData(std::string_view base64,
                                                         SVGNative::ImageEncoding encoding) override;
-  std::unique_ptr<SVGNative::Path> CreatePath() override {
-    return std::make_unique<RecordingPath>();
+  std::shared_ptr<SVGNative::Path> CreatePath() override {
+    return std::make_shared<RecordingPath>();
   }
-  std::unique_ptr<SVGNative::Transform> CreateTransform() override {
-    return std::make_unique<RecordingTransform>();
+  std::shared_ptr<SVGNative::Transform> CreateTransform() override {
+    return std::make_shared<RecordingTransform>();
   }
   void Save(const SVGNative::GraphicStyleImpl& style) override;
   void Restore() override { lines.push_back("restore"); }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdlib>
 #include <limits>
 #include <optional>
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "svg/SVGScanner.h"
 #include "svg/SVGStringParser.h"
 
 using namespace SVGNative;
@@ -125,6 +127,27 @@ TEST(NumberArithmeticTest, StaysNearTheTrueValueOnRandomTexts) {
     const double expected = std::strtod(text.c_str(), nullptr);
     EXPECT_NEAR(value, expected, std::abs(expected) * 1e-6) << text;
   }
+}
+
+// Random texts of the bytes that matter, read the short way and byte by byte.
+TEST(NumberArithmeticTest, ShortNumbersAreReadAsAllOthers) {
+  constexpr std::string_view kBytes = "0123456789012345678900..--+eE, %x";
+  std::mt19937 random(11);
+  int shortOnes = 0;
+  for (int i = 0; i < 300000; ++i) {
+    std::string text(12, ' ');
+    for (char& c : text) c = kBytes[random() % kBytes.size()];
+    float number = -1.0f;
+    const int length = scanShortNumber(text.data(), number);
+    if (length == 0) continue;
+    ++shortOnes;
+    Cursor cursor(text);
+    float expected = -2.0f;
+    ASSERT_TRUE(scanAnyNumber(cursor, expected)) << text;
+    ASSERT_EQ(cursor.pos - text.data(), length) << text;
+    ASSERT_EQ(std::bit_cast<uint32_t>(number), std::bit_cast<uint32_t>(expected)) << text;
+  }
+  EXPECT_GT(shortOnes, 50000);
 }
 
 TEST(NumberArithmeticTest, AnyNumberOfDigitsIsRead) {

@@ -114,3 +114,13 @@ bool isASCII(std::string_view text) {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return static_cast<uint8_t>(c) < 128; });
 }
+
+bool isUTF8(std::string_view text) {
+  while (!text.empty()) {
+    const Sequence s = firstCharacter(text);
+    const bool broken = s.character == kReplacement && s.length == 1;
+    if (broken || isHighSurrogate(s.character) || isLowSurrogate(s.character)) return false;
+    text.remove_prefix(s.length);
+  }
+  return true;
+}

@@ -19,3 +19,5 @@ std::u16string utf16FromUTF8(std::string_view utf8);
 size_t utf16Length(std::string_view utf8);
 /// True when every byte is below 128.
 bool isASCII(std::string_view text);
+/// True for UTF-8 as the standard has it: no surrogates, no longer forms than needed.
+bool isUTF8(std::string_view text);

@@ -3,6 +3,11 @@
 #include "platform/graphics/PathShapes.h"
 #include "platform/graphics/pixels/PathBounds.h"
 
+void CGPath::reserve(size_t elements, size_t points) {
+  data_.verbs.reserve(elements);
+  data_.points.reserve(points);
+}
+
 void CGPath::addLineToPoint(CGPoint p) {
   if (data_.empty()) return data_.move(p);
   data_.line(p);
@@ -24,6 +29,10 @@ void CGPath::closeSubpath() {
 
 void CGPath::addRect(const CGRect& r) {
   appendRect(data_, r);
+}
+
+void CGPath::addRoundedRect(const CGRect& r, CGFloat cornerWidth, CGFloat cornerHeight) {
+  appendRoundedRect(data_, r, cornerWidth, cornerHeight);
 }
 
 void CGPath::addEllipseInRect(const CGRect& r) {

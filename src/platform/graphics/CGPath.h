@@ -9,6 +9,8 @@ class CGPath {
   explicit CGPath(PathData data) : data_(std::move(data)) {}
 
   const PathData& data() const { return data_; }
+  /// Makes room for that many elements and points in all.
+  void reserve(size_t elements, size_t points);
   bool isEmpty() const { return data_.empty(); }
 
   void moveToPoint(CGPoint p) { data_.move(p); }
@@ -20,6 +22,9 @@ class CGPath {
 
   /// Counter-clockwise from the origin, closed.
   void addRect(const CGRect& r);
+  /// From the left end of the top edge, counter-clockwise, closed; radii are clamped to half the
+  /// sides, and a zero radius gives the plain rectangle.
+  void addRoundedRect(const CGRect& r, CGFloat cornerWidth, CGFloat cornerHeight);
   /// Four cubics, counter-clockwise from (maxX, midY), closed.
   void addEllipseInRect(const CGRect& r);
   void addPath(const CGPath& other, const CGAffineTransform& transform = {});

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/graphics/CGContext.h"
+#include "svg/CGSVGPath.h"
+#include "svg/SVGRenderer.h"
+
+namespace SVGNative {
+
+/// Draws onto a drawing context. The context's y axis points up: give it a transform that turns it
+/// before drawing a document.
+class CGSVGRenderer : public SVGRenderer {
+ public:
+  /// Keeps the context until it gets another one, or null. Drawing without a context is a mistake
+  /// of the caller: Save ends the process, DrawPath and DrawImage do nothing.
+  void SetGraphicsContext(std::shared_ptr<CGContext> context);
+
+  std::shared_ptr<ImageData> CreateImageData(std::string_view base64,
+                                             ImageEncoding encoding) override;
+  std::shared_ptr<Path> CreatePath() override;
+  std::shared_ptr<Transform> CreateTransform() override;
+
+  void Save(const GraphicStyleImpl& style) override;
+  void Restore() override;
+  void DrawPath(const Path& path, const GraphicStyleImpl& graphicStyle,
+                const FillStyleImpl& fillStyle, const StrokeStyleImpl& strokeStyle) override;
+  void DrawImage(const ImageData& image, const GraphicStyleImpl& graphicStyle, const Rect& clipArea,
+                 const Rect& fillArea) override;
+  /// Not supported: throws.
+  Rect GetBounds(const std::function<void()>& draw) override;
+
+ private:
+  enum class Layering { never, whenTranslucent };
+  void save(const GraphicStyleImpl& style, Layering layering);
+  void clipTo(const ClippingPath& clip);
+  void fill(const CGSVGPath& path, const FillStyleImpl& style);
+  void stroke(const CGSVGPath& path, const StrokeStyleImpl& style);
+  void fillWithGradient(const PathData& path, WindingRule rule, const GradientImpl& gradient,
+                        float opacity);
+  void DrawGradientToContext(const GradientImpl& gradient, float opacity);
+
+  std::shared_ptr<CGContext> context_;
+  std::vector<bool> layers_;  // for each Save, whether it began a transparency layer
+  int openLayers_ = 0;
+};
+
+}  // namespace SVGNative
