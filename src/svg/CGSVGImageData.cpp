@@ -1,8 +1,28 @@
 #include "svg/CGSVGImageData.h"
 
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/graphics/codecs/ImageDecoder.h"
+#include "svg/Base64.h"
+
 namespace SVGNative {
 
-CGSVGImageData::CGSVGImageData(std::string_view /*base64*/, ImageEncoding /*encoding*/) {}
+namespace {
+
+std::shared_ptr<NSBitmapImageRep> decode(std::string_view base64, ImageEncoding encoding) {
+  const std::string text = base64_decode(base64);
+  const std::span<const uint8_t> file(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+  const ImageFormat expected =
+      encoding == ImageEncoding::png ? ImageFormat::png : ImageFormat::jpeg;
+  return imageFormatOf(file) == expected ? decodeImage(file) : nullptr;
+}
+
+}  // namespace
+
+CGSVGImageData::CGSVGImageData(std::string_view base64, ImageEncoding encoding)
+    : bitmap_(decode(base64, encoding)) {}
 
 float CGSVGImageData::Width() const {
   return bitmap_ == nullptr ? 0.0f : static_cast<float>(bitmap_->pixelsWide());

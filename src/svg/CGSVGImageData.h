@@ -8,15 +8,14 @@
 
 namespace SVGNative {
 
-/// A PNG or JPEG picture of a "data:" URL. There are no decoders in the drawing layer yet, so that
-/// every image is one without a picture: it measures 0 by 0 and draws nothing.
+/// A PNG or JPEG picture of a "data:" URL.
 class CGSVGImageData : public ImageData {
  public:
   CGSVGImageData(std::string_view base64, ImageEncoding encoding);
 
   float Width() const override;
   float Height() const override;
-  /// Null without a picture.
+  /// Null when the text does not decode to a picture of that encoding.
   const std::shared_ptr<NSBitmapImageRep>& bitmap() const { return bitmap_; }
 
  private:

@@ -4,7 +4,9 @@
 #include <string>
 
 #include "platform/foundation/NSData.h"
+#include "platform/graphics/codecs/PNGEncoder.h"
 #include "support/Bitmaps.h"
+#include "svg/Base64.h"
 #include "svg/ZTSVGTool.h"
 
 namespace {
@@ -134,6 +136,30 @@ TEST(ZTSVGToolTest, DamagedPicturesKeepWhatTheyShow) {
   ASSERT_NE(bitmap, nullptr);
   EXPECT_EQ(pixelAt(*bitmap, 0, 0), kRed);
   EXPECT_EQ(pixelAt(*bitmap, 3, 3), kNothing);
+}
+
+// An upright picture: its upper half is red, its lower half half-transparent blue.
+TEST(ZTSVGToolTest, EmbeddedPictures) {
+  const auto picture = makeBitmap(4, 4, [](int64_t, int64_t y) {
+    return y < 2 ? Pixel{255, 0, 0, 255} : Pixel{0, 0, 128, 128};
+  });
+  const std::vector<uint8_t> png = encodePNG(*picture);
+  const std::string base64 = base64_encode(png.data(), static_cast<uint32_t>(png.size()));
+  const auto drawn = [&](const std::string& prefix) {
+    return image("<svg width='8' height='8'><image x='2' y='2' width='4' height='4' href='" +
+                     prefix + base64 + "'/></svg>",
+                 NSZeroSize, false);
+  };
+  const auto bitmap = drawn("data:image/png;base64,");
+  ASSERT_NE(bitmap, nullptr);
+  EXPECT_EQ(pixelAt(*bitmap, 1, 2), kNothing);
+  EXPECT_EQ(pixelAt(*bitmap, 2, 2), kRed);
+  EXPECT_EQ(pixelAt(*bitmap, 5, 3), kRed);
+  EXPECT_EQ(pixelAt(*bitmap, 2, 4), (Pixel{0, 0, 128, 128}));
+  EXPECT_EQ(pixelAt(*bitmap, 5, 5), (Pixel{0, 0, 128, 128}));
+  EXPECT_EQ(pixelAt(*bitmap, 6, 6), kNothing);
+  // A PNG file that says it is a JPEG one is no picture.
+  EXPECT_EQ(pixelAt(*drawn("data:image/jpeg;base64,"), 3, 3), kNothing);
 }
 
 TEST(ZTSVGToolTest, ThereIsNoSystemRenderer) {
