@@ -68,8 +68,7 @@ std::shared_ptr<NSParagraphStyle> paragraphStyle(Bytes& bytes) {
   NSParagraphStyle::TabStops stops;
   for (int count = bytes.next() % 8; count > 0; --count) {
     const auto type = static_cast<NSTextTabType>(bytes.next() % 4);
-    const double location = bytes.length();
-    if (!std::isnan(location)) stops.push_back(std::make_shared<NSTextTab>(type, location));
+    stops.push_back(std::make_shared<NSTextTab>(type, bytes.length()));
   }
   style->setTabStops(std::move(stops));
   return style;

@@ -1,5 +1,6 @@
 #include "platform/text/NSFont.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <functional>
@@ -11,6 +12,7 @@
 #include "platform/text/FontRegistry.h"
 #include "platform/text/HostFonts.h"
 #include "platform/text/NSFontDescriptor.h"
+#include "platform/text/TextLengths.h"
 
 namespace {
 
@@ -25,9 +27,12 @@ constexpr int32_t kSystemFlag = 0x400;
 constexpr int32_t kBoldSystemFlag = 0x800;
 
 constexpr size_t kMatrixBytes = 6 * sizeof(float);
+/// Larger factors are damaged values; together with the largest size they would leave the range of
+/// glyph positions.
+constexpr double kMaxMatrixFactor = 1000;
 
 CGFloat usableSize(CGFloat size) {
-  return std::isfinite(size) && size > 0 ? size : kDefaultSize;
+  return std::isfinite(size) && size > 0 ? std::min(size, kMaxLayoutLength) : kDefaultSize;
 }
 
 const char* nameForFlags(int32_t flags) {
@@ -42,7 +47,7 @@ CGAffineTransform unitMatrix(std::span<const uint8_t> bytes, CGFloat size) {
   double m[6];
   for (size_t i = 0; i < 6; ++i) {
     m[i] = loadBigEndianFloat(bytes.data() + 4 * i) / size;
-    if (!std::isfinite(m[i])) return {};
+    if (!(std::abs(m[i]) <= kMaxMatrixFactor)) return {};
   }
   const CGAffineTransform matrix{m[0], m[1], m[2], m[3], m[4], m[5]};
   return CGAffineTransformDeterminant(matrix) == 0 ? CGAffineTransform{} : matrix;

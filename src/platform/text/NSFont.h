@@ -35,7 +35,7 @@ class NSFont : public NSObject {
   static const std::shared_ptr<const NSFont>& defaultFont();
 
   const std::string& fontName() const { return name_; }
-  /// Always above 0 and finite: other sizes mean 12.
+  /// Above 0 and at most 1e9: larger sizes are cut to that, other ones mean 12.
   CGFloat pointSize() const { return size_; }
   std::string familyName() const;
   std::shared_ptr<NSFontDescriptor> fontDescriptor() const;

@@ -1,8 +1,7 @@
 #include "platform/text/NSTextTab.h"
 
-#include <cmath>
-
 #include "platform/foundation/NSCoder.h"
+#include "platform/text/TextLengths.h"
 
 namespace {
 
@@ -25,9 +24,11 @@ NSTextTabType typeOfNumber(int32_t number) {
 
 const NSClass NSTextTab::kClass{"NSTextTab", &NSObject::kClass, NSAllocate<NSTextTab>};
 
+NSTextTab::NSTextTab(NSTextTabType type, CGFloat location)
+    : type_(type), location_(layoutLength(location)) {}
+
 bool NSTextTab::initWithCoder(NSCoder& coder) {
-  location_ = coder.decodeDoubleForKey("NSLocation");
-  if (std::isnan(location_)) location_ = 0;
+  location_ = layoutLength(coder.decodeDoubleForKey("NSLocation"));
   type_ = typeOfNumber(coder.decodeIntForKey("NSType"));
   // Newer systems write an alignment, and a decimal tab as a right one with a column terminator.
   if (coder.containsValueForKey("NSTextAlignment") && type_ != NSTextTabType::decimal) {

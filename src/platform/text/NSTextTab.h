@@ -22,10 +22,10 @@ class NSTextTab : public NSObject {
   static const NSClass kClass;
 
   NSTextTab() = default;
-  NSTextTab(NSTextTabType type, CGFloat location) : type_(type), location_(location) {}
+  NSTextTab(NSTextTabType type, CGFloat location);
 
   NSTextTabType tabStopType() const { return type_; }
-  /// Points from the edge where lines start.
+  /// Points from the edge where lines start; never NaN, and within what layout can reckon with.
   CGFloat location() const { return location_; }
 
   const NSClass& classInfo() const override { return kClass; }

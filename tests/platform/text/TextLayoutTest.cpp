@@ -480,7 +480,7 @@ TEST_F(TextLayoutTest, SizesThatAreNoSizesDoNoHarm) {
       s.setLineSpacing(value);
       s.setMinimumLineHeight(value);
       s.setDefaultTabInterval(value);
-      s.setTabStops({});
+      s.setTabStops(stops({{NSTextTabType::left, value}, {NSTextTabType::right, 5}}));
     };
     const TextLayout layout = layoutBoxes(u"aa\tbb\ncc", 20, odd);
     for (const PlacedLine& line : layout.lines) {
