@@ -16,13 +16,5 @@ class DrawImage : public DrawRectangle {
   std::shared_ptr<NSBitmapImageRep> image_;
 };
 
-/// Legacy filter draw.
-class DrawFilter : public DrawImage {
- public:
-  static const NSClass kClass;
-  const NSClass& classInfo() const override { return kClass; }
-  std::shared_ptr<DrawImage2> convertedDraw() const override;
-};
-
 /// The replacement of a draw whose class is exactly one of the legacy classes; null for all others.
 std::shared_ptr<DrawBase> convertedLegacyDraw(const std::shared_ptr<DrawBase>& draw);

@@ -16,17 +16,12 @@ class DrawImage2 : public DrawRoundRectangle {
   static std::shared_ptr<DrawImage2> initWithImage(std::shared_ptr<NSBitmapImageRep> image);
   /// The bitmap; may be null.
   virtual std::shared_ptr<NSBitmapImageRep> image() { return _image; }
-  void setImage(std::shared_ptr<NSBitmapImageRep> image) { _image = std::move(image); }
+  virtual void setImage(std::shared_ptr<NSBitmapImageRep> image) { _image = std::move(image); }
+  /// What the draw shows; may be null.
+  virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image(); }
 
  protected:
   std::shared_ptr<NSBitmapImageRep> _image;
-};
-
-/// A filtered part of what lies beneath.
-class DrawFilter2 : public DrawImage2 {
- public:
-  static const NSClass kClass;
-  const NSClass& classInfo() const override { return kClass; }
 };
 
 /// The first page of a PDF document.

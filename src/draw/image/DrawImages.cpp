@@ -1,11 +1,10 @@
+#include "draw/image/DrawFilter.h"
 #include "draw/image/DrawImage.h"
 #include "draw/image/DrawImage2.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 
 const NSClass DrawImage::kClass{"DrawImage", &DrawRectangle::kClass, NSAllocate<DrawImage>};
-const NSClass DrawFilter::kClass{"DrawFilter", &DrawImage::kClass, NSAllocate<DrawFilter>};
 const NSClass DrawImage2::kClass{"DrawImage2", &DrawRoundRectangle::kClass, NSAllocate<DrawImage2>};
-const NSClass DrawFilter2::kClass{"DrawFilter2", &DrawImage2::kClass, NSAllocate<DrawFilter2>};
 const NSClass DrawPDF::kClass{"DrawPDF", &DrawImage2::kClass, NSAllocate<DrawPDF>};
 const NSClass DrawSVG::kClass{"DrawSVG", &DrawImage2::kClass, NSAllocate<DrawSVG>};
 
@@ -22,13 +21,6 @@ std::shared_ptr<DrawImage2> DrawImage2::initWithImage(std::shared_ptr<NSBitmapIm
 
 std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
   auto draw = DrawImage2::initWithImage(image_);
-  draw->copyCommonAttributesFrom(*this);
-  return draw;
-}
-
-std::shared_ptr<DrawImage2> DrawFilter::convertedDraw() const {
-  auto draw = std::make_shared<DrawFilter2>();
-  draw->init();
   draw->copyCommonAttributesFrom(*this);
   return draw;
 }

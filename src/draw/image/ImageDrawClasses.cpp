@@ -1,5 +1,7 @@
 #include "draw/image/ImageDrawClasses.h"
 
+#include "draw/image/DrawFilter.h"
+#include "draw/image/DrawFilter2.h"
 #include "draw/image/DrawImage.h"
 #include "draw/image/DrawImage2.h"
 
