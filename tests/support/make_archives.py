@@ -8,8 +8,10 @@ them stands in the tests.
 import base64
 import os
 import plistlib
+import struct
 import subprocess
 import sys
+import zlib
 
 import icc_profiles
 import keyed_archive
@@ -129,6 +131,7 @@ def good():
     a.top = {"color": a.color((1, 0, 0)), "list": a.array([1, "two"]), "nil": None, "n": 3}
     plain = a.to_bytes()
     yield "colors", colors()
+    yield "pictures", pictures()
     yield "through_xml", through_xml(plain)
     yield "rewritten", subprocess.run(
         ["plistutil", "-i", "-", "-o", "-", "-f", "bin"], check=True, capture_output=True,
@@ -205,6 +208,39 @@ def colors():
         "icc truncated": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=adobe[:200]),
         "icc header": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=adobe[:20]),
         "icc empty": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=b"")}
+    return a.to_bytes()
+
+
+def pictures():
+    """Bitmaps and pictures in the forms of several writers: one red pixel, or two blue ones."""
+    a = KeyedArchive()
+    red = keyed_archive.tiff_rgba(1, 1, b"\xff\0\0\xff")
+    blue = keyed_archive.tiff_rgba(2, 1, b"\0\0\xff\xff" * 2, premultiplied=False)
+    chunk = lambda name, body: (struct.pack(">I", len(body)) + name + body +
+                                struct.pack(">I", zlib.crc32(name + body)))
+    png = (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">2I5B", 1, 1, 8, 2, 0, 0, 0)) +
+           chunk(b"IDAT", zlib.compress(b"\0\xff\0\0")) + chunk(b"IEND", b""))
+    kind = lambda name: [name, "NSImageRep", "NSObject"]
+    rep = lambda name, **fields: a.obj(kind(name), fields)
+    a.top = {
+        "bitmap": a.bitmap(red), "with direction": a.bitmap(blue, 0),
+        "inline": rep("NSBitmapImageRep", NSTIFFRepresentation=red),
+        "png": rep("NSBitmapImageRep", NSTIFFRepresentation=a.mutable_data(png)),
+        "other key": rep("NSBitmapImageRep", Picture=a.data(red), Size=7),
+        "cached": rep("NSCachedImageRep", NSTIFFRepresentation=a.data(red), NSCacheWindowBPS=8,
+                      NSCacheWindowColorSpace=a.add("NSCalibratedRGBColorSpace")),
+        "no picture": rep("NSBitmapImageRep", NSTIFFRepresentation=a.data(b"MM\0*nothing")),
+        "cut": a.bitmap(red[:40]), "nothing": rep("NSBitmapImageRep"),
+        "image": a.image([a.bitmap(red)], (1, 1)),
+        "image of two": a.image([a.bitmap(red), a.bitmap(blue)], (1, 1)),
+        "image, flat": a.obj(["NSImage", "NSObject"], {"NSReps": a.array([a.bitmap(blue)])}),
+        "image with data": a.obj(["NSImage", "NSObject"], {"NSImageData": a.data(red)}),
+        "image by name": a.obj(["NSImage", "NSObject"], {"NSName": a.add("NSUser")}),
+        "image of a page": a.image([rep("NSPDFImageRep", NSPDFData=a.data(b"%PDF-1.4"))]),
+        "image in itself": a.reserve(),
+        "pattern": a.pattern_color(a.image([a.bitmap(red)], (1, 1)))}
+    loop = a.top["image in itself"]
+    a.fill(loop, ["NSImage", "NSObject"], {"NSReps": a.array([a.array([0, loop])])})
     return a.to_bytes()
 
 

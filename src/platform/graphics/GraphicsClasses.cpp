@@ -6,6 +6,7 @@
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSColorSpace.h"
 #include "platform/graphics/NSGradient.h"
+#include "platform/graphics/NSImage.h"
 #include "platform/graphics/NSShadow.h"
 
 void registerGraphicsClasses() {
@@ -13,8 +14,9 @@ void registerGraphicsClasses() {
     static constexpr const NSClass* kClasses[] = {&NSAffineTransform::kClass, &NSBezierPath::kClass,
                                                   &NSBitmapImageRep::kClass,  &NSColor::kClass,
                                                   &NSColorSpace::kClass,      &NSGradient::kClass,
-                                                  &NSShadow::kClass};
+                                                  &NSShadow::kClass,          &NSImage::kClass};
     NSRegisterClasses(kClasses);
+    NSRegisterClasses(otherImageRepClasses());
     return true;
   }();
   static_cast<void>(registered);

@@ -3,9 +3,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/NSObject.h"
+
+class NSData;
+
+/// Picture formats by the numbers that callers use.
+enum class NSBitmapImageFileType : uint8_t { TIFF = 0, JPEG = 3, PNG = 4 };
 
 /// A half-open range of rows, counted from the top.
 struct RowRange {
@@ -34,7 +40,24 @@ class NSBitmapImageRep : public NSObject {
   NSBitmapImageRep& operator=(const NSBitmapImageRep&) = delete;
   ~NSBitmapImageRep() override;
 
+  /// The picture in a PNG, JPEG, TIFF or WebP file: sRGB, upright, hasAlpha as in the file. Null
+  /// when the data is none or too large.
+  static std::shared_ptr<NSBitmapImageRep> imageRepWithData(const NSData& data);
+
+  /// The bitmap as a file; null when it has no pixels or the format cannot hold it. The factor (0
+  /// to 1) is JPEG's quality; JPEG shows translucent pixels over black.
+  std::shared_ptr<NSData> representationUsingType(NSBitmapImageFileType type,
+                                                  double compressionFactor = 0.9) const;
+  std::shared_ptr<NSData> TIFFRepresentation() const {
+    return representationUsingType(NSBitmapImageFileType::TIFF);
+  }
+
   const NSClass& classInfo() const override { return kClass; }
+  /// The record holds the bitmap as a TIFF file, or as any other picture that decodes; false when
+  /// it holds none.
+  bool initWithCoder(NSCoder& coder) override;
+  /// Throws NSException (NSInvalidArchiveOperationException) for a bitmap without representation.
+  void encodeWithCoder(NSCoder& coder) const override;
 
   int64_t pixelsWide() const { return width_; }
   int64_t pixelsHigh() const { return height_; }
@@ -66,6 +89,7 @@ class NSBitmapImageRep : public NSObject {
  private:
   NSBitmapImageRep(int64_t width, int64_t height, uint8_t* data)
       : width_(width), height_(height), data_(data) {}
+  void takePixels(NSBitmapImageRep& other);
   size_t byteCount() const { return bytesPerRow() * static_cast<size_t>(height_); }
 
   int64_t width_ = 0;
@@ -74,3 +98,7 @@ class NSBitmapImageRep : public NSObject {
   RowRange used_;
   bool hasAlpha_ = true;
 };
+
+/// Other representations of pictures that archives name. Those that hold a picture this engine
+/// decodes become bitmaps; the rest (pages, drawing code) decode to nil.
+std::span<const NSClass* const> otherImageRepClasses();
