@@ -1,5 +1,7 @@
 #include "common/Documents.h"
 
+#include <unistd.h>
+
 #include <system_error>
 
 #include "platform/foundation/FileWriting.h"
@@ -12,13 +14,24 @@ std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
 }
 
 LoadedDocument loadDocument(const NSURL& file) {
-  LoadedDocument loaded;
   std::error_code error;
-  const auto data = NSData::dataWithContentsOfURL(file, &error);
-  if (data == nullptr) {
-    loaded.reason = error.message();
-    return loaded;
-  }
+  if (const auto data = NSData::dataWithContentsOfURL(file, &error)) return loadDocument(data);
+  LoadedDocument unreadable;
+  unreadable.reason = error.message();
+  return unreadable;
+}
+
+std::shared_ptr<NSData> readInput(const std::string& argument, std::string* reason) {
+  std::error_code error;
+  auto data = argument == "-"
+                  ? NSData::dataWithContentsOfDescriptor(STDIN_FILENO, &error)
+                  : NSData::dataWithContentsOfURL(*fileURLFromArgument(argument), &error);
+  if (data == nullptr) *reason = error.message();
+  return data;
+}
+
+LoadedDocument loadDocument(const std::shared_ptr<NSData>& data) {
+  LoadedDocument loaded;
   int64_t code = kPaintDataUnreadable;
   loaded.document = PaintManager::paintMgrWithPaintData(data, &loaded.resolution, &code);
   loaded.version = PaintManager::versionOfPaintData(data).value_or(0);

@@ -23,6 +23,12 @@ struct LoadedDocument {
   double resolution = 0;
 };
 LoadedDocument loadDocument(const NSURL& file);
+/// The same for a file's bytes.
+LoadedDocument loadDocument(const std::shared_ptr<NSData>& data);
+
+/// The bytes of the file that an argument means, or of standard input when it is "-". Null when it
+/// cannot be read; `reason` then says why.
+std::shared_ptr<NSData> readInput(const std::string& argument, std::string* reason);
 
 /// Encodes the bitmap and writes the file in one go. Answers kExitSuccess or, after a line on
 /// standard error, kExitOutputFailed; the file is then left as it was, or absent.

@@ -33,6 +33,12 @@ ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
   return status;
 }
 
+ExitStatus writeText(const char* program, const std::string& text) {
+  const bool done =
+      std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+  return done ? kExitSuccess : fail(program, "standard output", kExitOutputFailed);
+}
+
 std::string printable(const std::string& text) {
   std::string result = text;
   std::replace_if(

@@ -22,5 +22,8 @@ const char* describe(ExitStatus status);
 ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
                 const std::string& reason = {});
 
+/// Writes the text to standard output at once. Answers kExitSuccess or, told, kExitOutputFailed.
+ExitStatus writeText(const char* program, const std::string& text);
+
 /// Text as it may be shown on one line of a terminal: control characters become "?".
 std::string printable(const std::string& text);

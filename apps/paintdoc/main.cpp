@@ -1,87 +1,158 @@
-// paintdoc: look into a document, render it at full size, check it.
+// paintdoc: look into a document, render it, check it.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <new>
 
 #include "common/Documents.h"
 #include "common/ResourceLimits.h"
 #include "paintdoc/DocumentInfo.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "paintdoc/JsonWriter.h"
+#include "paintdoc/Progress.h"
+#include "paintdoc/Rendering.h"
 
 namespace {
 
 constexpr const char* kProgram = "paintdoc";
+constexpr int64_t kLargestSize = 16384;
+
+LoadedDocument loadArgument(const std::string& input) {
+  LoadedDocument unreadable;
+  const auto data = readInput(input, &unreadable.reason);
+  return data != nullptr ? loadDocument(data) : unreadable;
+}
 
 ExitStatus showInfo(const std::string& input, bool json) {
-  const LoadedDocument loaded = loadDocument(*fileURLFromArgument(input));
+  const LoadedDocument loaded = loadArgument(input);
   if (loaded.document == nullptr) return fail(kProgram, input, loaded.status, loaded.reason);
   const DocumentFacts facts{*loaded.document, loaded.version, loaded.resolution};
-  const std::string text = json ? infoJson(facts) : infoText(facts);
-  const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-  return written && std::fflush(stdout) == 0 ? kExitSuccess
-                                             : fail(kProgram, "standard output", kExitOutputFailed);
+  return writeText(kProgram, json ? infoJson(facts) : infoText(facts));
 }
 
-ExitStatus render(const std::string& input, const std::string& output) {
-  const LoadedDocument loaded = loadDocument(*fileURLFromArgument(input));
-  if (loaded.document == nullptr) return fail(kProgram, input, loaded.status, loaded.reason);
-  const NSSize canvas = loaded.document->size();
-  if (canvas.width < 1 || canvas.height < 1) return fail(kProgram, input, kExitNothingToDraw);
-  const auto image = loaded.document->fullImage();
-  if (image == nullptr) return fail(kProgram, input, kExitLimitReached, "not enough memory");
-  return writePicture(kProgram, *image, output);
+std::string checkLine(const std::string& input, const LoadedDocument& loaded) {
+  const std::string reason = loaded.reason.empty() ? "" : " (" + loaded.reason + ")";
+  return printable(input) + ": " + describe(loaded.status) + reason + "\n";
 }
 
-/// One line per file; the highest error code.
-ExitStatus check(const std::vector<std::string>& inputs) {
+void writeCheck(JsonWriter& json, const std::string& input, const LoadedDocument& loaded) {
+  json.beginObject();
+  json.key("file");
+  json.value(input);
+  json.key("code");
+  json.value(static_cast<int64_t>(loaded.status));
+  json.key("result");
+  json.value(describe(loaded.status));
+  json.key("reason");
+  loaded.reason.empty() ? json.null() : json.value(loaded.reason);
+  json.endObject();
+}
+
+/// One line, or one object, per file; the highest error code.
+ExitStatus check(const std::vector<std::string>& inputs, bool asJson) {
   ExitStatus worst = kExitSuccess;
-  for (const std::string& input : inputs) {
-    const LoadedDocument loaded = loadDocument(*fileURLFromArgument(input));
-    const std::string reason = loaded.reason.empty() ? "" : " (" + loaded.reason + ")";
-    std::printf("%s: %s%s\n", printable(input).c_str(), describe(loaded.status), reason.c_str());
+  Progress progress;
+  JsonWriter json;
+  json.beginArray();
+  for (size_t i = 0; i < inputs.size(); ++i) {
+    if (asJson) progress.show(kProgram, i, inputs.size());
+    const LoadedDocument loaded = loadArgument(inputs[i]);
     worst = std::max(worst, loaded.status);
+    if (asJson) {
+      writeCheck(json, inputs[i], loaded);
+    } else if (writeText(kProgram, checkLine(inputs[i], loaded)) != kExitSuccess) {
+      return kExitOutputFailed;
+    }
   }
+  json.endArray();
+  if (asJson && writeText(kProgram, json.text() + "\n") != kExitSuccess) return kExitOutputFailed;
   return worst;
+}
+
+/// The command line.
+struct Arguments {
+  CLI::App app{"Looks into paint documents, renders and checks them."};
+  ResourceLimits limits{.seconds = 600, .megabytes = 8192};
+  CLI::App* info = app.add_subcommand("info", "Show the canvas and the tree of draws");
+  CLI::App* render =
+      app.add_subcommand("render", "Render the canvas pixel for pixel, or in other sizes");
+  CLI::App* check = app.add_subcommand("check", "Tell whether files are documents");
+  std::vector<std::string> inputs;
+  RenderRequest request;
+  std::string format;
+  bool json = false;
+
+  Arguments();
+  const std::string& file() const { return inputs.empty() ? request.input : inputs.front(); }
+
+ private:
+  void addRenderOptions();
+};
+
+Arguments::Arguments() {
+  app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
+  app.require_subcommand(1);
+  app.add_option("--limit-time", limits.seconds, "Seconds of processor time")
+      ->check(CLI::Range(1, 1 << 20));
+  app.add_option("--limit-memory", limits.megabytes, "Megabytes of memory")
+      ->check(CLI::Range(16, 1 << 20));
+  info->add_flag("--json", json, "As JSON");
+  info->add_option("FILE", inputs, "Document; - is standard input")->required()->expected(1);
+  check->add_flag("--json", json, "As JSON");
+  check->add_option("FILE", inputs, "Documents; - is standard input")->required();
+  addRenderOptions();
+}
+
+void Arguments::addRenderOptions() {
+  render->add_flag("--json", json, "Report on standard output what was written");
+  render->add_option("--format", format, "png, jpeg, webp or tiff; else what OUT ends with")
+      ->check([](const std::string& name) {
+        return pictureFormatNamed(name) ? "" : "unknown picture format " + name;
+      });
+  render->add_option("--quality", request.quality, "Of JPEG and WebP, 0 to 1")
+      ->check(CLI::Range(0.0, 1.0))
+      ->capture_default_str();
+  render->add_option("FILE", request.input, "Document or SVG picture; - is standard input")
+      ->required();
+  render
+      ->add_option("OUT", request.output, "Picture to write; - is standard output; %s is the size")
+      ->required();
+  render->add_option("SIZE", request.sizes, "Largest widths and heights; the full size without")
+      ->check(CLI::Range(int64_t{1}, kLargestSize));
+}
+
+/// Why a request to render cannot be carried out; empty when it can.
+std::string mistakeIn(const RenderRequest& request) {
+  const bool toOutput = request.output == "-";
+  if (toOutput && request.report) return "standard output cannot take the picture and the report";
+  if (toOutput && request.sizes.size() > 1) return "standard output can take one picture only";
+  if (!request.format && !toOutput && !pictureFormatOfPath(request.output)) {
+    return "no picture format has the ending of " + printable(request.output);
+  }
+  return {};
+}
+
+ExitStatus renderAsAsked(Arguments& arguments) {
+  arguments.request.report = arguments.json;
+  if (!arguments.format.empty()) arguments.request.format = pictureFormatNamed(arguments.format);
+  const std::string mistake = mistakeIn(arguments.request);
+  if (mistake.empty()) return render(arguments.request);
+  return fail(kProgram, arguments.request.input, kExitUsage, mistake);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app{"Looks into paint documents, renders and checks them."};
-  app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
-  app.require_subcommand(1);
-  ResourceLimits limits{.seconds = 600, .megabytes = 8192};
-  app.add_option("--limit-time", limits.seconds, "Seconds of processor time")
-      ->check(CLI::Range(1, 1 << 20));
-  app.add_option("--limit-memory", limits.megabytes, "Megabytes of memory")
-      ->check(CLI::Range(16, 1 << 20));
-
-  std::string input;
-  std::string output;
-  std::vector<std::string> inputs;
-  bool json = false;
-  CLI::App* info = app.add_subcommand("info", "Show the canvas and the tree of draws");
-  info->add_flag("--json", json, "As JSON");
-  info->add_option("FILE", input)->required();
-  CLI::App* renderCommand = app.add_subcommand("render", "Render the canvas, pixel for pixel");
-  renderCommand->add_option("FILE", input)->required();
-  renderCommand->add_option("OUT.png", output)->required();
-  CLI::App* checkCommand = app.add_subcommand("check", "Tell whether files are documents");
-  checkCommand->add_option("FILE", inputs)->required();
+  Arguments arguments;
   try {
-    app.parse(argc, argv);
+    arguments.app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
+    return arguments.app.exit(error) == 0 ? kExitSuccess : kExitUsage;
   }
-
-  const std::string& named = inputs.empty() ? input : inputs.front();
-  limitResources(limits, kProgram, named.c_str());
+  limitResources(arguments.limits, kProgram, arguments.file().c_str());
   try {
-    if (info->parsed()) return showInfo(input, json);
-    if (renderCommand->parsed()) return render(input, output);
-    return check(inputs);
+    if (arguments.info->parsed()) return showInfo(arguments.file(), arguments.json);
+    if (arguments.render->parsed()) return renderAsAsked(arguments);
+    return check(arguments.inputs, arguments.json);
   } catch (const std::bad_alloc&) {
-    return fail(kProgram, named, kExitLimitReached, "out of memory");
+    return fail(kProgram, arguments.file(), kExitLimitReached, "out of memory");
   }
 }

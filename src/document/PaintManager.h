@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "draw/core/DrawBase.h"
@@ -139,6 +141,10 @@ class PaintManager : public NSObject {
   void setImageRefreshControl(int64_t control) { _imageRefreshControl = control; }
   /// Drops both bitmaps; the next fullImage composes them again.
   void clearMemeryBuffer();
+  /// Called after each top-level draw that a composition has painted, with how many there are to
+  /// paint. For people who wait; an empty handler, the default, is none.
+  using ProgressHandler = std::function<void(size_t painted, size_t total)>;
+  void setProgressHandler(ProgressHandler handler) { progressHandler_ = std::move(handler); }
 
  private:
   void raiseRefreshControl(int64_t control);
@@ -162,4 +168,5 @@ class PaintManager : public NSObject {
   std::shared_ptr<NSBitmapImageRep> image_;
   std::shared_ptr<NSBitmapImageRep> imageBuffer_;
   int64_t _imageRefreshControl = kRebuildBuffer;
+  ProgressHandler progressHandler_;
 };

@@ -35,6 +35,7 @@ void PaintManager::rebuildBuffer() {
   context.setCompositingOperation(NSCompositingOperation::sourceOver);
   for (size_t i = 0; i + 1 < aryDraw_.size(); ++i) {
     if (aryDraw_[i]->visible()) aryDraw_[i]->drawInImage(imageBuffer_.get());
+    if (progressHandler_) progressHandler_(i + 1, aryDraw_.size());
   }
 }
 

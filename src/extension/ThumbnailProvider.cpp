@@ -29,17 +29,19 @@ NSSize ThumbnailProvider::contextSize(int64_t pixelsWide, int64_t pixelsHigh, NS
   return maximumSize;
 }
 
+std::shared_ptr<QLThumbnailReply> ThumbnailProvider::replyForImage(
+    std::shared_ptr<const NSBitmapImageRep> image, NSSize maximumSize) {
+  const NSSize size = contextSize(image != nullptr ? image->pixelsWide() : 0,
+                                  image != nullptr ? image->pixelsHigh() : 0, maximumSize);
+  return QLThumbnailReply::replyWithContextSize(size, [image, size] {
+    if (image == nullptr || size.width < 1 || size.height < 1) return false;
+    NSGraphicsContext::currentContext()->setImageInterpolation(NSImageInterpolation::high);
+    drawInRect(*image, {NSZeroPoint, size});
+    return true;
+  });
+}
+
 void ThumbnailProvider::provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
                                                        const CompletionHandler& completionHandler) {
-  const auto bitmap = fullImageOfFile(request.fileURL());
-  const NSSize size =
-      contextSize(bitmap != nullptr ? bitmap->pixelsWide() : 0,
-                  bitmap != nullptr ? bitmap->pixelsHigh() : 0, request.maximumSize());
-  const auto draw = [bitmap, size] {
-    if (bitmap == nullptr || size.width < 1 || size.height < 1) return false;
-    NSGraphicsContext::currentContext()->setImageInterpolation(NSImageInterpolation::high);
-    drawInRect(*bitmap, {NSZeroPoint, size});
-    return true;
-  };
-  completionHandler(QLThumbnailReply::replyWithContextSize(size, draw), {});
+  completionHandler(replyForImage(fullImageOfFile(request.fileURL()), request.maximumSize()), {});
 }

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <memory>
+
 #include "platform/thumbnails/QLThumbnailProvider.h"
+
+class NSBitmapImageRep;
 
 /// Makes thumbnails of documents. Has no state of its own: any number of requests may run at once.
 class ThumbnailProvider : public QLThumbnailProvider {
@@ -9,6 +13,11 @@ class ThumbnailProvider : public QLThumbnailProvider {
   /// reply of zero size whose block draws nothing.
   void provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
                                       const CompletionHandler& completionHandler) override;
+
+  /// The reply that shows a document's picture (null: nothing), reduced with high quality to what
+  /// contextSize says.
+  static std::shared_ptr<QLThumbnailReply> replyForImage(
+      std::shared_ptr<const NSBitmapImageRep> image, NSSize maximumSize);
 
   /// Size of the drawing context for a bitmap of that many pixels: never larger than the bitmap.
   /// A bitmap that is too high relative to its width gets a square context, into which it is

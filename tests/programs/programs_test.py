@@ -4,9 +4,12 @@ DATA_DIR
 
 Exit codes, one line on standard error, and an output path that is left absent or empty on failure.
 """
+import base64
 import json
 import os
+import pty
 import shutil
+import signal
 import struct
 import subprocess
 import sys
@@ -181,12 +184,119 @@ class Programs(unittest.TestCase):
         result = run(PAINTDOC, "render", document("red"), self.out)
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(read_png(self.out)[:2], (100, 50))
-        self.assertEqual(run(PAINTDOC, "render", document("version 23"), self.out + "2").returncode, 2)
+        self.assertEqual(run(PAINTDOC, "render", document("version 23"), self.out + "2.png").returncode, 2)
 
     def test_render_keeps_straight_alpha(self):
         self.assertEqual(run(PAINTDOC, "render", document("half red"), self.out).returncode, 0)
         _, _, channels, rows = read_png(self.out)
         self.assertEqual((channels, rows[0][0]), (4, (255, 0, 0, 128)))
+
+    def test_render_svg(self):
+        text = (b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="20">'
+                b'<rect width="20" height="20" fill="#00f"/></svg>\n')
+        for arguments, size in (([], (40, 20)), (["10"], (10, 5)), (["400"], (400, 200))):
+            result = run(PAINTDOC, "render", self.write("a.svg", text), self.out, *arguments)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            width, height, channels, rows = read_png(self.out)
+            self.assertEqual((width, height, channels), size + (4,))
+            self.assertEqual((rows[0][0], rows[height - 1][width - 1]), ((0, 0, 255, 255), (0, 0, 0, 0)))
+        os.remove(self.out)
+        for status, broken in ((4, b'<svg width="0" height="5"></svg>'), (4, b"no markup </svg>"),
+                               (3, b'<svg width="100000" height="100000"></svg>')):
+            result = run(PAINTDOC, "render", self.write("b.svg", broken), self.out)
+            self.assertEqual((result.returncode, result.stderr.count(b"\n")), (status, 1), broken)
+            self.assertFalse(os.path.exists(self.out))
+
+    def test_an_arc_that_svg_text_may_not_have_ends_the_process(self):
+        text = b'<svg width="9" height="9"><path d="M1 1A2 3 0 0 1 5 5"/></svg>'
+        result = run(PAINTDOC, "render", self.write("a.svg", text), self.out)
+        self.assertEqual(result.returncode, -signal.SIGABRT)
+        self.assertFalse(os.path.exists(self.out))
+
+    def test_render_sizes(self):
+        pattern = os.path.join(self.folder.name, "out.png")
+        result = run(PAINTDOC, "render", "--json", document("red"), pattern, "80", "20", "400")
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        report = json.loads(result.stdout)
+        self.assertEqual(report["size"], [100, 50])
+        expected = [("out-80.png", 80, 40), ("out-20.png", 20, 10), ("out-400.png", 100, 50)]
+        for picture, (name, width, height) in zip(report["pictures"], expected, strict=True):
+            self.assertEqual(picture, {"file": os.path.join(self.folder.name, name), "format": "png", "width": width,
+                                       "height": height, "bytes": os.path.getsize(picture["file"])})
+            self.assertEqual(read_png(picture["file"])[:2], (width, height))
+        self.assertEqual(run(THUMBNAILER, "-s", "20", document("red"), self.out).returncode, 0)
+        self.assertEqual(read(self.out), read(os.path.join(self.folder.name, "out-20.png")))
+        os.makedirs(os.path.join(self.folder.name, "30"))
+        result = run(PAINTDOC, "render", document("red"), os.path.join(self.folder.name, "%s", "a"), "30")
+        self.assertEqual(read_png(os.path.join(self.folder.name, "30", "a"))[:2], (30, 15))
+
+    def test_render_formats(self):
+        starts = {"jpg": b"\xff\xd8\xff", "JPEG": b"\xff\xd8\xff", "webp": b"RIFF", "tif": (b"II*\0", b"MM\0*"), "png": b"\x89PNG"}
+        for ending, start in starts.items():
+            path = os.path.join(self.folder.name, "a." + ending)
+            self.assertEqual(run(PAINTDOC, "render", document("half red"), path).returncode, 0, ending)
+            self.assertTrue(read(path).startswith(start), ending)
+        path = os.path.join(self.folder.name, "a.png")
+        self.assertEqual(run(PAINTDOC, "render", "--format", "webp", document("red"), path).returncode, 0)
+        self.assertTrue(read(path).startswith(b"RIFF"))
+        for arguments in (["a.doc"], ["--format", "bmp", "a.png"], ["--quality", "2", "a.jpg"], ["-", "10", "20"],
+                          ["--json", "-"], ["a.png", "0"]):
+            result = run(PAINTDOC, "render", document("red"), *arguments, cwd=self.folder.name)
+            self.assertEqual(result.returncode, 64, arguments)
+
+    def test_jpeg_shows_transparency_over_white(self):
+        path = os.path.join(self.folder.name, "a.jpg")
+        self.assertEqual(run(PAINTDOC, "render", document("half red"), path).returncode, 0)
+        url = "data:image/jpeg;base64," + base64.b64encode(read(path)).decode()
+        text = ('<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" width="8" height="8">'
+                '<image width="8" height="8" xlink:href="%s"/></svg>' % url)
+        self.assertEqual(run(PAINTDOC, "render", "-", self.out, input=text.encode()).returncode, 0)
+        _, _, _, rows = read_png(self.out)
+        for value, expected in zip(rows[4][4], (255, 127, 127)):
+            self.assertAlmostEqual(value, expected, delta=3)
+
+    def test_standard_input_and_output(self):
+        self.assertEqual(run(PAINTDOC, "render", document("half red"), self.out).returncode, 0)
+        data = read(document("half red"))
+        result = run(PAINTDOC, "render", "-", "-", input=data)
+        self.assertEqual((result.returncode, result.stdout), (0, read(self.out)))
+        with open(document("half red"), "rb") as file:
+            self.assertEqual(run(PAINTDOC, "render", "-", "-", stdin=file).stdout, read(self.out))
+        self.assertEqual(run(PAINTDOC, "info", "-", input=data).stdout,
+                         run(PAINTDOC, "info", document("half red")).stdout)
+        self.assertEqual(run(PAINTDOC, "check", "-", input=b"").returncode, 1)
+        self.assertEqual(run(PAINTDOC, "render", "-", "-", stdin=subprocess.DEVNULL).returncode, 1)
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(subprocess.run([PAINTDOC, "render", document("red"), "-"], stdout=full,
+                                            stderr=subprocess.PIPE, timeout=120).returncode, 74)
+
+    def test_progress_is_for_terminals(self):
+        # A pipe gets nothing, a terminal a line that is removed again.
+        paths = [document("all classes")] * 4000
+        controller, terminal = pty.openpty()
+        with subprocess.Popen([PAINTDOC, "check", "--json", *paths], stdout=subprocess.PIPE, stderr=terminal) as process:
+            os.close(terminal)
+            report = json.loads(process.stdout.read())
+        self.assertEqual(len(report), 4000)
+        shown = b""
+        try:
+            while part := os.read(controller, 65536):
+                shown += part
+        except OSError:
+            pass  # How a terminal tells that nobody writes to it any more.
+        os.close(controller)
+        if shown:  # The run may have been shorter than the quiet second.
+            self.assertRegex(shown, rb"paintdoc: \d+ of 4000")
+            self.assertTrue(shown.endswith(b"\r\x1b[K"))
+        self.assertEqual(run(PAINTDOC, "check", "--json", *paths).stderr, b"")
+
+    def test_check_report(self):
+        result = run(PAINTDOC, "check", "--json", document("red"), self.folder.name)
+        self.assertEqual(result.returncode, 1)
+        report = json.loads(result.stdout)
+        self.assertEqual([entry["code"] for entry in report], [0, 1])
+        self.assertEqual(report[1], {"file": self.folder.name, "code": 1, "result": "not a readable document",
+                                     "reason": "Is a directory"})
 
     def test_check(self):
         result = run(PAINTDOC, "check", document("red"), document("version 23"), document("no paint data"))

@@ -77,11 +77,16 @@ std::error_code readToEnd(int file, Buffer& buffer) {
 std::shared_ptr<NSData> NSData::dataWithContentsOfFile(const std::string& path,
                                                        std::error_code* error) {
   const FileDescriptor file(path.c_str());
+  if (file.number >= 0) return dataWithContentsOfDescriptor(file.number, error);
+  if (error != nullptr) *error = systemError(errno);
+  return nullptr;
+}
+
+std::shared_ptr<NSData> NSData::dataWithContentsOfDescriptor(int descriptor,
+                                                             std::error_code* error) {
   Buffer buffer;
-  std::error_code failure;
-  if (file.number < 0) failure = systemError(errno);
-  if (!failure) failure = prepare(file.number, buffer);
-  if (!failure) failure = readToEnd(file.number, buffer);
+  std::error_code failure = prepare(descriptor, buffer);
+  if (!failure) failure = readToEnd(descriptor, buffer);
   if (error != nullptr) *error = failure;
   if (failure) return nullptr;
   const std::span<const uint8_t> bytes(buffer.bytes.get(), buffer.size);

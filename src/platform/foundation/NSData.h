@@ -35,6 +35,9 @@ class NSData : public NSObject {
   /// file_too_large, not_supported for devices, or what the system answered).
   static std::shared_ptr<NSData> dataWithContentsOfFile(const std::string& path,
                                                         std::error_code* error = nullptr);
+  /// The same from where an open descriptor stands to its end. The descriptor stays open.
+  static std::shared_ptr<NSData> dataWithContentsOfDescriptor(int descriptor,
+                                                              std::error_code* error = nullptr);
   /// The same for a file URL; other URLs are not_supported.
   static std::shared_ptr<NSData> dataWithContentsOfURL(const NSURL& url,
                                                        std::error_code* error = nullptr);

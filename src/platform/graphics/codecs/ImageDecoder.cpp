@@ -91,3 +91,7 @@ std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap) {
 std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality) {
   return encode(jpegCodec(), bitmap, quality);
 }
+
+std::vector<uint8_t> encodeWebP(const NSBitmapImageRep& bitmap, double quality) {
+  return encode(webpCodec(), bitmap, quality);
+}

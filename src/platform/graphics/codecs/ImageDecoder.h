@@ -21,3 +21,5 @@ std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file);
 std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap);
 /// `quality` from 0 to 1. Translucent pixels appear over black.
 std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality);
+/// `quality` from 0 to 1, which is lossless; with alpha when the bitmap has it.
+std::vector<uint8_t> encodeWebP(const NSBitmapImageRep& bitmap, double quality);

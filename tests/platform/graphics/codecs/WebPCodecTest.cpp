@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
+#include <webp/decode.h>
 #include <webp/encode.h>
 
 #include <cstring>
 #include <string_view>
 
+#include "platform/graphics/NSGraphicsContext.h"
 #include "platform/graphics/codecs/ImageDecoder.h"
 #include "support/Bitmaps.h"
 #include "support/Fixtures.h"
@@ -79,6 +81,45 @@ Pixel expectedPixel(int64_t x, int64_t y) {
   const uint8_t* p = pixels.data() + (y * kWidth + x) * 4;
   const auto scaled = [&](int v) { return static_cast<uint8_t>((2 * v * p[3] + 255) / 510); };
   return {scaled(p[0]), scaled(p[1]), scaled(p[2]), p[3]};
+}
+
+/// The library's own reading of a file, straight R, G, B, A.
+Bytes libraryPixels(const Bytes& file) {
+  int width = 0;
+  int height = 0;
+  uint8_t* const pixels = WebPDecodeRGBA(file.data(), file.size(), &width, &height);
+  if (pixels == nullptr) return {};
+  Bytes result(pixels, pixels + static_cast<ptrdiff_t>(width) * height * 4);
+  WebPFree(pixels);
+  return result;
+}
+
+TEST(WebPEncoder, QualityOneKeepsEveryPixel) {
+  for (const bool translucent : {false, true}) {
+    const auto bitmap = decodeImage(losslessFile(translucent));
+    const Bytes file = encodeWebP(*bitmap, 1);
+    const auto back = decodeImage(file);
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->hasAlpha(), translucent);
+    EXPECT_EQ(maxDifference(*back, *bitmap), 0);
+  }
+  EXPECT_EQ(libraryPixels(encodeWebP(*decodeImage(losslessFile(false)), 1)), straightPixels(false));
+}
+
+TEST(WebPEncoder, LowQualityIsSmallerAndNear) {
+  const auto bitmap = decodeImage(losslessFile(false));
+  const Bytes good = encodeWebP(*bitmap, 0.95);
+  EXPECT_LT(encodeWebP(*bitmap, 0.2).size(), good.size());
+  const Bytes pixels = libraryPixels(good);
+  const Bytes expected = straightPixels(false);
+  ASSERT_EQ(pixels.size(), expected.size());
+  for (size_t i = 0; i < pixels.size(); ++i) ASSERT_NEAR(pixels[i], expected[i], 40) << i;
+}
+
+TEST(WebPEncoder, WhatCannotBeEncodedIsNoFile) {
+  std::shared_ptr<NSBitmapImageRep> wide;
+  ASSERT_TRUE(InitImageRep({16384, 1}, &wide));
+  EXPECT_TRUE(encodeWebP(*wide, 0.5).empty());
 }
 
 }  // namespace
