@@ -25,18 +25,27 @@ std::shared_ptr<DrawGroup> DrawGroup::initWithDraws(DrawArray draws) {
   return group;
 }
 
+void DrawGroup::adopt(const std::shared_ptr<DrawBase>& draw) {
+  auto* other = dynamic_cast<DrawGroup*>(draw->group());
+  if (other != nullptr && other != this) other->removeDraw(draw.get());
+  draw->setGroup(this);
+}
+
 void DrawGroup::setDraws(DrawArray draws) {
   for (const auto& draw : aryDraws_) draw->setGroup(nullptr);
   aryDraws_ = std::move(draws);
-  for (const auto& draw : aryDraws_) draw->setGroup(this);
+  for (const auto& draw : aryDraws_) adopt(draw);
 }
 
 bool DrawGroup::insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index) {
   if (draw == nullptr || index > aryDraws_.size() || indexOfDraw(draw.get()) != kNotFound) {
     return false;
   }
+  for (const DrawBase* holder = this; holder != nullptr; holder = holder->group()) {
+    if (holder == draw.get()) return false;
+  }
+  adopt(draw);
   aryDraws_.insert(aryDraws_.begin() + static_cast<std::ptrdiff_t>(index), draw);
-  draw->setGroup(this);
   return true;
 }
 
@@ -62,9 +71,11 @@ size_t DrawGroup::indexOfDraw(const DrawBase* draw) const {
 
 bool DrawGroup::replaceDraw(const DrawBase* draw, std::shared_ptr<DrawBase> withDraw) {
   const size_t index = indexOfDraw(draw);
-  if (index == kNotFound || withDraw == nullptr) return false;
+  if (index == kNotFound || withDraw == nullptr || indexOfDraw(withDraw.get()) != kNotFound) {
+    return false;
+  }
   aryDraws_[index]->setGroup(nullptr);
-  withDraw->setGroup(this);
+  adopt(withDraw);
   aryDraws_[index] = std::move(withDraw);
   return true;
 }
@@ -79,6 +90,22 @@ uint64_t DrawGroup::opacity() const {
     if (draw->canAdjustOpacity()) return draw->opacity();
   }
   return 100;
+}
+
+NSRect DrawGroup::drawRect() const {
+  NSRect rect;
+  for (const auto& draw : aryDraws_) {
+    if (draw->visible()) rect = NSUnionRect(rect, draw->drawRect());
+  }
+  return rect;
+}
+
+NSRect DrawGroup::renderedRect() const {
+  NSRect rect;
+  for (const auto& draw : aryDraws_) {
+    if (draw->visible()) rect = NSUnionRect(rect, draw->renderedRect());
+  }
+  return rect;
 }
 
 void DrawGroup::drawInImage(NSBitmapImageRep* image) {

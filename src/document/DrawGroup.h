@@ -20,8 +20,10 @@ class DrawGroup : public DrawBase {
   bool classDrawBezierPath() const override { return false; }
 
   const DrawArray& draws() const { return aryDraws_; }
+  /// Draws that are in another group leave it, here and in the functions below.
   void setDraws(DrawArray draws);
-  /// Refuses null, a draw that is in the group already, and an index beyond the count.
+  /// Refuses null, a draw that is in the group already, the group itself and what holds it, and an
+  /// index beyond the count.
   bool insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index);
   bool removeDraw(const DrawBase* draw);
   void removeAllDraws();
@@ -37,6 +39,10 @@ class DrawGroup : public DrawBase {
   void moveByX(CGFloat x, CGFloat y) override;
   void scaleByX(CGFloat x, CGFloat y, NSPoint withCenter, ResizeLineWidth resizeLineWidth) override;
 
+  /// The union of what the visible sub-draws cover.
+  NSRect drawRect() const override;
+  NSRect renderedRect() const override;
+
   void drawInImage(NSBitmapImageRep* image) override;
   void _draw() override;
 
@@ -50,6 +56,7 @@ class DrawGroup : public DrawBase {
   void encodeWithCoder(NSCoder& coder) const override;
 
  private:
+  void adopt(const std::shared_ptr<DrawBase>& draw);
   void drawSubDraws(NSBitmapImageRep* image);
 
   DrawArray aryDraws_;

@@ -20,6 +20,11 @@ void PaintManager::setBackgroundColor(std::shared_ptr<NSColor> color) {
   _imageRefreshControl = kRebuildBuffer;
 }
 
+void PaintManager::setMaskBackground(bool mask) {
+  if (mask != bMaskWithBackground_) raiseRefreshControl(kRefreshFullImage);
+  bMaskWithBackground_ = mask;
+}
+
 std::shared_ptr<DrawBase> PaintManager::toppestDraw() const {
   return aryDraw_.empty() ? nullptr : aryDraw_.back();
 }
@@ -39,7 +44,10 @@ void PaintManager::eraseDraw(const DrawBase* draw) {
 }
 
 void PaintManager::setBackgroundDraw(std::shared_ptr<DrawImage2> draw) {
-  if (draw != nullptr) eraseDraw(draw.get());
+  if (draw != nullptr) {
+    takeOutOfGroup(draw);
+    eraseDraw(draw.get());
+  }
   if (drawBackground_ != nullptr) eraseDraw(drawBackground_.get());
   if (draw != nullptr) aryDraw_.insert(aryDraw_.begin(), draw);
   drawBackground_ = std::move(draw);
@@ -55,6 +63,13 @@ DrawGroup* PaintManager::groupForDraw(const DrawBase* draw) const {
   return nullptr;
 }
 
+void PaintManager::takeOutOfGroup(const std::shared_ptr<DrawBase>& draw) {
+  auto* group = dynamic_cast<DrawGroup*>(draw->group());
+  if (group == nullptr) return draw->setGroup(nullptr);
+  respondToChangeOfDraws({&draw, 1});
+  group->removeDraw(draw.get());
+}
+
 bool PaintManager::addDraw(const std::shared_ptr<DrawBase>& draw) {
   if (draw == nullptr || containsDraw(draw.get())) return false;
   if (!aryDraw_.empty() && imageBuffer_ != nullptr && toppestDraw()->visible()) {
@@ -64,8 +79,8 @@ bool PaintManager::addDraw(const std::shared_ptr<DrawBase>& draw) {
         NSCompositingOperation::sourceOver);
     toppestDraw()->drawInImage(imageBuffer_.get());
   }
+  takeOutOfGroup(draw);
   aryDraw_.push_back(draw);
-  draw->setGroup(nullptr);
   raiseRefreshControl(kRefreshFullImage);
   return true;
 }
@@ -74,8 +89,8 @@ bool PaintManager::insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t in
   if (draw == nullptr || containsDraw(draw.get())) return false;
   if (index > aryDraw_.size() || (index == 0 && drawBackground_ != nullptr)) return false;
   if (index == aryDraw_.size()) return addDraw(draw);
+  takeOutOfGroup(draw);
   aryDraw_.insert(aryDraw_.begin() + static_cast<std::ptrdiff_t>(index), draw);
-  draw->setGroup(nullptr);
   respondToChangeOfDraws({&draw, 1});
   return true;
 }

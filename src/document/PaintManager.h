@@ -17,6 +17,13 @@ class NSBitmapImageRep;
 class NSColor;
 class NSData;
 class NSMutableData;
+struct LayerDrawsStatus;
+
+/// What resizing a canvas does to the draws on it.
+enum class ResampleLayer : uint8_t { no, yes };
+
+/// What a copy of a document in another size does to its draws.
+enum class ScaleDrawing : uint8_t { no, yes };
 
 /// Why a file is not a document, as integers that callers know.
 enum PaintDataError : int64_t {
@@ -48,6 +55,16 @@ class PaintManager : public NSObject {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
 
+  // ---- New documents. Null when the size would not be that of a canvas.
+  /// An empty, transparent canvas; fractions of a pixel are dropped.
+  static std::shared_ptr<PaintManager> initWithSize(NSSize size);
+  /// A canvas of the size of a bitmap, which is its background.
+  static std::shared_ptr<PaintManager> initWithImageRep(
+      const std::shared_ptr<NSBitmapImageRep>& image);
+  /// A canvas of the size of a draw, which is moved to the origin and becomes the background.
+  static std::shared_ptr<PaintManager> initWithBackgroundDraw(
+      const std::shared_ptr<DrawImage2>& draw);
+
   // ---- The file.
   /// Whether the data is an archive that holds a document (of any version).
   static bool detectPaintData(const std::shared_ptr<const NSData>& data);
@@ -73,7 +90,7 @@ class PaintManager : public NSObject {
   /// No effect when the same object is given again.
   void setBackgroundColor(std::shared_ptr<NSColor> color);
   bool maskBackground() const { return bMaskWithBackground_; }
-  void setMaskBackground(bool mask) { bMaskWithBackground_ = mask; }
+  void setMaskBackground(bool mask);
 
   // ---- The draw list.
   const DrawArray& allDraws() const { return aryDraw_; }
@@ -84,9 +101,13 @@ class PaintManager : public NSObject {
   const std::shared_ptr<DrawImage2>& backgroundDraw() const { return drawBackground_; }
   /// Makes a draw the background, element 0 of the list; null removes the background draw.
   void setBackgroundDraw(std::shared_ptr<DrawImage2> draw);
+  /// Gives the background draw a copy of the bitmap, at the origin and in its size, or makes a
+  /// background draw for it; null removes the background draw.
+  void setBackgroundImage(const std::shared_ptr<NSBitmapImageRep>& image);
   /// The first top-level group whose own sub-draws contain the draw; null for top-level draws.
   DrawGroup* groupForDraw(const DrawBase* draw) const;
-  /// Appends; refuses null and a draw that is in the list already.
+  /// Appends; refuses null and a draw that is in the list already. A draw that is in a group
+  /// leaves it, here and wherever a draw is put in the list.
   bool addDraw(const std::shared_ptr<DrawBase>& draw);
   /// Inserts below the element at `index`; refuses index 0 while there is a background draw.
   bool insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index);
@@ -96,6 +117,8 @@ class PaintManager : public NSObject {
   bool containsDraw(const DrawBase* draw) const;
   /// Place in the top-level list; nothing for draws that are not in it.
   std::optional<size_t> indexOfDraw(const DrawBase* draw) const;
+  /// The visible top-level draws that paint into the rectangle, bottom first.
+  DrawArray drawsInRect(const NSRect& rect) const;
 
   // Changes of the order. Selected draws move among their neighbours: in the top-level list, and
   // inside each top-level group that is not selected itself. All answer whether anything moved, and
@@ -110,12 +133,25 @@ class PaintManager : public NSObject {
   bool moveUpDraws(Selection draws);
   /// One step; never below the background draw.
   bool moveDownDraws(Selection draws);
+  /// The draws of the list and of its groups that are selected, bottom first; a group comes before
+  /// its sub-draws.
+  DrawArray drawsInLayerOrder(Selection draws) const;
+  /// Moves draws, in layer order, to below what is now element `atIndex` of a top-level group or,
+  /// without a group, of the list. Refuses draws that are not in the document, the background
+  /// draw, the group itself, and places beyond the end or below the background draw.
+  bool moveDraws(Selection draws, const std::shared_ptr<DrawBase>& toDraw, uint64_t atIndex);
+  /// Which draws are where: the list, what its groups hold, the background draw.
+  LayerDrawsStatus savedLayerDrawsStatus() const;
+  /// Puts every draw back to where it was; draws that have come since leave.
+  void restoreFromLayerStatus(const LayerDrawsStatus& status);
 
   /// Two top-level draws or more, none of them the background draw.
   bool canGroupDraws(Selection draws) const;
   /// Puts the draws, in list order, into a new group at the place of the topmost one. Answers the
   /// group, or null.
   std::shared_ptr<DrawGroup> groupDraws(Selection draws);
+  /// The same with a group that is not in the document yet and whose sub-draws, if any, leave it.
+  bool groupDraws(Selection draws, const std::shared_ptr<DrawGroup>& withDraw);
   /// Whether a top-level group is among the draws.
   bool canUnGroupDraws(Selection draws) const;
   /// Puts the sub-draws of top-level groups in the place of their group.
@@ -128,6 +164,13 @@ class PaintManager : public NSObject {
   /// Moves all draws so that the rectangle's lower left corner becomes the origin, and gives the
   /// canvas its size in whole pixels. Refuses rectangles smaller than a pixel and too large ones.
   bool cropWithRect(const NSRect& rect);
+  /// Gives the canvas another size in whole pixels. Resampling scales the draws and their line
+  /// widths with it; otherwise they move so that the anchor, a place on the old canvas and on the
+  /// new one in fractions of their sizes, stays under them. Refuses what is no canvas size.
+  bool resizeToSize(NSSize size, ResampleLayer resampleLayer, NSPoint anchorPoint);
+  /// A copy of the document in another size, with scaled draws or with the same ones. Null for
+  /// what is no canvas size.
+  std::shared_ptr<PaintManager> scaledPaintWithSize(NSSize size, ScaleDrawing scaleDrawing) const;
 
   // ---- Composition.
   /// The composed canvas, refreshed first when needed. Null when there is no memory for it.
@@ -149,12 +192,17 @@ class PaintManager : public NSObject {
  private:
   void raiseRefreshControl(int64_t control);
   void eraseDraw(const DrawBase* draw);
+  /// Makes a draw that a group holds one that no group holds.
+  void takeOutOfGroup(const std::shared_ptr<DrawBase>& draw);
   /// The first index that an ordinary draw may have.
   size_t lowestIndex() const { return drawBackground_ != nullptr ? 1 : 0; }
   /// Reorders the list from index `lowest` on, and each group that is not selected, by `order`,
   /// which answers whether it changed a range.
   template <class Order>
   bool reorder(Selection selection, size_t lowest, const Order& order);
+  /// Makes the list and the groups in it hold other draws, and marks as stale what that changes;
+  /// answers whether it changes anything.
+  bool rearrange(DrawArray list, const std::vector<std::pair<DrawGroup*, DrawArray>>& inside);
   void convertLegacyDraws();
   void rebuildBuffer();
   void composeFullImage();

@@ -1,12 +1,11 @@
-// Editing the draw list: order, groups, replacement, cropping.
+// Editing the draw list: order, groups, replacement.
 #include <algorithm>
-#include <cmath>
 #include <unordered_set>
 
 #include "document/DrawGroup.h"
+#include "document/LayerDrawsStatus.h"
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
-#include "platform/foundation/Limits.h"
 
 namespace {
 
@@ -128,7 +127,9 @@ bool PaintManager::moveDrawsToFront(Selection draws) {
 }
 
 bool PaintManager::moveDrawsToBack(Selection draws) {
-  return reorder(draws, lowestIndex(), gatherAtStart);
+  const bool moved = reorder(draws, lowestIndex(), gatherAtStart);
+  if (moved) raiseRefreshControl(kRebuildBuffer);
+  return moved;
 }
 
 bool PaintManager::moveUpDraws(Selection draws) {
@@ -139,15 +140,120 @@ bool PaintManager::moveDownDraws(Selection draws) {
   return reorder(draws, lowestIndex(), stepDown);
 }
 
+DrawArray PaintManager::drawsInLayerOrder(Selection draws) const {
+  const DrawSet selected = setOf(draws);
+  DrawArray ordered;
+  const auto take = [&](const std::shared_ptr<DrawBase>& draw) {
+    if (selected.contains(draw.get())) ordered.push_back(draw);
+  };
+  for (const auto& draw : aryDraw_) {
+    take(draw);
+    if (const DrawGroup* group = asGroup(draw)) {
+      std::for_each(group->draws().begin(), group->draws().end(), take);
+    }
+  }
+  return ordered;
+}
+
+bool PaintManager::rearrange(DrawArray list,
+                             const std::vector<std::pair<DrawGroup*, DrawArray>>& inside) {
+  int64_t stale = list != aryDraw_ ? kRebuildBuffer : kImagesCurrent;
+  for (const auto& [group, draws] : inside) {
+    if (draws == group->draws()) continue;
+    // What lies beneath the topmost draw stays as it is when only that one changes.
+    const bool topmost = group == aryDraw_.back().get();
+    stale = std::max<int64_t>(stale, topmost ? kRefreshFullImage : kRebuildBuffer);
+  }
+  for (const auto& [group, draws] : inside) group->setDraws(draws);
+  aryDraw_ = std::move(list);
+  raiseRefreshControl(stale);
+  return stale != kImagesCurrent;
+}
+
+bool PaintManager::moveDraws(Selection draws, const std::shared_ptr<DrawBase>& toDraw,
+                             uint64_t atIndex) {
+  DrawGroup* const target = asGroup(toDraw);
+  if (toDraw != nullptr && (target == nullptr || !containsDraw(target))) return false;
+  const uint64_t lowest = target != nullptr ? 0 : lowestIndex();
+  const DrawArray& old = target != nullptr ? target->draws() : aryDraw_;
+  if (atIndex < lowest || atIndex > old.size()) return false;
+
+  const DrawSet selected = setOf(draws);
+  const DrawArray moving = drawsInLayerOrder(draws);
+  const bool background = drawBackground_ != nullptr && selected.contains(drawBackground_.get());
+  if (selected.empty() || moving.size() != selected.size() || background ||
+      (target != nullptr && selected.contains(target))) {
+    return false;
+  }
+
+  const auto withoutSelected = [&](const DrawArray& from, bool isTarget) {
+    DrawArray kept;
+    for (size_t i = 0; i <= from.size(); ++i) {
+      if (isTarget && i == atIndex) kept.insert(kept.end(), moving.begin(), moving.end());
+      if (i < from.size() && !selected.contains(from[i].get())) kept.push_back(from[i]);
+    }
+    return kept;
+  };
+  std::vector<std::pair<DrawGroup*, DrawArray>> inside;
+  for (const auto& draw : aryDraw_) {
+    if (DrawGroup* group = asGroup(draw)) {
+      inside.emplace_back(group, withoutSelected(group->draws(), group == target));
+    }
+  }
+  return rearrange(withoutSelected(aryDraw_, target == nullptr), inside);
+}
+
+namespace {
+
+/// Notes what the groups among the draws hold, down to the innermost.
+void noteGroups(const DrawArray& draws, LayerDrawsStatus& status) {
+  for (const auto& draw : draws) {
+    const auto group = std::dynamic_pointer_cast<DrawGroup>(draw);
+    if (group == nullptr) continue;
+    status.groups.emplace_back(group, group->draws());
+    noteGroups(group->draws(), status);
+  }
+}
+
+}  // namespace
+
+LayerDrawsStatus PaintManager::savedLayerDrawsStatus() const {
+  LayerDrawsStatus status{aryDraw_, drawBackground_, {}};
+  noteGroups(aryDraw_, status);
+  return status;
+}
+
+void PaintManager::restoreFromLayerStatus(const LayerDrawsStatus& status) {
+  // Whatever groups hold now, on either side, is let go first: a draw has one place.
+  const LayerDrawsStatus now = savedLayerDrawsStatus();
+  for (const auto* groups : {&now.groups, &status.groups}) {
+    for (const auto& [group, draws] : *groups) group->removeAllDraws();
+  }
+  for (const auto& draw : status.draws) takeOutOfGroup(draw);
+  for (const auto& [group, draws] : status.groups) group->setDraws(draws);
+  aryDraw_ = status.draws;
+  drawBackground_ = status.background;
+  raiseRefreshControl(kRebuildBuffer);
+}
+
 bool PaintManager::canGroupDraws(Selection draws) const {
   const DrawSet selected = setOf(draws);
+  const auto found = std::count_if(aryDraw_.begin(), aryDraw_.end(),
+                                   [&](const auto& draw) { return selected.contains(draw.get()); });
   return selected.size() >= 2 && !selected.contains(drawBackground_.get()) &&
-         std::all_of(draws.begin(), draws.end(),
-                     [this](const auto& draw) { return containsDraw(draw.get()); });
+         static_cast<size_t>(found) == selected.size();
 }
 
 std::shared_ptr<DrawGroup> PaintManager::groupDraws(Selection draws) {
-  if (!canGroupDraws(draws)) return nullptr;
+  const auto group = DrawGroup::initWithDraws({});
+  return groupDraws(draws, group) ? group : nullptr;
+}
+
+bool PaintManager::groupDraws(Selection draws, const std::shared_ptr<DrawGroup>& withDraw) {
+  if (!canGroupDraws(draws) || withDraw == nullptr || containsDraw(withDraw.get()) ||
+      withDraw->group() != nullptr) {
+    return false;
+  }
   const DrawSet selected = setOf(draws);
   DrawArray inside, list;
   size_t place = 0;
@@ -159,16 +265,15 @@ std::shared_ptr<DrawGroup> PaintManager::groupDraws(Selection draws) {
       list.push_back(draw);
     }
   }
-  auto group = DrawGroup::initWithDraws(std::move(inside));
-  list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), group);
-  aryDraw_ = std::move(list);
-  raiseRefreshControl(kRebuildBuffer);
-  return group;
+  withDraw->setDraws(std::move(inside));
+  list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), withDraw);
+  return rearrange(std::move(list), {});
 }
 
 bool PaintManager::canUnGroupDraws(Selection draws) const {
-  return std::any_of(draws.begin(), draws.end(), [this](const auto& draw) {
-    return asGroup(draw) != nullptr && containsDraw(draw.get());
+  const DrawSet selected = setOf(draws);
+  return std::any_of(aryDraw_.begin(), aryDraw_.end(), [&](const auto& draw) {
+    return selected.contains(draw.get()) && asGroup(draw) != nullptr;
   });
 }
 
@@ -186,9 +291,7 @@ bool PaintManager::unGroupDraws(Selection draws) {
     group->removeAllDraws();
     list.insert(list.end(), inside.begin(), inside.end());
   }
-  aryDraw_ = std::move(list);
-  raiseRefreshControl(kRebuildBuffer);
-  return true;
+  return rearrange(std::move(list), {});
 }
 
 bool PaintManager::replaceDraw(const std::shared_ptr<DrawBase>& draw,
@@ -210,19 +313,5 @@ bool PaintManager::replaceDraw(const std::shared_ptr<DrawBase>& draw,
     if (group == nullptr || !group->replaceDraw(draw.get(), withDraw)) return false;
   }
   respondToChangeOfDraws({&withDraw, 1});
-  return true;
-}
-
-bool PaintManager::cropWithRect(const NSRect& rect) {
-  const NSSize size{std::trunc(NSWidth(rect)), std::trunc(NSHeight(rect))};
-  const CGFloat pixels = size.width * size.height;
-  if (!(size.width >= 1 && size.height >= 1 &&
-        pixels <= static_cast<CGFloat>(limits::kMaxCanvasPixels))) {
-    return false;
-  }
-  if (!std::isfinite(NSMinX(rect)) || !std::isfinite(NSMinY(rect))) return false;
-  for (const auto& draw : aryDraw_) draw->moveByX(-NSMinX(rect), -NSMinY(rect));
-  setSize(size);
-  raiseRefreshControl(kRebuildBuffer);
   return true;
 }

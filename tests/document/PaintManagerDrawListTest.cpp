@@ -2,14 +2,17 @@
 
 #include <map>
 #include <random>
+#include <set>
 
 #include "document/DrawGroup.h"
+#include "document/LayerDrawsStatus.h"
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/shapes/DrawRectangle.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "platform/graphics/NSColor.h"
 #include "support/Bitmaps.h"
+#include "support/FilterChart.h"
 
 namespace {
 
@@ -100,6 +103,7 @@ TEST_F(DrawList, SelectedDrawsMoveAmongTheirNeighbours) {
       {"abcd", "ab", kDown, "abcd", kImagesCurrent},
       {"a(bcd)", "b", kFront, "a(cdb)", kRefreshFullImage},
       {"a(bcd)", "b", kUp, "a(cbd)", kRefreshFullImage},
+      {"a(bcd)", "d", kBack, "a(dbc)", kRebuildBuffer},
       {"(bcd)a", "b", kUp, "(cbd)a", kRebuildBuffer},
       {"(bcd)a", "d", kBack, "(dbc)a", kRebuildBuffer},
       {"(bc)a", "0b", kUp, "a(bc)", kRebuildBuffer},
@@ -114,6 +118,115 @@ TEST_F(DrawList, SelectedDrawsMoveAmongTheirNeighbours) {
     EXPECT_EQ(order(), c.expected) << c.list << " with " << c.selection;
     EXPECT_EQ(document_.imageRefreshControl(), c.control) << c.list << " with " << c.selection;
   }
+}
+
+TEST_F(DrawList, DrawsMoveToAPlaceInTheListOrInAGroup) {
+  const struct {
+    const char* list;
+    const char* selection;
+    const char* target;
+    uint64_t index;
+    const char* expected;
+    int64_t control;
+  } cases[] = {
+      {"abcd", "a", "", 3, "bcad", kRebuildBuffer},
+      {"abcd", "da", "", 2, "badc", kRebuildBuffer},
+      {"abcd", "ab", "", 4, "cdab", kRebuildBuffer},
+      {"abcd", "bc", "", 2, "abcd", kImagesCurrent},
+      {"a(bc)d", "ad", "0", 1, "(badc)", kRebuildBuffer},
+      {"a(bc)", "b", "0", 2, "a(cb)", kRefreshFullImage},
+      {"a(bc)d", "c", "", 0, "ca(b)d", kRebuildBuffer},
+      {"(ab)(cd)", "ad", "1", 0, "(b)(adc)", kRebuildBuffer},
+      {"(ab)(cd)", "0", "1", 1, "(c(ab)d)", kRebuildBuffer},
+      {"(ab)c", "0a", "", 2, "c(b)a", kRebuildBuffer},
+      // Refused: no draw of the document, no group, a group into itself, beyond the end.
+      {"abcd", "ah", "", 0, "abcd", kImagesCurrent},
+      {"abcd", "a", "b", 0, "abcd", kImagesCurrent},
+      {"a(bc)", "0", "0", 0, "a(bc)", kImagesCurrent},
+      {"a(bc)", "a", "0", 3, "a(bc)", kImagesCurrent},
+      {"abcd", "", "", 0, "abcd", kImagesCurrent},
+  };
+  for (const auto& c : cases) {
+    document_ = PaintManager();
+    groups_.clear();
+    make(c.list);
+    document_.fullImage();
+    const auto target = *c.target != 0 ? pick(c.target).front() : nullptr;
+    EXPECT_EQ(document_.moveDraws(pick(c.selection), target, c.index),
+              std::string(c.list) != c.expected);
+    EXPECT_EQ(order(), c.expected) << c.list << " with " << c.selection;
+    EXPECT_EQ(document_.imageRefreshControl(), c.control) << c.list << " with " << c.selection;
+  }
+}
+
+TEST_F(DrawList, TheBackgroundDrawKeepsItsPlace) {
+  document_.setSize({32, 32});
+  document_.setBackgroundImage(NSBitmapImageRep::create(32, 32));
+  make("ab");
+  const std::shared_ptr<DrawBase> background = document_.backgroundDraw();
+  const DrawArray all = document_.allDraws();
+  EXPECT_FALSE(document_.moveDraws(DrawArray{background}, nullptr, 2));
+  EXPECT_FALSE(document_.moveDraws(pick("b"), nullptr, 0));
+  EXPECT_FALSE(document_.insertDraw(named_['c'], 0));
+  EXPECT_FALSE(document_.moveDrawsToFront(DrawArray{background}));
+  EXPECT_FALSE(document_.moveDownDraws(pick("a")));
+  EXPECT_EQ(document_.groupDraws(DrawArray{background, named_['a']}), nullptr);
+  EXPECT_EQ(document_.allDraws(), all);
+  EXPECT_TRUE(document_.removeDraw(background));
+  EXPECT_EQ(document_.backgroundDraw(), nullptr);
+}
+
+TEST_F(DrawList, LayerOrderIsThatOfTheDocument) {
+  make("a(bc)d");
+  EXPECT_EQ(letters(document_.drawsInLayerOrder(pick("dcha"))), "acd");
+  EXPECT_EQ(letters(document_.drawsInLayerOrder(pick("c0"))), "(bc)c");
+}
+
+TEST_F(DrawList, ADrawHasOnePlace) {
+  make("a(bc)d");
+  const auto control = document_.imageRefreshControl();
+  EXPECT_TRUE(document_.addDraw(named_['b']));
+  EXPECT_EQ(order(), "a(c)db");
+  EXPECT_EQ(named_['b']->group(), nullptr);
+  EXPECT_TRUE(document_.insertDraw(named_['c'], 0));
+  EXPECT_EQ(order(), "ca()db");
+  EXPECT_EQ(document_.imageRefreshControl(), control);
+  EXPECT_FALSE(groups_[0]->insertDraw(groups_[0], 0));
+  const auto other = DrawGroup::initWithDraws({named_['e']});
+  EXPECT_TRUE(groups_[0]->insertDraw(named_['e'], 0));
+  EXPECT_EQ(letters({groups_[0], other}), "(e)()");
+}
+
+TEST_F(DrawList, EveryDrawGoesBackToItsPlace) {
+  make("a(bc)d(ef)");
+  const LayerDrawsStatus status = document_.savedLayerDrawsStatus();
+  document_.moveDraws(pick("0d"), groups_[1], 1);
+  document_.removeDraw(named_['a']);
+  document_.addDraw(named_['b']);
+  document_.addDraw(named_['g']);
+  EXPECT_EQ(order(), "(e(c)df)bg");
+  document_.fullImage();
+  document_.restoreFromLayerStatus(status);
+  EXPECT_EQ(order(), "a(bc)d(ef)");
+  EXPECT_EQ(document_.imageRefreshControl(), kRebuildBuffer);
+  EXPECT_EQ(named_['b']->group(), groups_[0].get());
+  EXPECT_EQ(groups_[0]->group(), nullptr);
+}
+
+TEST_F(DrawList, DrawsAreFoundByWhatTheyPaint) {
+  make("a(bh)");  // a: (0, 0, 12, 9), b: (1, 2, 12, 9), h: (7, 14, 12, 9)
+  EXPECT_EQ(letters(document_.drawsInRect(NSMakeRect(2, 1, 2, 0.5))), "a");
+  EXPECT_EQ(letters(document_.drawsInRect(NSMakeRect(8, 8.5, 4, 10))), "a(bh)");
+  EXPECT_EQ(letters(document_.drawsInRect(NSMakeRect(8, 20, 4, 10))), "(bh)");
+  EXPECT_EQ(letters(document_.drawsInRect(NSMakeRect(20, 0, 4, 40))), "");
+  EXPECT_EQ(groups_[0]->drawRect(), NSMakeRect(1, 2, 18, 21));
+  named_['h']->setVisible(false);
+  EXPECT_EQ(groups_[0]->renderedRect(), NSMakeRect(1, 2, 12, 9));
+  named_['a']->setEnableStroke(true);
+  named_['a']->setStrokeColor(NSColor::blackColor());
+  named_['a']->setLineWidth(4);
+  named_['a']->setVisible(true);
+  EXPECT_EQ(letters(document_.drawsInRect(NSMakeRect(-4, -4, 3, 3))), "a") << "the stroke's edge";
 }
 
 TEST_F(DrawList, WhetherDrawsCanMove) {
@@ -139,6 +252,11 @@ TEST_F(DrawList, GroupsAreMadeAndDissolved) {
   EXPECT_TRUE(document_.unGroupDraws(DrawArray{group}));
   EXPECT_EQ(order(), "acbde");
   EXPECT_EQ(named_['b']->group(), nullptr);
+
+  EXPECT_FALSE(document_.groupDraws(pick("ab"), nullptr));
+  EXPECT_TRUE(document_.groupDraws(pick("ba"), group));
+  EXPECT_EQ(order(), "c(ab)de") << "the group is used again";
+  EXPECT_FALSE(document_.groupDraws(pick("cd"), group)) << "has its place already";
 }
 
 TEST_F(DrawList, DrawsAreReplacedInPlace) {
@@ -151,18 +269,6 @@ TEST_F(DrawList, DrawsAreReplacedInPlace) {
   EXPECT_EQ(order(), "eb(fd)");
   EXPECT_EQ(named_['c']->group(), nullptr);
   EXPECT_EQ(named_['f']->group(), groups_[0].get());
-}
-
-TEST_F(DrawList, CroppingMovesEverything) {
-  make("a(b)");
-  const NSRect a = named_['a']->pathBounds(), b = named_['b']->pathBounds();
-  EXPECT_FALSE(document_.cropWithRect(NSMakeRect(0, 0, 0.5, 10)));
-  EXPECT_FALSE(document_.cropWithRect(NSMakeRect(0, 0, 1e6, 1e6)));
-  EXPECT_TRUE(document_.cropWithRect(NSMakeRect(3, 4, 20.9, 10)));
-  EXPECT_EQ(document_.size(), NSMakeSize(20, 10));
-  EXPECT_EQ(named_['a']->pathBounds(), NSOffsetRect(a, -3, -4));
-  EXPECT_EQ(named_['b']->pathBounds(), NSOffsetRect(b, -3, -4));
-  EXPECT_EQ(document_.fullImage()->pixelsWide(), 20);
 }
 
 TEST_F(DrawList, AChangeOnTopDoesNotHideOneBelow) {
@@ -183,7 +289,7 @@ class RandomEditor {
 
   void step() {
     const auto fresh = square(below(20), below(20), below(100) / 100.0);
-    switch (below(13)) {
+    switch (below(18)) {
       case 0:
       case 1:
         document_.addDraw(fresh);
@@ -218,6 +324,24 @@ class RandomEditor {
       case 11:
         change();
         break;
+      case 12:
+        document_.moveDraws(some(), below(2) == 0 ? any() : nullptr, below(6));
+        break;
+      case 13:
+        if (below(3) == 0) statuses_.push_back(document_.savedLayerDrawsStatus());
+        break;
+      case 14:
+        if (below(4) == 0 && !statuses_.empty()) {
+          document_.restoreFromLayerStatus(
+              statuses_[below(static_cast<unsigned>(statuses_.size()))]);
+        }
+        break;
+      case 15:
+        resize();
+        break;
+      case 16:
+        changeBackground();
+        break;
       default:
         if (below(8) == 0) document_.clearMemeryBuffer();
         if (below(3) == 0) document_.fullImage();
@@ -249,6 +373,41 @@ class RandomEditor {
     }
     return draws;
   }
+  void resize() {
+    const NSSize size{24.0 + below(17), 24.0 + below(17)};
+    switch (below(6)) {
+      case 0:
+        document_.resizeToSize(size, ResampleLayer::yes, NSZeroPoint);
+        break;
+      case 1:
+        document_.resizeToSize(size, ResampleLayer::no, {0.5, 1});
+        break;
+      case 2:
+        document_.cropWithRect({{below(3) - 1.0, below(3) - 1.0}, size});
+        break;
+      default:
+        document_.drawsInRect({{4, 4}, size});
+    }
+  }
+  void changeBackground() {
+    const auto picture = plainBitmap(20 + below(9), 20 + below(9), {0, 200, 100, 255});
+    switch (below(5)) {
+      case 0:
+        document_.setBackgroundImage(picture);
+        break;
+      case 1:
+        document_.setBackgroundImage(nullptr);
+        break;
+      case 2:
+        document_.setBackgroundDraw(DrawImage2::initWithImage(picture));
+        break;
+      case 3:
+        document_.setMaskBackground(!document_.maskBackground());
+        break;
+      default:
+        document_.setBackgroundColor(NSColor::colorWithCalibratedRed(0.5, below(2), 1, 0.5));
+    }
+  }
   void change() {
     const auto draw = any();
     if (draw == nullptr) return;
@@ -262,18 +421,25 @@ class RandomEditor {
 
   PaintManager& document_;
   std::minstd_rand random_;
+  std::vector<LayerDrawsStatus> statuses_;
 };
+
+void expectBackReferences(const DrawArray& draws, const DrawBase* group,
+                          std::set<const DrawBase*>& seen) {
+  for (const auto& draw : draws) {
+    ASSERT_TRUE(seen.insert(draw.get()).second) << "a draw has one place";
+    ASSERT_EQ(draw->group(), group);
+    const auto* inner = dynamic_cast<const DrawGroup*>(draw.get());
+    if (inner != nullptr) expectBackReferences(inner->draws(), inner, seen);
+  }
+}
 
 void expectInvariants(const PaintManager& document) {
   if (document.backgroundDraw() != nullptr) {
     ASSERT_EQ(document.allDraws().at(0), document.backgroundDraw());
   }
-  for (const auto& draw : document.allDraws()) {
-    ASSERT_EQ(draw->group(), nullptr);
-    const auto* group = dynamic_cast<const DrawGroup*>(draw.get());
-    if (group == nullptr) continue;
-    for (const auto& sub : group->draws()) ASSERT_EQ(sub->group(), group);
-  }
+  std::set<const DrawBase*> seen;
+  expectBackReferences(document.allDraws(), nullptr, seen);
 }
 
 }  // namespace
@@ -283,8 +449,7 @@ TEST(DrawListProperties, AnySequenceKeepsTheInvariantsAndTheImageCurrent) {
     PaintManager document;
     document.setSize({32, 32});
     if (seed % 2 == 0) {
-      auto picture = NSBitmapImageRep::create(32, 32);
-      document.setBackgroundDraw(DrawImage2::initWithImage(picture));
+      document.setBackgroundImage(NSBitmapImageRep::create(32, 32));
     }
     RandomEditor editor(document, seed);
     for (int step = 0; step < 150; ++step) {
