@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/NSObject.h"
+#include "platform/graphics/ZeroedMemory.h"
 
 class NSData;
 
@@ -38,7 +40,6 @@ class NSBitmapImageRep : public NSObject {
   NSBitmapImageRep() = default;
   NSBitmapImageRep(const NSBitmapImageRep&) = delete;
   NSBitmapImageRep& operator=(const NSBitmapImageRep&) = delete;
-  ~NSBitmapImageRep() override;
 
   /// The picture in a PNG, JPEG, TIFF or WebP file: sRGB, upright, hasAlpha as in the file. Null
   /// when the data is none or too large.
@@ -65,8 +66,10 @@ class NSBitmapImageRep : public NSObject {
   size_t bytesPerRow() const { return static_cast<size_t>(width_) * 4; }
 
   /// The pixels, for reading. Row y starts at bitmapData() + y * bytesPerRow().
-  const uint8_t* bitmapData() const { return data_; }
-  const uint8_t* row(int64_t y) const { return data_ + static_cast<size_t>(y) * bytesPerRow(); }
+  const uint8_t* bitmapData() const { return memory_.data(); }
+  const uint8_t* row(int64_t y) const {
+    return memory_.data() + static_cast<size_t>(y) * bytesPerRow();
+  }
 
   /// Announces that rows [first, end) are about to be written and returns the first byte of row
   /// `first`. The range must lie inside the bitmap.
@@ -87,14 +90,13 @@ class NSBitmapImageRep : public NSObject {
   std::shared_ptr<NSBitmapImageRep> copy() const;
 
  private:
-  NSBitmapImageRep(int64_t width, int64_t height, uint8_t* data)
-      : width_(width), height_(height), data_(data) {}
+  NSBitmapImageRep(int64_t width, int64_t height, ZeroedMemory memory)
+      : width_(width), height_(height), memory_(std::move(memory)) {}
   void takePixels(NSBitmapImageRep& other);
-  size_t byteCount() const { return bytesPerRow() * static_cast<size_t>(height_); }
 
   int64_t width_ = 0;
   int64_t height_ = 0;
-  uint8_t* data_ = nullptr;
+  ZeroedMemory memory_;
   RowRange used_;
   bool hasAlpha_ = true;
 };

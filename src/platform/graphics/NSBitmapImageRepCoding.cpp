@@ -66,7 +66,7 @@ std::shared_ptr<NSData> NSBitmapImageRep::representationUsingType(NSBitmapImageF
 void NSBitmapImageRep::takePixels(NSBitmapImageRep& other) {
   std::swap(width_, other.width_);
   std::swap(height_, other.height_);
-  std::swap(data_, other.data_);
+  std::swap(memory_, other.memory_);
   std::swap(used_, other.used_);
   std::swap(hasAlpha_, other.hasAlpha_);
 }

@@ -36,9 +36,8 @@ int32_t leadingZeros(const uint8_t* bytes, int32_t n) {
 
 AlphaMask::AlphaMask(const PixelBox& box) {
   if (box.empty()) return;
-  const auto bytes = static_cast<size_t>(box.width()) * static_cast<size_t>(box.height());
-  bytes_.reset(static_cast<uint8_t*>(std::calloc(bytes, 1)));
-  if (bytes_ != nullptr) box_ = box;
+  bytes_ = ZeroedMemory(static_cast<size_t>(box.width()) * static_cast<size_t>(box.height()));
+  if (!bytes_.empty()) box_ = box;
 }
 
 void MaskSink::row(int32_t y, std::span<const CoverageRun> runs) {

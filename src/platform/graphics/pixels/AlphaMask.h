@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
+#include <vector>
 
+#include "platform/graphics/ZeroedMemory.h"
 #include "platform/graphics/pixels/CoverageShape.h"
 #include "platform/graphics/pixels/PixelBox.h"
 #include "platform/graphics/pixels/RowSource.h"
@@ -17,19 +17,16 @@ class AlphaMask {
 
   const PixelBox& box() const { return box_; }
   /// Row y from the box's first column on; y must lie inside the box.
-  uint8_t* row(int32_t y) { return bytes_.get() + offset(y); }
-  const uint8_t* row(int32_t y) const { return bytes_.get() + offset(y); }
+  uint8_t* row(int32_t y) { return bytes_.data() + offset(y); }
+  const uint8_t* row(int32_t y) const { return bytes_.data() + offset(y); }
 
  private:
-  struct Free {
-    void operator()(uint8_t* bytes) const { std::free(bytes); }
-  };
   size_t offset(int32_t y) const {
     return static_cast<size_t>(int64_t{y} - box_.y0) * static_cast<size_t>(box_.width());
   }
 
   PixelBox box_;
-  std::unique_ptr<uint8_t[], Free> bytes_;
+  ZeroedMemory bytes_;
 };
 
 /// Writes coverage into a mask: as it is for solid paint, times the alpha of the pixels for paint
