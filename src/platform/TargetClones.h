@@ -17,3 +17,7 @@
 // Not inlined either: a loop that is loses the promises its restrict parameters make.
 #define VECTOR_CLONES __attribute__((noinline))
 #endif
+
+/// INTO_CLONES before a helper of such a function that is more than a few instructions long: left
+/// to itself the compiler may call it, compiled for the lowest level, from every clone.
+#define INTO_CLONES inline __attribute__((always_inline))

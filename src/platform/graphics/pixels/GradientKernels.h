@@ -6,7 +6,8 @@
 /// entries plus one half, so that truncation rounds; they are held within the table.
 
 /// Entry start + i step.
-void linearGradientRow(uint32_t* out, int32_t n, const uint32_t* table, float start, float step);
+void linearGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
+                       float start, float step);
 
 /// Entry offset + |(x + i dx, y + i dy)|.
 struct ConcentricRow {
@@ -16,7 +17,7 @@ struct ConcentricRow {
   float dy = 0;
   float offset = 0;
 };
-void concentricGradientRow(uint32_t* out, int32_t n, const uint32_t* table,
+void concentricGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
                            const ConcentricRow& row);
 
 /// Circles that grow from (0, 0) with radius r0 by (moveX, moveY) and `growth` per location, each
@@ -34,5 +35,5 @@ struct NestedCirclesRow {
   float growth = 0;
   float a = 0;
 };
-void nestedCirclesGradientRow(uint32_t* out, int32_t n, const uint32_t* table,
+void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
                               const NestedCirclesRow& row);

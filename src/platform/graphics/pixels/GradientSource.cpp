@@ -47,6 +47,10 @@ class LinearSource final : public RowSource {
  private:
   void fetch(int32_t x, int32_t y, int32_t n, uint32_t* out) const {
     const double start = field_.at(x + 0.5, y + 0.5);
+    if (field_.dx == 0) {
+      fillSpan(out, n, constantPixel(start));
+      return;
+    }
     linearGradientRow(out, n, table_.pixels(), static_cast<float>(start * kLastEntry + 0.5),
                       static_cast<float>(field_.dx * kLastEntry));
     if (extent_ == GradientExtent::both) return;
@@ -56,6 +60,16 @@ class LinearSource final : public RowSource {
           (location < 0 && !extendsBefore(extent_)) || (location > 1 && !extendsAfter(extent_));
       if (hidden) out[i] = 0;
     }
+  }
+
+  bool hides(double location) const {
+    return (location < 0 && !extendsBefore(extent_)) || (location > 1 && !extendsAfter(extent_));
+  }
+
+  uint32_t constantPixel(double location) const {
+    if (hides(location)) return 0;
+    const double entry = std::clamp(location, 0.0, 1.0) * kLastEntry;
+    return table_.pixels()[static_cast<int>(entry + 0.5)];
   }
 
   /// Rows that are all alike are computed once, in pieces as they are asked for.
