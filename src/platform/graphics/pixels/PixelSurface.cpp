@@ -8,6 +8,9 @@ PixelSurface::PixelSurface(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x0,
   if (bitmap_ == nullptr) return;
   box_ = {x0, y0, x0 + static_cast<int32_t>(bitmap_->pixelsWide()),
           y0 + static_cast<int32_t>(bitmap_->pixelsHigh())};
+  void* const bytes = bitmap_->writableRows(0, 0);
+  pixels_ = static_cast<uint32_t*>(bytes);
+  stride_ = bitmap_->pixelsWide();
 }
 
 PixelBox PixelSurface::used() const {
@@ -17,16 +20,11 @@ PixelBox PixelSurface::used() const {
           box_.y0 + static_cast<int32_t>(rows.end)};
 }
 
-uint32_t* PixelSurface::paint(const PixelBox& pixels) {
-  assert(!pixels.empty() && box_.contains(pixels));
-  painted_ = unionBox(painted_, pixels);
-  void* const bytes = bitmap_->writableRows(pixels.y0 - box_.y0, pixels.y1 - box_.y0);
-  return static_cast<uint32_t*>(bytes) + (pixels.x0 - box_.x0);
-}
-
-const uint32_t* PixelSurface::pixels(int32_t x, int32_t y) const {
-  const void* const bytes = bitmap_->row(y - box_.y0);
-  return static_cast<const uint32_t*>(bytes) + (x - box_.x0);
+void PixelSurface::announcePainted(const PixelBox& box) {
+  assert(box.empty() || box_.contains(box));
+  if (box.empty()) return;
+  painted_ = unionBox(painted_, box);
+  bitmap_->writableRows(box.y0 - box_.y0, box.y1 - box_.y0);
 }
 
 void PixelSurface::clear() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -14,24 +15,31 @@ class PixelSurface {
   PixelSurface(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x0, int32_t y0);
 
   const PixelBox& box() const { return box_; }
-  /// Smallest box of the pixels that were announced for painting through this object.
+  /// Smallest box of the pixels that were announced as painted.
   const PixelBox& painted() const { return painted_; }
   const std::shared_ptr<NSBitmapImageRep>& bitmap() const { return bitmap_; }
   /// Rows that may hold anything but transparent pixels.
   PixelBox used() const;
 
-  /// The pixel (x, y), announcing that [x, end) of that row are about to be written. They must lie
-  /// inside the box.
-  uint32_t* paint(int32_t x, int32_t y, int32_t end) { return paint({x, y, end, y + 1}); }
-  /// The same for a box of pixels (not empty): its top left pixel. Rows are box().width() apart.
-  uint32_t* paint(const PixelBox& pixels);
-  const uint32_t* pixels(int32_t x, int32_t y) const;
+  /// The pixel (x, y), which must lie inside the box, and those right of it. Whoever writes them
+  /// announces the box that was painted before anything else uses the bitmap.
+  uint32_t* pixels(int32_t x, int32_t y) { return pixels_ + offset(x, y); }
+  const uint32_t* pixels(int32_t x, int32_t y) const { return pixels_ + offset(x, y); }
+  /// Pixels from one row to the next.
+  ptrdiff_t stride() const { return stride_; }
+  void announcePainted(const PixelBox& box);
 
   /// Makes everything transparent.
   void clear();
 
  private:
+  ptrdiff_t offset(int32_t x, int32_t y) const {
+    return static_cast<ptrdiff_t>(y - box_.y0) * stride_ + (x - box_.x0);
+  }
+
   std::shared_ptr<NSBitmapImageRep> bitmap_;
   PixelBox box_;
   PixelBox painted_;
+  uint32_t* pixels_ = nullptr;
+  ptrdiff_t stride_ = 0;
 };

@@ -62,42 +62,49 @@ SpanCompositor::SpanCompositor(PixelSurface& surface, NSCompositingOperation ope
   }
 }
 
-void SpanCompositor::row(int32_t y, std::span<const CoverageRun> runs) {
+SpanCompositor::~SpanCompositor() {
+  surface_.announcePainted(touched_);
+}
+
+void SpanCompositor::touch(const PixelBox& box) {
+  // Tests, as they hardly ever hold: storing the box anew for each row costs more than a short run.
+  if (box.x0 < touched_.x0) touched_.x0 = box.x0;
+  if (box.x1 > touched_.x1) touched_.x1 = box.x1;
+  if (box.y0 < touched_.y0) touched_.y0 = box.y0;
+  if (box.y1 > touched_.y1) touched_.y1 = box.y1;
+}
+
+void SpanCompositor::rows(int32_t y, int32_t end, std::span<const CoverageRun> runs) {
   const PixelBox& box = surface_.box();
-  if (mode_ == Mode::nothing || y < box.y0 || y >= box.y1 || runs.empty()) return;
-  // Announced once: what lies between the runs is not written.
-  const int32_t left = std::max(runs.front().x, box.x0);
-  const int32_t right = std::min(runs.back().x + runs.back().length, box.x1);
-  if (left >= right) return;
-  uint32_t* const pixels = surface_.paint(left, y, right);
+  y = std::max(y, box.y0);
+  end = std::min(end, box.y1);
+  if (mode_ == Mode::nothing || y >= end) return;
   for (const CoverageRun& whole : runs) {
-    const CoverageRun run = cutTo(whole, left, right);
+    const CoverageRun run = cutTo(whole, box.x0, box.x1);
     if (run.length <= 0) continue;
-    uint32_t* const d = pixels + (run.x - left);
-    if (isSolid()) {
-      solidRun(d, run);
+    touch({run.x, y, run.x + run.length, end});
+    if (mode_ == Mode::mixSolid || mode_ == Mode::overSolid) {
+      solidRun(y, end, run);
     } else {
-      sourceRun(d, y, run);
+      for (int32_t i = y; i < end; ++i) sourceRun(surface_.pixels(run.x, i), i, run);
     }
   }
 }
 
-void SpanCompositor::rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
-  if (!isSolid()) {
-    CoverageSink::rows(y0, y1, runs);
-    return;
-  }
-  const PixelBox& box = surface_.box();
-  for (const CoverageRun& whole : runs) {
-    const CoverageRun run = cutTo(whole, box.x0, box.x1);
-    const PixelBox painted{run.x, std::max(y0, box.y0), run.x + run.length, std::min(y1, box.y1)};
-    if (painted.empty()) continue;
-    uint32_t* d = surface_.paint(painted);
-    for (int64_t n = painted.height(); n > 0; --n, d += box.width()) solidRun(d, run);
+void SpanCompositor::solidRun(int32_t y, int32_t end, const CoverageRun& run) {
+  uint32_t* d = surface_.pixels(run.x, y);
+  const bool fills = mode_ == Mode::mixSolid && run.covers == nullptr && run.cover == 255 &&
+                     run.length >= kShortSpan;
+  for (; y < end; ++y, d += surface_.stride()) {
+    if (fills) {
+      fillSpan(d, run.length, paint_.pixel);
+    } else {
+      solidSpan(d, run);
+    }
   }
 }
 
-void SpanCompositor::solidRun(uint32_t* d, const CoverageRun& run) const {
+void SpanCompositor::solidSpan(uint32_t* d, const CoverageRun& run) const {
   const uint32_t s = paint_.pixel;
   const int32_t n = run.length;
   const bool mix = mode_ == Mode::mixSolid;
@@ -105,12 +112,8 @@ void SpanCompositor::solidRun(uint32_t* d, const CoverageRun& run) const {
     mix ? shortMix(d, run, s) : shortSolid(d, run, s);
   } else if (run.covers != nullptr) {
     mix ? mixSolid(d, n, s, run.covers) : overSolid(d, n, s, run.covers);
-  } else if (!mix) {
-    overSolid(d, n, s, uint32_t{run.cover});
-  } else if (run.cover == 255) {
-    fillSpan(d, n, s);
   } else {
-    mixSolid(d, n, s, uint32_t{run.cover});
+    mix ? mixSolid(d, n, s, uint32_t{run.cover}) : overSolid(d, n, s, uint32_t{run.cover});
   }
 }
 
@@ -144,7 +147,8 @@ const uint32_t* SpanCompositor::sourcePixels(int32_t x, int32_t y, int32_t n,
                                              uint32_t* buffer) const {
   const uint32_t* const s = paint_.source->row(x, y, n, buffer);
   if (paint_.alpha == 255) return s;
-  scaleRow(buffer, s, n, paint_.alpha);
+  if (s != buffer) std::memcpy(buffer, s, static_cast<size_t>(n) * sizeof(uint32_t));
+  scaleRow(buffer, n, paint_.alpha);
   return buffer;
 }
 

@@ -45,6 +45,6 @@ VECTOR_CLONES void overRow(uint32_t* d, int32_t n, const uint32_t* s, const uint
   for (int32_t i = 0; i < n; ++i) d[i] = sourceOverSaturating(scaled(s[i], covers[i]), d[i]);
 }
 
-VECTOR_CLONES void scaleRow(uint32_t* out, const uint32_t* s, int32_t n, uint32_t alpha) {
-  for (int32_t i = 0; i < n; ++i) out[i] = scaled(s[i], alpha);
+VECTOR_CLONES void scaleRow(uint32_t* d, int32_t n, uint32_t alpha) {
+  for (int32_t i = 0; i < n; ++i) d[i] = scaled(d[i], alpha);
 }

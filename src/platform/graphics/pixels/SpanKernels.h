@@ -22,8 +22,8 @@ void overSolid(uint32_t* d, int32_t n, uint32_t s, const uint8_t* covers);
 void overRow(uint32_t* d, int32_t n, const uint32_t* s, uint32_t cover);
 void overRow(uint32_t* d, int32_t n, const uint32_t* s, const uint8_t* covers);
 
-/// out = s scaled by alpha (0..255). `out` may be `s`.
-void scaleRow(uint32_t* out, const uint32_t* s, int32_t n, uint32_t alpha);
+/// d = d scaled by alpha (0..255).
+void scaleRow(uint32_t* d, int32_t n, uint32_t alpha);
 
 /// d = f(s, d) over n pixels.
 using BlendFunction = void (*)(uint32_t* d, const uint32_t* s, int32_t n);

@@ -49,7 +49,8 @@ class ListSource final : public RowSource {
 PixelSurface surfaceOf(const Pixels& pixels) {
   const auto width = static_cast<int32_t>(pixels.size());
   PixelSurface surface(NSBitmapImageRep::create(width, 1), 0, 0);
-  std::copy(pixels.begin(), pixels.end(), surface.paint(0, 0, width));
+  std::copy(pixels.begin(), pixels.end(), surface.pixels(0, 0));
+  surface.announcePainted(surface.box());
   return surface;
 }
 
@@ -146,10 +147,12 @@ TEST(SpanCompositor, RunsAreCutToTheSurfaceAndOnlyPaintedRowsAreAnnounced) {
   const std::vector<uint8_t> covers(40, 255);
   const CoverageRun runs[] = {
       {-5, 3, nullptr, 255}, {80, 25, covers.data(), 0}, {108, 90, nullptr, 255}};
-  SpanCompositor compositor(surface, NSCompositingOperation::copy, SpanPaint::solid(0xff0000ff));
-  compositor.row(49, runs);
-  compositor.row(53, runs);
-  compositor.row(60, runs);
+  {
+    SpanCompositor compositor(surface, NSCompositingOperation::copy, SpanPaint::solid(0xff0000ff));
+    compositor.row(49, runs);
+    compositor.row(53, runs);
+    compositor.row(60, runs);
+  }
   EXPECT_EQ(surface.painted(), (PixelBox{100, 53, 110, 54}));
   EXPECT_EQ(surface.bitmap()->usedRows().first, 3);
   EXPECT_EQ(surface.bitmap()->usedRows().end, 4);
