@@ -7,11 +7,11 @@
 namespace {
 
 /// round(v w / 2^15), in the form that vector units have an instruction for.
-inline int16_t product(int16_t v, int16_t w) {
+INTO_CLONES int16_t product(int16_t v, int16_t w) {
   return static_cast<int16_t>(((int32_t{v} * int32_t{w} >> 14) + 1) >> 1);
 }
 
-inline uint8_t byteOf(int32_t sample) {
+INTO_CLONES uint8_t byteOf(int32_t sample) {
   constexpr int32_t kHalf = 1 << (kBlurFraction - 1);
   return static_cast<uint8_t>(std::clamp((sample + kHalf) >> kBlurFraction, 0, 255));
 }
@@ -20,18 +20,51 @@ struct TapRows {
   const int16_t* a;
   const int16_t* b;
   int16_t weight;
-  int16_t at(int32_t i) const { return product(static_cast<int16_t>(a[i] + b[i]), weight); }
+  INTO_CLONES int16_t at(int32_t i) const {
+    return product(static_cast<int16_t>(a[i] + b[i]), weight);
+  }
 };
 
 template <int shift>
-inline void interpolate(uint8_t* out, const int16_t* samples, int32_t cells) {
-  constexpr int32_t kSize = 1 << shift;
-  for (int32_t i = 0; i < cells; ++i) {
-    const int32_t from = samples[i];
-    const int32_t step = samples[i + 1] - from;
-    for (int32_t p = 0; p < kSize; ++p) {
-      out[i * kSize + p] = byteOf(from + (step * (2 * p + 1) >> (shift + 1)));
+struct CellSize {
+  static constexpr int32_t kSize = 1 << shift;
+
+  INTO_CLONES static void average(int16_t* out, const uint16_t* sums, int32_t cells) {
+    constexpr int32_t kHalf = 1 << (2 * shift - 1);
+    for (int32_t i = 0; i < cells; ++i) {
+      int32_t sum = 0;
+      for (int32_t p = 0; p < kSize; ++p) sum += sums[i * kSize + p];
+      out[i] = static_cast<int16_t>(((sum << kBlurFraction) + kHalf) >> (2 * shift));
     }
+  }
+
+  INTO_CLONES static void interpolate(uint8_t* out, const int16_t* samples, int32_t cells) {
+    for (int32_t i = 0; i < cells; ++i) {
+      const int32_t from = samples[i];
+      const int32_t step = samples[i + 1] - from;
+      for (int32_t p = 0; p < kSize; ++p) {
+        out[i * kSize + p] = byteOf(from + (step * (2 * p + 1) >> (shift + 1)));
+      }
+    }
+  }
+};
+
+/// Calls `function` with the CellSize for a shift known only now.
+template <class Function>
+INTO_CLONES void withCellSize(int shift, Function function) {
+  switch (shift) {
+    case 1:
+      return function(CellSize<1>());
+    case 2:
+      return function(CellSize<2>());
+    case 3:
+      return function(CellSize<3>());
+    case 4:
+      return function(CellSize<4>());
+    case 5:
+      return function(CellSize<5>());
+    default:
+      return function(CellSize<6>());
   }
 }
 
@@ -76,23 +109,14 @@ VECTOR_CLONES void narrowSamples(uint8_t* out, const int16_t* samples, int32_t n
   for (int32_t i = 0; i < n; ++i) out[i] = byteOf(samples[i]);
 }
 
+VECTOR_CLONES void averageCells(int16_t* out, const uint16_t* sums, int shift, int32_t cells) {
+  withCellSize(
+      shift, [=](auto size) __attribute__((always_inline)) { size.average(out, sums, cells); });
+}
+
 VECTOR_CLONES void interpolateCells(uint8_t* out, const int16_t* samples, int shift,
                                     int32_t cells) {
-  switch (shift) {
-    case 1:
-      interpolate<1>(out, samples, cells);
-      break;
-    case 2:
-      interpolate<2>(out, samples, cells);
-      break;
-    case 3:
-      interpolate<3>(out, samples, cells);
-      break;
-    case 4:
-      interpolate<4>(out, samples, cells);
-      break;
-    default:
-      interpolate<5>(out, samples, cells);
-      break;
-  }
+  withCellSize(
+      shift, [=](auto size)
+                 __attribute__((always_inline)) { size.interpolate(out, samples, cells); });
 }

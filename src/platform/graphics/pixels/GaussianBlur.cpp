@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kMaxDirectReach = 32;
+constexpr int kMaxDirectReach = 16;
 
 /// The kernel over cells of 1 << shift pixels: weights of the cell itself (which is taken as a
 /// pair with itself), of the pair next to it, and so on, padded with zeros to whole tap groups.
@@ -28,17 +28,24 @@ class PixelKernel {
   }
   double sum() const { return sum_; }
 
-  /// The sum over the pixels of a cell `size` pixels wide around `center`; pixels that the cell's
-  /// edges cut count half.
+  /// The weight of a cell `size` pixels wide around `center`.
   double cell(int center, int size) const {
     if (size == 1) return at(center);
+    // Means and interpolation widen the result by a variance of a third of the squared cell size.
+    // Subtracting a sixth of the second difference takes that back.
+    const double change = plainCell(center - size, size) - 2 * plainCell(center, size) +
+                          plainCell(center + size, size);
+    return plainCell(center, size) - change / 6;
+  }
+
+ private:
+  /// The sum over the pixels of a cell; those that its edges cut count half.
+  double plainCell(int center, int size) const {
     const int half = size / 2;
     double sum = (at(center - half) + at(center + half)) / 2;
     for (int k = center - half + 1; k < center + half; ++k) sum += at(k);
     return sum;
   }
-
- private:
   double at(int k) const {
     return std::abs(k) > reach_ ? 0 : std::exp(-double{1} * k * k / (2 * sigma_ * sigma_));
   }
@@ -53,7 +60,7 @@ CellKernel kernelFor(double blur) {
   CellKernel kernel;
   while (reach >> kernel.shift > kMaxDirectReach) ++kernel.shift;
   const int size = 1 << kernel.shift;
-  kernel.reach = (reach + size / 2) / size;
+  kernel.reach = kernel.shift == 0 ? reach : (reach + size / 2) / size + 1;
   const PixelKernel pixels(std::min<double>(blur, kMaxBlurReach), reach);
   int16_t others = 0;
   kernel.weights.push_back(0);
@@ -99,7 +106,6 @@ class CellBlur {
   std::vector<int16_t> zeros_;
   std::vector<int16_t> sums_;
   std::vector<uint16_t> columnSums_;
-  std::vector<int32_t> cellSums_;
   std::vector<const int16_t*> before_;  ///< taps along a row
   std::vector<const int16_t*> after_;
   std::vector<const int16_t*> above_;  ///< taps across rows
@@ -121,8 +127,7 @@ CellBlur::CellBlur(const AlphaMask& mask, const CellKernel& kernel, int32_t firs
   cells_.resize(padded);
   zeros_.resize(width);
   sums_.resize(width);
-  columnSums_.resize(kernel.shift > 0 ? static_cast<size_t>(mask.box().width()) : 0);
-  cellSums_.resize(kernel.shift > 0 ? padded : 0);
+  columnSums_.resize(kernel.shift > 0 ? padded << kernel.shift : 0);
   before_.resize(kernel.weights.size());
   after_.resize(kernel.weights.size());
   above_.resize(kernel.weights.size(), zeros_.data());
@@ -145,17 +150,10 @@ void CellBlur::readCells(int32_t y) {
   std::fill(columnSums_.begin(), columnSums_.end(), uint16_t{0});
   const int32_t rowEnd = std::min(box.y1, (y + 1) << shift);
   for (int32_t row = std::max(box.y0, y << shift); row < rowEnd; ++row) {
-    addBytes(columnSums_.data(), mask_.row(row) + (x0 - box.x0), x1 - x0);
+    addBytes(columnSums_.data() + (x0 - firstCell * (1 << shift)), mask_.row(row) + (x0 - box.x0),
+             x1 - x0);
   }
-  std::fill(cellSums_.begin(), cellSums_.end(), 0);
-  for (int32_t x = x0; x < x1; ++x) {
-    cellSums_[static_cast<size_t>((x >> shift) - firstCell)] +=
-        columnSums_[static_cast<size_t>(x - x0)];
-  }
-  const int32_t half = 1 << (2 * shift - 1);
-  for (size_t i = 0; i < cells_.size(); ++i) {
-    cells_[i] = static_cast<int16_t>(((cellSums_[i] << kBlurFraction) + half) >> (2 * shift));
-  }
+  averageCells(cells_.data(), columnSums_.data(), shift, cellCount);
 }
 
 /// Row `y` of cells blurred along the row.

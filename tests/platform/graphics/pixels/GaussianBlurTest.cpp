@@ -98,7 +98,8 @@ TEST(GaussianBlur, FollowsTheTruncatedGaussianAtEverySize) {
     for (const PixelBox& wanted :
          {movedAndGrown(box, 0, 0, std::min(reach + 3, 120)), PixelBox{3, -20, 50, 31}}) {
       const AlphaMask blurred = gaussianBlur(mask, blur, wanted);
-      EXPECT_LE(Reference(mask, blur, wanted).worstDifference(blurred), reach <= 32 ? 0.6 : 1.5) << blur;
+      EXPECT_LE(Reference(mask, blur, wanted).worstDifference(blurred), reach <= 16 ? 0.6 : 1.5)
+          << blur;
     }
   }
 }
