@@ -92,9 +92,8 @@ std::shared_ptr<NSBitmapImageRep> run(const NSBitmapImageRep& bitmap, Edge edge,
   return result;
 }
 
-std::shared_ptr<NSBitmapImageRep> runColor(
-    const NSBitmapImageRep& bitmap,
-    const std::function<std::array<double, 3>(const std::array<double, 3>&)>& color) {
+std::shared_ptr<NSBitmapImageRep> runColor(const NSBitmapImageRep& bitmap,
+                                           const std::function<Rgb(const Rgb&)>& color) {
   return run(bitmap, Edge::kTransparent, [&](const Picture& p, int64_t x, int64_t y) -> Color {
     const Color c = p.at(x, y);
     if (c[3] == 0) return {};
@@ -136,7 +135,26 @@ std::vector<Color> gaussian(const Picture& picture, double sigma) {
   return result;
 }
 
-std::array<double, 3> highlightShadow(const std::array<double, 3>& color, double h, double s) {
+double luminance(const Rgb& c) {
+  return 0.2125 * c[0] + 0.7154 * c[1] + 0.0721 * c[2];
+}
+
+Rgb controls(const Rgb& c, double saturation, double brightness, double contrast) {
+  const double y = luminance(c);
+  Rgb result;
+  for (int i = 0; i < 3; ++i) {
+    result[i] = (mix(y, c[i], saturation) - 0.5) * contrast + 0.5 + brightness;
+  }
+  return result;
+}
+
+Rgb sepia(const Rgb& c, double intensity) {
+  const double y = luminance(c);
+  return {mix(c[0], std::pow(y, 0.79), intensity), mix(c[1], std::pow(y, 1.11), intensity),
+          mix(c[2], y * y, intensity)};
+}
+
+Rgb highlightShadow(const Rgb& color, double h, double s) {
   const double z = std::clamp(1 - std::pow(std::fabs(s / 0.3), 1.6), 0.0, 1.0);
   const double g = 1 / std::max(1.0, 1.997 - 1 / (1 + std::exp(-6 * h)));
   const double scale = 0.5 + 0.5 * smooth(0.5, 1, s);
@@ -157,7 +175,7 @@ std::array<double, 3> highlightShadow(const std::array<double, 3>& color, double
                              .999446 * k - 1.10803 * i + 1.70542 * q};
   const double restore = std::min(1.0, 30 * peak);
   const double boost = restore * (1 - h);
-  std::array<double, 3> result;
+  Rgb result;
   for (int n = 0; n < 3; ++n) {
     const double c = color[n];
     double shade = 2 * (1 + lift) * std::pow(c * scale, exponent(c));
@@ -175,14 +193,14 @@ std::array<double, 3> highlightShadow(const std::array<double, 3>& color, double
   return result;
 }
 
-std::array<double, 3> hue(const std::array<double, 3>& v, double angle) {
+Rgb hue(const Rgb& v, double angle) {
   const double C = std::cos(angle);
   const double S = std::sin(angle);
   const double m[3][3] = {
       {.213 + .787 * C - .213 * S, .715 - .715 * C - .715 * S, .072 - .072 * C + .928 * S},
       {.213 - .213 * C + .143 * S, .715 + .285 * C + .140 * S, .072 - .072 * C - .283 * S},
       {.213 - .213 * C - .787 * S, .715 - .715 * C + .715 * S, .072 + .928 * C + .072 * S}};
-  std::array<double, 3> result;
+  Rgb result;
   for (int i = 0; i < 3; ++i) result[i] = m[i][0] * v[0] + m[i][1] * v[1] + m[i][2] * v[2];
   return result;
 }
@@ -207,6 +225,102 @@ Site nearestSite(double x, double y, double pitch, double centerX, double center
     }
   }
   return best;
+}
+
+namespace {
+
+constexpr double kCenter = 150;
+
+/// Sample at a place given with y upwards.
+Color sampleUp(const Picture& p, double x, double y) {
+  return p.sample(x, static_cast<double>(p.height()) - y);
+}
+
+double luminance(const Color& c) {
+  return reference::luminance(Rgb{c[0], c[1], c[2]});
+}
+
+double videoLuma(const Color& c) {
+  return .299 * c[0] + .587 * c[1] + .114 * c[2];
+}
+
+size_t indexOf(const Picture& p, int64_t x, int64_t y) {
+  return static_cast<size_t>(y * p.width() + x);
+}
+
+}  // namespace
+
+Bitmap blurred(const NSBitmapImageRep& bitmap, double sigma, Edge edge) {
+  const auto soft = gaussian(Picture(bitmap, edge), sigma);
+  return run(bitmap, edge,
+             [&](const Picture& p, int64_t x, int64_t y) { return soft[indexOf(p, x, y)]; });
+}
+
+Bitmap sharpened(const NSBitmapImageRep& bitmap, double amount) {
+  const auto soft = gaussian(Picture(bitmap, Edge::kNearest), 1.69);
+  return run(bitmap, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
+    Color c = p.at(x, y);
+    const double delta = amount * (luminance(c) - luminance(soft[indexOf(p, x, y)]));
+    for (int i = 0; i < 3; ++i) c[i] = std::clamp(c[i] + delta, 0.0, c[3]);
+    return c;
+  });
+}
+
+Bitmap edges(const NSBitmapImageRep& bitmap, double intensity) {
+  return run(bitmap, Edge::kTransparent, [&](const Picture& p, int64_t x, int64_t y) {
+    const Color a = p.at(x, y);
+    const Color b = p.at(x + 1, y);
+    const Color c = p.at(x, y + 1);
+    const Color d = p.at(x + 1, y + 1);
+    Color out = a;
+    for (int i = 0; i < 3; ++i) {
+      out[i] = std::min(a[3], intensity * (std::pow(d[i] - a[i], 2) + std::pow(b[i] - c[i], 2)));
+    }
+    return out;
+  });
+}
+
+Bitmap edgeWork(const NSBitmapImageRep& bitmap, double radius) {
+  const Picture picture(bitmap, Edge::kNearest);
+  const auto fine = gaussian(picture, radius / 2);
+  const auto coarse = gaussian(picture, radius * 1.5);
+  return run(bitmap, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
+    const size_t at = indexOf(p, x, y);
+    const double alpha = std::clamp(400 * (videoLuma(fine[at]) - videoLuma(coarse[at])), 0.0, 1.0);
+    return Color{alpha, alpha, alpha, alpha};
+  });
+}
+
+Bitmap pixellated(const NSBitmapImageRep& bitmap, double scale) {
+  return run(bitmap, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
+    const double up = static_cast<double>(p.height() - y) - 0.5;
+    const double i = std::floor((static_cast<double>(x) + 0.5 - kCenter) / scale);
+    const double j = std::floor((up - kCenter) / scale);
+    return sampleUp(p, kCenter + (i + 0.5) * scale, kCenter + (j + 0.5) * scale);
+  });
+}
+
+Site siteAt(const NSBitmapImageRep& bitmap, int64_t x, int64_t y, double radius) {
+  const double up = static_cast<double>(bitmap.pixelsHigh() - y) - 0.5;
+  return nearestSite(static_cast<double>(x) + 0.5, up, radius, kCenter, kCenter);
+}
+
+Bitmap crystallized(const NSBitmapImageRep& bitmap, double radius) {
+  return run(bitmap, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
+    const Site site = siteAt(bitmap, x, y, radius);
+    return sampleUp(p, site.x, site.y);
+  });
+}
+
+Bitmap pointillized(const NSBitmapImageRep& bitmap, double radius) {
+  return run(bitmap, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
+    const Site site = siteAt(bitmap, x, y, radius);
+    const double coverage = std::clamp(0.55 * radius - site.distance + 0.5, 0.0, 1.0);
+    const Color dot = sampleUp(p, site.x, site.y);
+    Color out;
+    for (int c = 0; c < 4; ++c) out[c] = mix(dot[3], dot[c], coverage);
+    return out;
+  });
 }
 
 }  // namespace reference

@@ -14,6 +14,8 @@
 namespace reference {
 
 using Color = std::array<double, 4>;  // premultiplied linear light
+using Rgb = std::array<double, 3>;    // straight linear light
+using Bitmap = std::shared_ptr<NSBitmapImageRep>;
 
 enum class Edge { kTransparent, kNearest };
 
@@ -44,16 +46,17 @@ using Function = std::function<Color(const Picture&, int64_t x, int64_t y)>;
 std::shared_ptr<NSBitmapImageRep> run(const NSBitmapImageRep& bitmap, Edge edge,
                                       const Function& pixel);
 /// A function of straight linear colour.
-std::shared_ptr<NSBitmapImageRep> runColor(
-    const NSBitmapImageRep& bitmap,
-    const std::function<std::array<double, 3>(const std::array<double, 3>&)>& color);
+std::shared_ptr<NSBitmapImageRep> runColor(const NSBitmapImageRep& bitmap,
+                                           const std::function<Rgb(const Rgb&)>& color);
 
 /// The picture blurred, row after row.
 std::vector<Color> gaussian(const Picture& picture, double sigma);
 
-std::array<double, 3> highlightShadow(const std::array<double, 3>& color, double highlight,
-                                      double shadow);
-std::array<double, 3> hue(const std::array<double, 3>& c, double angle);
+double luminance(const Rgb& c);
+Rgb controls(const Rgb& c, double saturation, double brightness, double contrast);
+Rgb sepia(const Rgb& c, double intensity);
+Rgb highlightShadow(const Rgb& color, double highlight, double shadow);
+Rgb hue(const Rgb& c, double angle);
 
 /// The nearest point of the jittered grid, in y-up coordinates.
 struct Site {
@@ -64,5 +67,16 @@ struct Site {
   double lead;
 };
 Site nearestSite(double x, double y, double pitch, double centerX, double centerY);
+
+// Whole filters. Grids are centred at (150, 150).
+Bitmap blurred(const NSBitmapImageRep& bitmap, double sigma, Edge edge);
+Bitmap sharpened(const NSBitmapImageRep& bitmap, double amount);
+Bitmap edges(const NSBitmapImageRep& bitmap, double intensity);
+Bitmap edgeWork(const NSBitmapImageRep& bitmap, double radius);
+Bitmap pixellated(const NSBitmapImageRep& bitmap, double scale);
+Bitmap crystallized(const NSBitmapImageRep& bitmap, double radius);
+Bitmap pointillized(const NSBitmapImageRep& bitmap, double radius);
+/// The site that a pixel of the two filters above shows, y downwards.
+Site siteAt(const NSBitmapImageRep& bitmap, int64_t x, int64_t y, double radius);
 
 }  // namespace reference

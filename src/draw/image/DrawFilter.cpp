@@ -5,8 +5,19 @@
 const NSClass DrawFilter::kClass{"DrawFilter", &DrawImage::kClass, NSAllocate<DrawFilter>};
 
 std::shared_ptr<DrawImage2> DrawFilter::convertedDraw() const {
-  auto draw = std::make_shared<DrawFilter2>();
-  draw->init();
+  auto draw = DrawFilter2::initWithImage(image_, nullptr, dFilterType_);
   draw->copyCommonAttributesFrom(*this);
+  draw->setFilterMembers(*this);
   return draw;
+}
+
+bool DrawFilter::initWithCoder(NSCoder& coder) {
+  if (!DrawImage::initWithCoder(coder)) return false;
+  decodeFilter(coder);
+  return true;
+}
+
+void DrawFilter::encodeWithCoder(NSCoder& coder) const {
+  DrawImage::encodeWithCoder(coder);
+  encodeFilter(coder);
 }

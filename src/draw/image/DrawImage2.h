@@ -21,6 +21,9 @@ class DrawImage2 : public DrawRoundRectangle {
   virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image(); }
 
  protected:
+  /// Gives a new draw its defaults, and the bitmap's bounds as its path, without a line.
+  void initWithBitmap(std::shared_ptr<NSBitmapImageRep> image);
+
   std::shared_ptr<NSBitmapImageRep> _image;
 };
 

@@ -10,13 +10,17 @@ const NSClass DrawSVG::kClass{"DrawSVG", &DrawImage2::kClass, NSAllocate<DrawSVG
 
 std::shared_ptr<DrawImage2> DrawImage2::initWithImage(std::shared_ptr<NSBitmapImageRep> image) {
   auto draw = std::make_shared<DrawImage2>();
-  draw->init();
-  if (image != nullptr) {
-    draw->setBezierPathWithBounds({NSZeroPoint, image->size()});
-    draw->setImage(std::move(image));
-  }
-  draw->bezierPath()->setLineWidth(0);
+  draw->initWithBitmap(std::move(image));
   return draw;
+}
+
+void DrawImage2::initWithBitmap(std::shared_ptr<NSBitmapImageRep> image) {
+  init();
+  if (image != nullptr) {
+    setBezierPathWithBounds({NSZeroPoint, image->size()});
+    setImage(std::move(image));
+  }
+  bezierPath()->setLineWidth(0);
 }
 
 std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {

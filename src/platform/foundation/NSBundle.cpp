@@ -9,3 +9,7 @@ std::shared_ptr<NSString> mainBundleObjectForInfoDictionaryKey(std::string_view 
   }
   return nullptr;
 }
+
+std::string localizedStringForKey(std::string_view key, std::string_view value, std::string_view) {
+  return std::string(value.empty() ? key : value);
+}

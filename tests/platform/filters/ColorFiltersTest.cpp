@@ -10,26 +10,12 @@
 
 namespace {
 
-using Rgb = std::array<double, 3>;
-
-double luminance(const Rgb& c) {
-  return 0.2125 * c[0] + 0.7154 * c[1] + 0.0721 * c[2];
-}
+using reference::controls;
+using reference::Rgb;
+using reference::sepia;
 
 Rgb each(const Rgb& c, const std::function<double(double)>& f) {
   return {f(c[0]), f(c[1]), f(c[2])};
-}
-
-Rgb controls(const Rgb& c, double saturation, double brightness, double contrast) {
-  const double y = luminance(c);
-  return each(
-      c, [&](double v) { return (y + (v - y) * saturation - 0.5) * contrast + 0.5 + brightness; });
-}
-
-Rgb sepia(const Rgb& c, double t) {
-  const double y = luminance(c);
-  const double tone[] = {std::pow(y, 0.79), std::pow(y, 1.11), y * y};
-  return {c[0] + (tone[0] - c[0]) * t, c[1] + (tone[1] - c[1]) * t, c[2] + (tone[2] - c[2]) * t};
 }
 
 std::vector<int> colorOf(const Pixel& p) {

@@ -11,29 +11,11 @@
 
 namespace {
 
-using reference::Color;
-using reference::Edge;
-using reference::Picture;
-
-constexpr double kCenter = 150;
-
-/// Sample at a place given with y upwards.
-Color sampleUp(const Picture& p, double x, double y) {
-  return p.sample(x, static_cast<double>(p.height()) - y);
-}
-
 TEST(Pixellate, OneSamplePerCell) {
   const auto chart = filterChart();
   for (const double scale : {1.5, 5.0, 8.0, 20.0, 33.3}) {
-    const auto expected =
-        reference::run(*chart, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
-          const double up = static_cast<double>(p.height() - y) - 0.5;
-          const double i = std::floor((static_cast<double>(x) + 0.5 - kCenter) / scale);
-          const double j = std::floor((up - kCenter) / scale);
-          return sampleUp(p, kCenter + (i + 0.5) * scale, kCenter + (j + 0.5) * scale);
-        });
     const auto result = filtered(chart, "CIPixellate", {{"inputScale", scale}}, true);
-    EXPECT_LE(maxDifference(*result, *expected), 1) << scale;
+    EXPECT_LE(maxDifference(*result, *reference::pixellated(*chart, scale)), 1) << scale;
   }
   EXPECT_EQ(maxDifference(*filtered(chart, "CIPixellate", {{"inputScale", 1}}, true), *chart), 0);
 }
@@ -54,21 +36,11 @@ TEST_P(SiteFilter, CrystallizeShowsTheNearestSite) {
   const auto chart = filterChart();
   const auto result = filtered(chart, "CICrystallize", {{"inputRadius", pitch}}, true);
   int compared = 0;
-  const auto expected =
-      reference::run(*chart, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
-        const double up = static_cast<double>(p.height() - y) - 0.5;
-        const auto site =
-            reference::nearestSite(static_cast<double>(x) + 0.5, up, pitch, kCenter, kCenter);
-        return sampleUp(p, site.x, site.y);
-      });
+  const auto expected = reference::crystallized(*chart, pitch);
   for (int64_t y = 0; y < 64; ++y) {
     for (int64_t x = 0; x < 96; ++x) {
-      const double up = 64 - static_cast<double>(y) - 0.5;
       // Single precision may choose the other of two that are equally near.
-      if (reference::nearestSite(static_cast<double>(x) + 0.5, up, pitch, kCenter, kCenter).lead <
-          1e-3) {
-        continue;
-      }
+      if (reference::siteAt(*chart, x, y, pitch).lead < 1e-3) continue;
       ++compared;
       for (size_t c = 0; c < 4; ++c) {
         EXPECT_NEAR(pixelAt(*result, x, y)[c], pixelAt(*expected, x, y)[c], 1) << x << " " << y;
@@ -82,17 +54,7 @@ TEST_P(SiteFilter, PointillizePaintsDotsOnWhite) {
   const double pitch = GetParam();
   const auto chart = filterChart();
   const auto result = filtered(chart, "CIPointillize", {{"inputRadius", pitch}}, true);
-  const auto expected =
-      reference::run(*chart, Edge::kNearest, [&](const Picture& p, int64_t x, int64_t y) {
-        const double up = static_cast<double>(p.height() - y) - 0.5;
-        const auto site =
-            reference::nearestSite(static_cast<double>(x) + 0.5, up, pitch, kCenter, kCenter);
-        const double coverage = std::clamp(0.55 * pitch - site.distance + 0.5, 0.0, 1.0);
-        const Color dot = sampleUp(p, site.x, site.y);
-        Color out;
-        for (int c = 0; c < 4; ++c) out[c] = dot[c] * coverage + dot[3] * (1 - coverage);
-        return out;
-      });
+  const auto expected = reference::pointillized(*chart, pitch);
   int wrong = 0;
   for (int64_t y = 0; y < 64; ++y) {
     for (int64_t x = 0; x < 96; ++x) {

@@ -1,0 +1,118 @@
+#include "draw/image/ImageFilterMembers.h"
+
+#include "draw/core/DrawAttributes.h"
+#include "draw/image/ImageFilters.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/graphics/NSBezierPath.h"
+
+namespace {
+
+constexpr const char* kFilterType = "FilterType";
+constexpr const char* kImageScissor = "ImageScissor";
+constexpr const char* kFilterSettings = "FilterSettings";
+constexpr const char* kTypeAttribute = "DAKeyFilterType";
+constexpr const char* kSettingsAttribute = "DAKeyFilterSettings";
+
+using Bitmap = std::shared_ptr<NSBitmapImageRep>;
+
+/// Types whose filter is not simply the one that the catalogue names.
+enum SpecialType : int64_t { kInvertColors = 0, kAdjustColors = 3, kBlackAndWhite = 9 };
+
+/// What "adjust colours" goes through. Each filter takes its own keys from the common settings.
+constexpr std::string_view kColorFilters[] = {
+    "CIExposureAdjust", "CIColorControls", "CIHighlightShadowAdjust",
+    "CISepiaTone",      "CIHueAdjust",     "CIGammaAdjust"};
+
+std::shared_ptr<NSObject> scissorOrNull(std::shared_ptr<NSObject> object) {
+  const bool isScissor = dynamic_cast<const NSBezierPath*>(object.get()) != nullptr;
+  return isScissor ? std::move(object) : nullptr;
+}
+
+Bitmap scissored(const Bitmap& image, const NSObject* scissor) {
+  if (const auto* path = dynamic_cast<const NSBezierPath*>(scissor)) {
+    return ScissorImage(image, *path);
+  }
+  return image;
+}
+
+std::shared_ptr<NSMutableDictionary> mutableCopy(const NSDictionary* dictionary) {
+  return dictionary != nullptr ? std::make_shared<NSMutableDictionary>(*dictionary) : nullptr;
+}
+
+}  // namespace
+
+void ImageFilterMembers::initFilter(int64_t type, std::shared_ptr<NSObject> selection) {
+  dFilterType_ = type;
+  dicFilterSettings_ = defaultSettingsForFilter(type);
+  imageScissor_ = scissorOrNull(std::move(selection));
+  dropEffect();
+}
+
+Bitmap ImageFilterMembers::image(const Bitmap& image, int64_t withFilter,
+                                 const NSDictionary* settings, const NSObject* scissor) {
+  const auto name = CIFilterNameWithType(withFilter);
+  if (image == nullptr || !name) return nullptr;
+  if (withFilter == kInvertColors) return ImageInvertedColors(image);
+  if (withFilter == kBlackAndWhite) return ImageToBlackAndWhite(image);
+  if (withFilter == kAdjustColors) {
+    return ImageWithFilters(image, kColorFilters, ExtendEdges::no, settings);
+  }
+  // Without extended edges the whole picture is filtered, whatever the scissor says.
+  if (!extendImageWhenApplyFilter(withFilter)) {
+    return ImageWithFilter(image, name, ExtendEdges::no, settings);
+  }
+  return scissored(ImageWithFilter(image, name, ExtendEdges::yes, settings), scissor);
+}
+
+void ImageFilterMembers::setFilterSettings(const NSDictionary* settings) {
+  dicFilterSettings_ = mutableCopy(settings);
+  dropEffect();
+}
+
+bool ImageFilterMembers::isNewSettings(const NSDictionary* settings) const {
+  return !IsEqualDrawAttributes(dicFilterSettings_.get(), settings);
+}
+
+Bitmap ImageFilterMembers::effectOf(const Bitmap& plain) {
+  if (dicFilterSettings_ == nullptr || plain == nullptr) return plain;
+  if (imageEffect_ == nullptr) {
+    imageEffect_ = image(plain, dFilterType_, dicFilterSettings_.get(), imageScissor_.get());
+  }
+  return imageEffect_;
+}
+
+void ImageFilterMembers::decodeFilter(NSCoder& coder) {
+  dFilterType_ = coder.decodeIntegerForKey(kFilterType);
+  imageScissor_ = scissorOrNull(coder.decodeObjectForKey(kImageScissor));
+  if (coder.containsValueForKey(kFilterSettings)) {
+    const auto settings = coder.decodeObjectOfClass<NSDictionary>(kFilterSettings);
+    const bool any = settings != nullptr && settings->count() > 0;
+    dicFilterSettings_ = any ? mutableCopy(settings.get()) : nullptr;
+  } else {
+    dicFilterSettings_ = defaultSettingsForFilter(dFilterType_);
+  }
+}
+
+void ImageFilterMembers::encodeFilter(NSCoder& coder) const {
+  coder.encodeInteger(dFilterType_, kFilterType);
+  if (imageScissor_ != nullptr) coder.encodeObject(imageScissor_, kImageScissor);
+  if (dicFilterSettings_ != nullptr) coder.encodeObject(dicFilterSettings_, kFilterSettings);
+}
+
+void ImageFilterMembers::putFilterAttributes(NSMutableDictionary& attributes) const {
+  attributes.setObject(NSNumber::numberWithInteger(dFilterType_), kTypeAttribute);
+  if (dicFilterSettings_ != nullptr) {
+    attributes.setObject(mutableCopy(dicFilterSettings_.get()), kSettingsAttribute);
+  }
+}
+
+bool ImageFilterMembers::applyFilterAttributes(const NSDictionary& attributes) {
+  AttributeReader in(attributes);
+  in.number(kTypeAttribute, [this](const NSNumber& n) {
+    dFilterType_ = n.integerValue();
+    dropEffect();
+  });
+  in.object<NSDictionary>(kSettingsAttribute,
+                          [this](const auto& settings) { setFilterSettings(settings.get()); });
+  return in.applied();
+}
