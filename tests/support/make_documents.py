@@ -7,6 +7,7 @@ import os
 import sys
 
 from keyed_archive import Float32, UID
+from make_pictures import png
 from paint_document import DRAW_CLASSES, PRESET_SHAPES, PaintDocument
 
 RED, BLUE = (1, 0, 0), (0, 0, 1)
@@ -262,6 +263,21 @@ def spray(elements, **attributes):
     return doc
 
 
+def stored_sprays():
+    """Airbrush draws that hold a baked spray of 4 by 2 pixels, or something else in its place."""
+    doc = canvas(16, 16)
+    alphas = [255, 0, 128, 255,
+              0, 255, 0, 64]
+    picture = doc.archive.data(png([[0, 200, 0, a] for a in alphas], 6, 8, width=4, height=2))
+    line = doc.archive.string("no bitmap")
+    for title, fields in (("picture", {"ImageData": picture}),
+                          ("picture beside nonsense", {"ImageData": picture, "Image": line}),
+                          ("nonsense", {"ImageData": doc.archive.data(b"PNG"), "Image": line})):
+        doc.add("DrawAirbrush", outline=doc.rectangle(3, 5, 4, 2), stroke=BLUE, title=title,
+                **fields)
+    return doc
+
+
 def documents():
     wrong_root = canvas(10, 10)
     inner_missing = canvas(10, 10)
@@ -310,6 +326,7 @@ def documents():
     yield "preset shapes", preset_shapes().to_bytes()
     yield "lines", lines().to_bytes()
     yield "brushes", brushes().to_bytes()
+    yield "stored sprays", stored_sprays().to_bytes()
     for elements in 9998, 10000:
         yield f"spray {elements}", spray(elements, stroke=RED).to_bytes()
         yield f"translucent spray {elements}", spray(

@@ -11,6 +11,7 @@
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGraphicsContext.h"
 #include "platform/graphics/NSShadow.h"
+#include "platform/graphics/codecs/ImageDecoder.h"
 #include "platform/graphics/codecs/PNGEncoder.h"
 
 const NSClass DrawAirbrush::kClass{"DrawAirbrush", &DrawBase::kClass, NSAllocate<DrawAirbrush>};
@@ -106,6 +107,10 @@ bool DrawAirbrush::initWithCoder(NSCoder& coder) {
   if (!DrawBase::initWithCoder(coder)) return false;
   if (coder.containsValueForKey(kBrushWidth)) fBrushWidth_ = coder.decodeFloatForKey(kBrushWidth);
   image_ = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
+  if (image_ == nullptr) {
+    const auto file = coder.decodeObjectOfClass<NSData>(kImageData);
+    if (file != nullptr) image_ = decodeImage(file->bytes());
+  }
   replaceBezierPathWithImageIfPossible();
   return true;
 }

@@ -234,6 +234,12 @@ TEST(DrawAirbrush, BakedSpraysLookLikeTheirDots) {
     EXPECT_EQ(bitmap.pathBounds(), bounds);
     EXPECT_EQ(bitmap.image()->size(), bounds.size);
     const auto a = dots->fullImage(), b = baked->fullImage();
+    // Saved, the spray is a picture; read back, it looks the same.
+    const auto saved =
+        PaintManager::paintMgrWithPaintData(baked->paintDataWithResolution(0), nullptr, nullptr);
+    ASSERT_NE(saved, nullptr);
+    EXPECT_LT(saved->allDraws()[0]->bezierPath()->elementCount(), 10);
+    EXPECT_EQ(maxDifference(*saved->fullImage(), *b), 0);
     int painted = 0;
     for (int64_t y = 0; y < static_cast<int64_t>(NSMaxY(bounds)); ++y) {
       for (int64_t x = 0; x < static_cast<int64_t>(NSMaxX(bounds)); ++x) {
@@ -266,6 +272,34 @@ TEST(DrawAirbrush, BakedSpraysTakeANewColour) {
     }
   }
   EXPECT_GT(recoloured, 1500);
+}
+
+TEST(DrawAirbrush, StoredSpraysAreRead) {
+  const auto document = madeDocument("stored sprays");
+  for (const char* title : {"picture", "picture beside nonsense"}) {
+    const auto draw = drawTitled(*document, title);
+    for (const bool again : {false, true}) {
+      const auto spray = again ? DrawBase::drawFromEncodedData(DrawBase::encodedData(draw)) : draw;
+      const auto bitmap = drawnOn(*spray, 0);
+      // The picture's rows from the bottom, in the draw's colour whatever the picture's is.
+      const int alphas[2][4] = {{0, 255, 0, 64}, {255, 0, 128, 255}};
+      for (int64_t i = 0; i < 256; ++i) {
+        const int64_t x = i % 16, y = i / 16;
+        const bool inside = x >= 3 && x < 7 && y >= 5 && y < 7;
+        const int alpha = inside ? alphas[y - 5][x - 3] : 0;
+        const auto level = static_cast<uint8_t>(alpha);
+        EXPECT_EQ(pixelAt(*bitmap, x, 15 - y), (Pixel{0, 0, level, level})) << x << ", " << y;
+      }
+    }
+    draw->setOpacity(50);
+    draw->setRotateDegree(180);
+    const auto turned = drawnOn(*draw, 0);
+    EXPECT_NEAR(alphaAt(*turned, 3, 6), 32, 1);
+    EXPECT_NEAR(alphaAt(*turned, 6, 5), 128, 1);
+  }
+  const auto lost = drawTitled(*document, "nonsense");
+  EXPECT_EQ(dynamic_cast<const DrawAirbrush&>(*lost).image(), nullptr);
+  EXPECT_EQ(extentOf(*drawnOn(*lost, 0)), (Extent{3, 8, 5, 8, 12})) << "the path is stroked";
 }
 
 TEST(DrawAirbrush, WhatCannotBeBakedStaysAPath) {
