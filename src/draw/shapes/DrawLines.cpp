@@ -1,5 +1,7 @@
 #include "draw/shapes/DrawLines.h"
 
+#include <utility>
+
 #include "draw/core/ZTBezierPathExtension.h"
 #include "platform/foundation/NSCoder.h"
 #include "platform/foundation/NSDictionary.h"
@@ -18,6 +20,13 @@ namespace {
 
 constexpr const char* kArrowStyle = "ArrowStyle";
 constexpr const char* kArrowStyleAttribute = "DAKeyArrowStyle";
+
+/// The path without its points; a new one for draws whose archive had none.
+NSBezierPath& emptied(std::shared_ptr<NSBezierPath>& path) {
+  if (path == nullptr) path = NSBezierPath::bezierPath();
+  path->removeAllPoints();
+  return *path;
+}
 
 /// The points of a path that is a move and one element of the wanted kind.
 bool readSingleElement(const NSBezierPath* path, NSBezierPathElement kind, NSPoint& start,
@@ -63,9 +72,9 @@ void DrawArrowed::encodeWithCoder(NSCoder& coder) const {
 void DrawLine::setStartPoint(NSPoint start, NSPoint endPoint) {
   ptStart_ = start;
   ptEnd_ = endPoint;
-  bezierPath_->removeAllPoints();
-  bezierPath_->moveToPoint(start);
-  bezierPath_->lineToPoint(endPoint);
+  NSBezierPath& path = emptied(bezierPath_);
+  path.moveToPoint(start);
+  path.lineToPoint(endPoint);
 }
 
 void DrawLine::updatePoints() {
@@ -98,9 +107,9 @@ void DrawCurve::setStartPoint(NSPoint start, NSPoint ctlPoint1, NSPoint ctlPoint
   ptCtl1_ = ctlPoint1;
   ptCtl2_ = ctlPoint2;
   ptEnd_ = endPoint;
-  bezierPath_->removeAllPoints();
-  bezierPath_->moveToPoint(start);
-  bezierPath_->curveToPoint(endPoint, ctlPoint1, ctlPoint2);
+  NSBezierPath& path = emptied(bezierPath_);
+  path.moveToPoint(start);
+  path.curveToPoint(endPoint, ctlPoint1, ctlPoint2);
 }
 
 void DrawCurve::updatePoints() {
@@ -186,6 +195,16 @@ bool DrawBezierPath::classDrawBezierPathFill() const {
 
 bool DrawBezierPath::hasStrokeOutline() const {
   return !classDrawBezierPathFill() && DrawBase::hasStrokeOutline();
+}
+
+bool DrawBezierPath::resetSelectedElement() {
+  const int64_t old = std::exchange(_focusElementIndex, -1);
+  return old >= 0 && bezierPath_ != nullptr && old < bezierPath_->elementCount();
+}
+
+void DrawBezierPath::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  DrawArrowed::setBezierPathWithData(data);
+  resetSelectedElement();
 }
 
 std::string DrawBezierPath::name() const {

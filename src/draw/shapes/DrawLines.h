@@ -108,7 +108,20 @@ class DrawBezierPath : public DrawArrowed {
   bool hasStrokeOutline() const override;
   bool hasBorder() const override { return true; }
   std::string name() const override;
+  static bool mustClosePath() { return false; }
+  static bool canResizedWithRectangleKnobs() { return true; }
+
+  /// The element that is being edited, -1 for none; not archived.
+  int64_t focusElementIndex() const { return _focusElementIndex; }
+  void setFocusElementIndex(int64_t index) { _focusElementIndex = index; }
+  /// Answers whether an element of the path was being edited.
+  bool resetSelectedElement();
+  /// No element is being edited afterwards.
+  void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
   // Arrow styles are copied among lines only.
   std::shared_ptr<NSDictionary> drawAttributes() const override;
   bool setDrawAttributes(const NSDictionary& attributes) override;
+
+ private:
+  int64_t _focusElementIndex = -1;
 };

@@ -2,8 +2,8 @@
 
 #include <tuple>
 
-#include "draw/shapes/DrawLines.h"
 #include "document/DocumentClasses.h"
+#include "draw/shapes/DrawLines.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSString.h"
@@ -127,6 +127,21 @@ TEST(DrawBezierPath, IsFilledExactlyWhenClosed) {
   EXPECT_EQ(path->name(), "Shape");
   EXPECT_TRUE(path->classDrawFill());
   EXPECT_FALSE(path->hasStrokeOutline());
+}
+
+TEST(DrawBezierPath, ANewPathEndsEditingOfAnElement) {
+  const auto path = made<DrawBezierPath>();
+  const auto other = polyline()->bezierPathData();
+  EXPECT_FALSE(path->resetSelectedElement());
+  path->setBezierPathWithData(other);
+  for (const auto& [index, valid] : {std::pair{2, true}, {3, false}, {-1, false}}) {
+    path->setFocusElementIndex(index);
+    EXPECT_EQ(path->resetSelectedElement(), valid) << index;
+    EXPECT_EQ(path->focusElementIndex(), -1);
+  }
+  path->setFocusElementIndex(1);
+  path->setBezierPathWithData(other);
+  EXPECT_EQ(path->focusElementIndex(), -1);
 }
 
 TEST(DrawArrowed, AttributesCarryTheArrowStyle) {
