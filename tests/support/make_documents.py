@@ -3,9 +3,11 @@
 
 Written without any code of the engine; what a reader must make of them stands in the tests.
 """
+import itertools
 import os
 import sys
 
+from fill_documents import clears, fills, hostile_fills
 from keyed_archive import Float32, UID
 from make_pictures import png
 from paint_document import DRAW_CLASSES, PRESET_SHAPES, PaintDocument
@@ -327,6 +329,8 @@ def documents():
     yield "lines", lines().to_bytes()
     yield "brushes", brushes().to_bytes()
     yield "stored sprays", stored_sprays().to_bytes()
+    yield "fills", fills().to_bytes()
+    yield "clears", clears().to_bytes()
     for elements in 9998, 10000:
         yield f"spray {elements}", spray(elements, stroke=RED).to_bytes()
         yield f"translucent spray {elements}", spray(
@@ -338,7 +342,7 @@ def main(folder):
     for name, data in documents():
         with open(os.path.join(folder, name + ".paintdoc"), "wb") as out:
             out.write(data)
-    for name, doc in hostile():
+    for name, doc in itertools.chain(hostile(), hostile_fills()):
         with open(os.path.join(folder, "hostile", name + ".paintdoc"), "wb") as out:
             out.write(doc.to_bytes())
 

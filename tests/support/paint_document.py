@@ -89,6 +89,13 @@ class PaintDocument:
                              p1[0] + k * a * math.sin(t1), p1[1] - k * b * math.cos(t1), *p1))
         return self.path(elements + [("Z",)], **settings)
 
+    def mask(self, rows, x=0, y=0, **fields):
+        """Mask of a fill: rows of text from the top down, "#" is in; its lower left pixel is at
+        (x, y). Other keyword arguments replace fields of the record."""
+        record = {"Mask": bytes(c == "#" for row in rows for c in row), "XStart": x, "YStart": y,
+                  "Width": len(rows[0]), "Height": len(rows)}
+        return self.archive.obj(["ImageMask", "NSObject"], record | fields)
+
     # draws ---------------------------------------------------------------------------------------
 
     def draw(self, class_name, outline=None, stroke=None, fill=None, stroke_gradient=None,

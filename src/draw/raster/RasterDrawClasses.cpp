@@ -3,9 +3,8 @@
 #include "draw/raster/DrawBrushes.h"
 #include "draw/raster/DrawFill.h"
 #include "draw/raster/DrawSelections.h"
+#include "draw/raster/ImageMask.h"
 
-const NSClass DrawFill::kClass{"DrawFill", &DrawBase::kClass, NSAllocate<DrawFill>};
-const NSClass DrawClear::kClass{"DrawClear", &DrawBase::kClass, NSAllocate<DrawClear>};
 const NSClass DrawRectSelection::kClass{"DrawRectSelection", &DrawRectangle::kClass,
                                         NSAllocate<DrawRectSelection>};
 const NSClass DrawCrop::kClass{"DrawCrop", &DrawRectSelection::kClass, NSAllocate<DrawCrop>};
@@ -26,6 +25,7 @@ void registerRasterDrawClasses() {
                                             &DrawAirbrush::kClass,
                                             &DrawFill::kClass,
                                             &DrawClear::kClass,
+                                            &ImageMask::kClass,
                                             &DrawRectSelection::kClass,
                                             &DrawCrop::kClass,
                                             &DrawEllipseSelection::kClass,

@@ -1,0 +1,232 @@
+#include "draw/raster/DrawFill.h"
+
+#include <cmath>
+
+#include "draw/core/ZTBezierPathExtension.h"
+#include "draw/raster/ImageMask.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSGraphicsContext.h"
+
+const NSClass DrawFill::kClass{"DrawFill", &DrawBase::kClass, NSAllocate<DrawFill>};
+const NSClass DrawClear::kClass{"DrawClear", &DrawBase::kClass, NSAllocate<DrawClear>};
+
+namespace {
+
+constexpr const char* kFillType = "FillType";
+constexpr const char* kMask = "Mask";
+
+NSSize sizeDifference(const NSRect& a, const NSRect& b) {
+  return {std::fabs(NSWidth(a) - NSWidth(b)), std::fabs(NSHeight(a) - NSHeight(b))};
+}
+
+/// Whether drawing through the context would hit the bitmap's pixels one to one, all of them.
+bool coversPixels(const GraphicsState& state, const NSBitmapImageRep& image) {
+  const PixelBox& box = state.clip.box();
+  return state.transform == CGAffineTransform() && state.clip.isBox() && box.x0 == 0 &&
+         box.y0 == 0 && box.x1 == image.pixelsWide() && box.y1 == image.pixelsHigh();
+}
+
+}  // namespace
+
+std::shared_ptr<DrawFill> DrawFill::initWithImageMask(std::shared_ptr<ImageMask> mask) {
+  if (mask == nullptr) return nullptr;
+  auto draw = std::make_shared<DrawFill>();
+  draw->init();
+  draw->mask_ = std::move(mask);
+  draw->resetPathToMask();
+  draw->useRectangleOfFullMask();
+  draw->setPathStyle();
+  draw->bezierPath_->setLineWidth(1);
+  return draw;
+}
+
+std::shared_ptr<DrawFill> DrawFill::initWithBezierPath(const NSBezierPath& path) {
+  auto draw = std::make_shared<DrawFill>();
+  draw->init();
+  draw->fillType_ = kPathFill;
+  draw->setPathStyle();
+  draw->bezierPath_->setLineWidth(1);
+  if (::isPathClosed(path)) draw->bezierPath_->appendBezierPath(path);
+  return draw;
+}
+
+void DrawFill::setPathStyle() {
+  if (bezierPath_ == nullptr) return;
+  bezierPath_->setLineCapStyle(LineCap::square);
+  bezierPath_->setLineJoinStyle(LineJoin::miter);
+}
+
+void DrawFill::resetPathToMask() {
+  if (bezierPath_ == nullptr) return;
+  bezierPath_->removeAllPoints();
+  bezierPath_->appendBezierPathWithRect(mask_->maskRect());
+}
+
+void DrawFill::useRectangleOfFullMask() {
+  bool isPathOfLines = false;
+  const auto path = mask_->bezierPathForFill(&isPathOfLines);
+  if (path == nullptr || isPathOfLines) return;
+  resetPathToMask();
+  fillType_ = kPathFill;
+  mask_ = nullptr;
+}
+
+uint64_t DrawFill::opacity() const {
+  return colorFill_ ? static_cast<uint64_t>(colorFill_->alphaComponent() * 100) : 0;
+}
+
+void DrawFill::setOpacity(uint64_t percent) {
+  if (colorFill_ == nullptr) return;
+  const auto alpha = static_cast<CGFloat>(percent > 100 ? 100 : percent) / 100;
+  setFillColor(colorFill_->colorWithAlphaComponent(alpha));
+}
+
+void DrawFill::setFillColor(std::shared_ptr<NSColor> color) {
+  DrawBase::setFillColor(std::move(color));
+  imgRepRender_ = nullptr;
+}
+
+void DrawFill::moveMaskToPath() {
+  if (mask_ != nullptr) mask_->setMaskStartPoint(pathBounds().origin);
+}
+
+void DrawFill::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  DrawBase::setBezierPathWithData(data);
+  moveMaskToPath();
+}
+
+void DrawFill::mapGeometry(const AxisMap& map) {
+  DrawBase::mapGeometry(map);
+  moveMaskToPath();
+}
+
+void DrawFill::flip(bool horizontal) {
+  const NSPoint center = rotateCenter();
+  mapGeometry(horizontal ? AxisMap{-1, 1, 2 * center.x, 0} : AxisMap{1, -1, 0, 2 * center.y});
+  // The mirror image of a turn is the turn the other way.
+  setRotateDegree(-fRotateDegree_);
+  if (mask_ != nullptr) mask_->flip(horizontal);
+  imgRepRender_ = nullptr;
+}
+
+bool DrawFill::isTurned() const {
+  return !(std::fabs(fRotateDegree_) < 0.001F);
+}
+
+bool DrawFill::canWritePixels(const NSBitmapImageRep* image) const {
+  const auto& context = NSGraphicsContext::currentContext();
+  if (image == nullptr || isTurned()) return false;
+  if (context != nullptr && !coversPixels(context->graphicsPort()->state(), *image)) return false;
+  const NSSize difference = sizeDifference(pathBounds(), mask_->maskRect());
+  return difference.width < 1 && difference.height < 1;
+}
+
+void DrawFill::drawInImage(NSBitmapImageRep* image) {
+  if (!bVisible_ || !bEnableFill_ || bezierPath_ == nullptr || bezierPath_->isEmpty()) return;
+  if (fillType_ == kMaskFill && mask_ != nullptr && canWritePixels(image)) {
+    return mask_->fillImage(image, colorFill_.get());
+  }
+  if (NSGraphicsContext::currentContext() == nullptr) return;
+  if (fillType_ == kMaskFill) return _draw();
+  const NSGraphicsStateScope state;
+  NSGraphicsContext::currentContext()->setShouldAntialias(false);
+  paintPath();
+}
+
+void DrawFill::_draw() {
+  if (bezierPath_ == nullptr || bezierPath_->isEmpty()) return;
+  const NSGraphicsStateScope state;
+  NSGraphicsContext::currentContext()->setShouldAntialias(shouldAntialias());
+  if (fillType_ == kMaskFill) {
+    paintMask();
+  } else {
+    paintPath();
+  }
+}
+
+void DrawFill::paintPath() const {
+  if (colorFill_ == nullptr) return;
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  CGContext& port = *context.graphicsPort();
+  context.setCompositingOperation(NSCompositingOperation::copy);
+  port.concatenate(transform().transformStruct());
+  if (fillType_ == kPathFill) {
+    colorFill_->setFill();
+    bezierPath_->fill();
+  } else if (fillType_ == kLineFill) {
+    // The lines name pixels by their lower left corners; through the centres they paint just those.
+    port.concatenate(CGAffineTransformMakeTranslation(0.5, 0.5));
+    colorFill_->setStroke();
+    bezierPath_->stroke();
+  }
+}
+
+void DrawFill::paintMask() {
+  if (mask_ == nullptr || colorFill_ == nullptr) return;
+  if (imgRepRender_ == nullptr) {
+    imgRepRender_ = mask_->renderImageWithColor(colorFill_->colorWithAlphaComponent(1).get());
+  }
+  if (imgRepRender_ == nullptr) return;
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  CGContext& port = *context.graphicsPort();
+  context.setCompositingOperation(NSCompositingOperation::sourceOver);
+  context.setImageInterpolation(NSImageInterpolation::none);
+  port.concatenate(transform().transformStruct());
+  const NSRect rect = pathBounds();
+  port.concatenate(
+      CGAffineTransformMakeTranslation(std::trunc(rect.origin.x + 0.5) - rect.origin.x,
+                                       std::trunc(rect.origin.y + 0.5) - rect.origin.y));
+  // What lies under the region goes first, so that a translucent colour replaces it too.
+  drawInRect(*imgRepRender_, rect, NSZeroRect, NSCompositingOperation::destinationOut, 1);
+  drawInRect(*imgRepRender_, rect, NSZeroRect, NSCompositingOperation::sourceOver,
+             colorFill_->alphaComponent());
+}
+
+void DrawFill::upgradeDecoded(bool typeIsKnown) {
+  if (mask_ == nullptr) return;
+  if (!typeIsKnown) return useRectangleOfFullMask();
+  if (fillType_ == kLineFill) {
+    fillType_ = kMaskFill;
+    resetPathToMask();
+  } else if (fillType_ == kMaskFill) {
+    // Paths of older records may be off by a line width.
+    constexpr CGFloat kNearly = 1.1;
+    const NSSize difference = sizeDifference(pathBounds(), mask_->maskRect());
+    if (!isTurned() || difference.width < kNearly || difference.height < kNearly) {
+      resetPathToMask();
+    }
+  }
+}
+
+bool DrawFill::initWithCoder(NSCoder& coder) {
+  if (!DrawBase::initWithCoder(coder)) return false;
+  if (colorStroke_ != nullptr) colorFill_ = colorStroke_;
+  mask_ = coder.decodeObjectOfClass<ImageMask>(kMask);
+  fillType_ = coder.decodeIntegerForKey(kFillType);
+  upgradeDecoded(coder.containsValueForKey(kFillType));
+  setPathStyle();
+  return true;
+}
+
+void DrawFill::encodeWithCoder(NSCoder& coder) const {
+  // The fill colour travels as the stroke colour too.
+  DrawFill record;
+  record.copyCommonAttributesFrom(*this);
+  record.colorStroke_ = colorFill_;
+  record.DrawBase::encodeWithCoder(coder);
+  coder.encodeInteger(fillType_, kFillType);
+  if (fillType_ == kMaskFill && mask_ != nullptr) coder.encodeObject(mask_, kMask);
+}
+
+void DrawClear::init() {
+  DrawBase::init();
+  colorStroke_ = NSColor::clearColor();
+  colorFill_ = NSColor::clearColor();
+  bLocked_ = true;
+}
+
+void DrawClear::setStrokeColor(std::shared_ptr<NSColor>) {
+  colorStroke_ = NSColor::clearColor();
+}
