@@ -205,8 +205,8 @@ class PaintManager : public NSObject {
   bool rearrange(DrawArray list, const std::vector<std::pair<DrawGroup*, DrawArray>>& inside);
   void convertLegacyDraws();
   void rebuildBuffer();
-  void composeFullImage();
-  void applyBackgroundMask();
+  void composeFullImage(const NSBitmapImageRep* mask);
+  void applyBackgroundMask(const NSBitmapImageRep& mask);
 
   NSSize size_;
   DrawArray aryDraw_;

@@ -1,6 +1,7 @@
 // Composition of a document's draws into its two bitmaps.
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
+#include "platform/graphics/NSBezierPath.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGraphicsContext.h"
@@ -17,8 +18,11 @@ void PaintManager::refreshImage() {
   if (newBuffer) InitImageRep(size_, &imageBuffer_);
   if (image_ == nullptr) InitImageRep(size_, &image_);
   if (imageBuffer_ == nullptr || image_ == nullptr) return clearMemeryBuffer();
+  // Needed twice, so it is held: the draw itself does not keep what it decodes.
+  const bool masked = drawBackground_ != nullptr && bMaskWithBackground_;
+  const auto mask = masked ? drawBackground_->image() : nullptr;
   if (newBuffer || _imageRefreshControl == kRebuildBuffer) rebuildBuffer();
-  composeFullImage();
+  composeFullImage(mask.get());
   _imageRefreshControl = kImagesCurrent;
 }
 
@@ -39,20 +43,28 @@ void PaintManager::rebuildBuffer() {
   }
 }
 
-void PaintManager::composeFullImage() {
+void PaintManager::composeFullImage(const NSBitmapImageRep* mask) {
   const ZTFocusScope focus(image_);
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   context.setCompositingOperation(NSCompositingOperation::copy);
   drawInRect(*imageBuffer_, {NSZeroPoint, imageBuffer_->size()});
   context.setCompositingOperation(NSCompositingOperation::sourceOver);
   if (!aryDraw_.empty() && aryDraw_.back()->visible()) aryDraw_.back()->drawInImage(image_.get());
-  if (drawBackground_ != nullptr && bMaskWithBackground_) applyBackgroundMask();
+  if (mask != nullptr) applyBackgroundMask(*mask);
 }
 
-void PaintManager::applyBackgroundMask() {
-  const auto mask = drawBackground_->image();
-  if (mask == nullptr) return;
-  NSGraphicsContext::currentContext()->setCompositingOperation(
-      NSCompositingOperation::destinationIn);
-  drawInRect(*mask, drawBackground_->controlBoundsBeforeRotation());
+void PaintManager::applyBackgroundMask(const NSBitmapImageRep& mask) {
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  const NSRect bounds = drawBackground_->controlBoundsBeforeRotation();
+  context.setCompositingOperation(NSCompositingOperation::destinationIn);
+  drawInRect(mask, bounds);
+  // That changes its rectangle only; what lies around it is covered by no pixel of the mask.
+  const NSRect canvas{NSZeroPoint, size_};
+  const NSRect covered = NSIntersectionRect(canvas, bounds);
+  if (covered == canvas) return;
+  const auto around = NSBezierPath::bezierPathWithRect(canvas);
+  around->appendBezierPathWithRect(covered);
+  around->setWindingRule(WindingRule::evenOdd);
+  context.setCompositingOperation(NSCompositingOperation::clear);
+  around->fill();
 }

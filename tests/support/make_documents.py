@@ -8,6 +8,7 @@ import os
 import sys
 
 from fill_documents import clears, fills, hostile_fills
+import picture_documents
 from keyed_archive import Float32, UID
 from make_pictures import png
 from paint_document import DRAW_CLASSES, PRESET_SHAPES, PaintDocument
@@ -331,6 +332,8 @@ def documents():
     yield "stored sprays", stored_sprays().to_bytes()
     yield "fills", fills().to_bytes()
     yield "clears", clears().to_bytes()
+    for name, doc in picture_documents.documents():
+        yield name, doc.to_bytes()
     for elements in 9998, 10000:
         yield f"spray {elements}", spray(elements, stroke=RED).to_bytes()
         yield f"translucent spray {elements}", spray(

@@ -29,11 +29,7 @@ bool isVisibleColor(const NSColor* color) {
 
 /// Odd whole widths are moved half a pixel, so that their edges fall on pixel edges.
 void alignOddLineWidth(const NSBezierPath& path) {
-  constexpr CGFloat kWidest = 1e9;
-  const CGFloat width = path.lineWidth();
-  if (width >= 1 && width < kWidest && static_cast<int64_t>(width) % 2 != 0) {
-    port().concatenate(CGAffineTransformMakeTranslation(0.5, 0.5));
-  }
+  if (hasOddLineWidth(path)) port().concatenate(CGAffineTransformMakeTranslation(0.5, 0.5));
 }
 
 void clearShadow() {

@@ -3,6 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+bool hasOddLineWidth(const NSBezierPath& path) {
+  constexpr CGFloat kWidest = 1e9;
+  const CGFloat width = path.lineWidth();
+  return width >= 1 && width < kWidest && static_cast<int64_t>(width) % 2 != 0;
+}
+
 bool isPathClosed(const NSBezierPath& path) {
   const int64_t n = path.elementCount();
   return n >= 4 && (path.elementAtIndex(n - 1) == NSClosePathBezierPathElement ||

@@ -41,6 +41,8 @@ bool isPathClosed(const NSBezierPath& path);
 bool canClosePath(const NSBezierPath& path);
 /// Opens a closed path, closes an open one; answers whether anything changed.
 bool toggleClosePath(NSBezierPath& path);
+/// Whether the line's width, truncated to a whole number, is odd.
+bool hasOddLineWidth(const NSBezierPath& path);
 /// The path without its last n elements.
 std::shared_ptr<NSBezierPath> removeLastElements(const NSBezierPath& path, int64_t n);
 

@@ -6,7 +6,7 @@ const NSClass DrawFilter::kClass{"DrawFilter", &DrawImage::kClass, NSAllocate<Dr
 
 std::shared_ptr<DrawImage2> DrawFilter::convertedDraw() const {
   auto draw = DrawFilter2::initWithImage(image_, nullptr, dFilterType_);
-  draw->copyCommonAttributesFrom(*this);
+  convertInto(*draw);
   draw->setFilterMembers(*this);
   return draw;
 }

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "draw/image/DrawImage2.h"
+#include "draw/shapes/DrawRectangle.h"
+
+class DrawImage2;
+class NSBitmapImageRep;
 
 /// Legacy bitmap draw; documents replace it by its convertedDraw when they are read.
 class DrawImage : public DrawRectangle {
@@ -8,12 +11,33 @@ class DrawImage : public DrawRectangle {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   bool classDrawBezierPath() const override { return false; }
+  bool shouldAntialias() const override { return true; }
+  bool drawFill() const override { return true; }
 
-  /// A DrawImage2 (or, for filters, a DrawFilter2) with the same bitmap and common attributes.
+  const std::shared_ptr<NSBitmapImageRep>& image() const { return image_; }
+  void setImage(std::shared_ptr<NSBitmapImageRep> image) { image_ = std::move(image); }
+  /// Width by height of the bitmap; 1 without one or its height.
+  CGFloat width2HeightRatioForShift() const override;
+
+  /// A DrawImage2 (or, for filters, a DrawFilter2) with the same bitmap and common attributes; the
+  /// picture's opacity becomes the draw's.
   virtual std::shared_ptr<DrawImage2> convertedDraw() const;
 
+  void _draw() override;
+
+  bool initWithCoder(NSCoder& coder) override;
+  void encodeWithCoder(NSCoder& coder) const override;
+
  protected:
+  /// Gives a converted draw what all draws share, and this one's opacity.
+  void convertInto(DrawImage2& draw) const;
+
   std::shared_ptr<NSBitmapImageRep> image_;
+  float fImageOpacity_ = 1;
+
+ private:
+  /// Opacity of the picture and that of the draw together, 0 to 100.
+  float percent() const;
 };
 
 /// The replacement of a draw whose class is exactly one of the legacy classes; null for all others.

@@ -3,40 +3,78 @@
 #include "draw/shapes/DrawRectangle.h"
 
 class NSBitmapImageRep;
+class NSData;
 
-/// A bitmap stretched into the bounds of the draw's path.
+/// A bitmap stretched into the bounds of the draw's path, whatever its aspect ratio.
+///
+/// A bitmap that came in a file's bytes is decoded when somebody wants to see it, and kept only as
+/// long as somebody does: a document with many pictures needs memory for one of them at a time.
 class DrawImage2 : public DrawRoundRectangle {
  public:
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   bool classDrawBezierPathFill() const override { return false; }
   bool classDrawFill() const override { return true; }
+  bool shouldAntialias() const override { return true; }
+  bool drawFill() const override { return true; }
+  /// Whether archives hold the bitmap, rather than what it is made from.
+  virtual bool shouldEncodeImage() const { return true; }
 
-  /// A draw with the bitmap's bounds as its path and no line.
+  /// A draw for the bytes of a picture file: SVG, PDF or a bitmap. Null when they are none.
+  static std::shared_ptr<DrawImage2> drawWithData(const std::shared_ptr<NSData>& data);
+  /// A draw with the bitmap's bounds as its path and no line. With a null bitmap the path is empty.
   static std::shared_ptr<DrawImage2> initWithImage(std::shared_ptr<NSBitmapImageRep> image);
-  /// The bitmap; may be null.
-  virtual std::shared_ptr<NSBitmapImageRep> image() { return _image; }
-  virtual void setImage(std::shared_ptr<NSBitmapImageRep> image) { _image = std::move(image); }
+
+  /// The bitmap; null when there is none or it cannot be decoded.
+  std::shared_ptr<NSBitmapImageRep> image() const;
+  virtual void setImage(std::shared_ptr<NSBitmapImageRep> image);
   /// What the draw shows; may be null.
   virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image(); }
+  /// Pixels of the bitmap; zero without one.
+  NSSize originalSize() const;
+  /// Mirrors the bitmap: left and right change places, or top and bottom.
+  virtual void flip(bool horizontal);
+
+  // A picture may have an opacity of its own, as a fraction, so that its line can stay opaque; then
+  // it stands in the place of the draw's opacity.
+  bool hasImageOpacity() const { return fImageOpacity_ >= 0 && fImageOpacity_ <= 1; }
+  /// 0 to 1; kNoImageOpacity when the picture has none of its own.
+  float imageOpacity() const { return fImageOpacity_; }
+  static constexpr float kNoImageOpacity = 200;
+  uint64_t opacity() const override;
+  void setOpacity(uint64_t percent) override;
+  bool shouldApplyOpacityToStokeAndFill() const override { return !hasImageOpacity(); }
+
+  std::shared_ptr<NSDictionary> drawAttributes() const override;
+  bool setDrawAttributes(const NSDictionary& attributes) override;
+
+  void drawInImage(NSBitmapImageRep* image) override;
+  void _draw() override;
+
+  bool initWithCoder(NSCoder& coder) override;
+  /// A bitmap is written as PNG, without alpha channel as JPEG. Throws NSException when it can be
+  /// written in no way.
+  void encodeWithCoder(NSCoder& coder) const override;
 
  protected:
   /// Gives a new draw its defaults, and the bitmap's bounds as its path, without a line.
   void initWithBitmap(std::shared_ptr<NSBitmapImageRep> image);
+  /// Decodes or draws the bitmap when none was set; null when that fails.
+  virtual std::shared_ptr<NSBitmapImageRep> makeImage() const;
+  /// The bitmap that is there without making one; may be null.
+  std::shared_ptr<NSBitmapImageRep> cachedImage() const;
 
-  std::shared_ptr<NSBitmapImageRep> _image;
-};
+ private:
+  void normalizeOpacity();
+  void decodeImage(NSCoder& coder);
+  void encodeImage(NSCoder& coder) const;
+  void drawImage(const NSBitmapImageRep& image, const NSRect& bounds) const;
+  void drawStrokeAround();
 
-/// The first page of a PDF document.
-class DrawPDF : public DrawImage2 {
- public:
-  static const NSClass kClass;
-  const NSClass& classInfo() const override { return kClass; }
-};
-
-/// An SVG document.
-class DrawSVG : public DrawImage2 {
- public:
-  static const NSClass kClass;
-  const NSClass& classInfo() const override { return kClass; }
+  float fImageOpacity_ = kNoImageOpacity;
+  // Archiving replaces the bitmap by one that the archive can hold; the picture stays the same.
+  mutable std::shared_ptr<NSBitmapImageRep> _image;
+  mutable bool _hasRerender = false;
+  mutable std::weak_ptr<NSBitmapImageRep> madeImage_;
+  std::shared_ptr<NSData> imageData_;  ///< what the bitmap is decoded from, while none was set
 };

@@ -4,6 +4,8 @@
 #include "draw/image/DrawFilter2.h"
 #include "draw/image/DrawImage.h"
 #include "draw/image/DrawImage2.h"
+#include "draw/image/DrawPDF.h"
+#include "draw/image/DrawSVG.h"
 
 void registerImageDrawClasses() {
   static const NSClass* const kClasses[] = {&DrawImage::kClass,  &DrawFilter::kClass,

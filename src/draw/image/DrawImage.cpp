@@ -1,0 +1,77 @@
+#include "draw/image/DrawImage.h"
+
+#include <algorithm>
+
+#include "draw/image/DrawFilter.h"
+#include "draw/image/DrawImage2.h"
+#include "draw/image/PictureDrawing.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/NSShadow.h"
+
+const NSClass DrawImage::kClass{"DrawImage", &DrawRectangle::kClass, NSAllocate<DrawImage>};
+
+namespace {
+
+constexpr const char* kImage = "Image";
+constexpr const char* kOpacity = "Opacity";
+
+}  // namespace
+
+CGFloat DrawImage::width2HeightRatioForShift() const {
+  if (image_ == nullptr || image_->pixelsHigh() == 0) return 1;
+  return image_->size().width / image_->size().height;
+}
+
+float DrawImage::percent() const {
+  // A fraction that is not a number counts as 0.
+  return std::min(std::max(0.0F, fImageOpacity_), 1.0F) * static_cast<float>(opacity());
+}
+
+void DrawImage::convertInto(DrawImage2& draw) const {
+  draw.copyCommonAttributesFrom(*this);
+  if (!(draw.lineWidth() > 0)) draw.setEnableStroke(false);
+  draw.setOpacity(static_cast<uint64_t>(percent()));
+}
+
+std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
+  auto draw = DrawImage2::initWithImage(image_);
+  convertInto(*draw);
+  return draw;
+}
+
+void DrawImage::_draw() {
+  if (bezierPath_ == nullptr || image_ == nullptr) return;
+  const NSGraphicsStateScope state;
+  preparePictureContext();
+  if (enableShadow() && shadow() != nullptr) shadow()->set();
+  NSGraphicsContext::currentContext()->graphicsPort()->concatenate(transform().transformStruct());
+  const NSRect bounds = pathBounds();
+  snapToPixels(bounds);
+  const CGFloat fraction = static_cast<CGFloat>(percent()) / 100;
+  drawPicture(*image_, bounds, fraction);
+  if (enableInnerShadow() && innerShadow() != nullptr) {
+    drawPictureInnerShadow(*image_, bounds, *bezierPath_, *innerShadow(), fraction);
+  }
+}
+
+bool DrawImage::initWithCoder(NSCoder& coder) {
+  if (!DrawRectangle::initWithCoder(coder)) return false;
+  setImage(coder.decodeObjectOfClass<NSBitmapImageRep>(kImage));
+  fImageOpacity_ = coder.containsValueForKey(kOpacity) ? coder.decodeFloatForKey(kOpacity) : 1;
+  if (bezierPath_ != nullptr) bezierPath_->setLineWidth(0);
+  return true;
+}
+
+void DrawImage::encodeWithCoder(NSCoder& coder) const {
+  DrawRectangle::encodeWithCoder(coder);
+  coder.encodeObject(image_, kImage);
+  coder.encodeFloat(fImageOpacity_, kOpacity);
+}
+
+std::shared_ptr<DrawBase> convertedLegacyDraw(const std::shared_ptr<DrawBase>& draw) {
+  const bool legacy =
+      draw->isMemberOfClass(DrawImage::kClass) || draw->isMemberOfClass(DrawFilter::kClass);
+  return legacy ? static_cast<const DrawImage&>(*draw).convertedDraw() : nullptr;
+}

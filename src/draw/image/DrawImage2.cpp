@@ -1,0 +1,103 @@
+#include "draw/image/DrawImage2.h"
+
+#include <utility>
+
+#include "draw/core/DrawAttributes.h"
+#include "draw/image/BitmapHelpers.h"
+#include "draw/image/DrawPDF.h"
+#include "draw/image/DrawSVG.h"
+#include "platform/foundation/NSData.h"
+
+const NSClass DrawImage2::kClass{"DrawImage2", &DrawRoundRectangle::kClass, NSAllocate<DrawImage2>};
+
+namespace {
+
+constexpr const char* kImageOpacityAttribute = "DAKeyImageOpacity";
+
+}  // namespace
+
+std::shared_ptr<DrawImage2> DrawImage2::drawWithData(const std::shared_ptr<NSData>& data) {
+  if (data == nullptr || data->length() == 0) return nullptr;
+  if (auto draw = DrawSVG::drawWithSVGData(data)) return draw;
+  auto bitmap = NSBitmapImageRep::imageRepWithData(*data);
+  return bitmap == nullptr ? nullptr : initWithImage(std::move(bitmap));
+}
+
+std::shared_ptr<DrawImage2> DrawImage2::initWithImage(std::shared_ptr<NSBitmapImageRep> image) {
+  auto draw = std::make_shared<DrawImage2>();
+  draw->initWithBitmap(std::move(image));
+  return draw;
+}
+
+void DrawImage2::initWithBitmap(std::shared_ptr<NSBitmapImageRep> image) {
+  init();
+  bezierPath()->setLineWidth(0);
+  if (image == nullptr) return;
+  setBezierPathWithBounds({NSZeroPoint, image->size()});
+  setImage(std::move(image));
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawImage2::cachedImage() const {
+  return _image != nullptr ? _image : madeImage_.lock();
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawImage2::image() const {
+  auto image = cachedImage();
+  if (image == nullptr) madeImage_ = image = makeImage();
+  return image;
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage() const {
+  return imageData_ == nullptr ? nullptr : NSBitmapImageRep::imageRepWithData(*imageData_);
+}
+
+void DrawImage2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
+  _image = std::move(image);
+  madeImage_.reset();
+  imageData_ = nullptr;
+}
+
+NSSize DrawImage2::originalSize() const {
+  const auto bitmap = image();
+  return bitmap == nullptr ? NSZeroSize : bitmap->size();
+}
+
+void DrawImage2::flip(bool horizontal) {
+  setImage(ImageFliped(image(), horizontal));
+}
+
+uint64_t DrawImage2::opacity() const {
+  if (!hasImageOpacity()) return DrawRoundRectangle::opacity();
+  return static_cast<uint64_t>(fImageOpacity_ * 100);
+}
+
+void DrawImage2::setOpacity(uint64_t percent) {
+  if (!hasImageOpacity()) return DrawRoundRectangle::setOpacity(percent);
+  fImageOpacity_ = static_cast<float>(percent > 100 ? 100 : percent) / 100;
+}
+
+void DrawImage2::normalizeOpacity() {
+  if (fImageOpacity_ >= 0 && fImageOpacity_ < 1) {
+    if (drawStroke()) return;
+    opacity_ = static_cast<uint8_t>(fImageOpacity_ * 100);
+  }
+  fImageOpacity_ = kNoImageOpacity;
+}
+
+std::shared_ptr<NSDictionary> DrawImage2::drawAttributes() const {
+  auto attributes = DrawRoundRectangle::drawAttributes();
+  if (!hasImageOpacity()) return attributes;
+  auto extended = std::make_shared<NSMutableDictionary>(*attributes);
+  extended->setObject(NSNumber::numberWithFloat(fImageOpacity_), kImageOpacityAttribute);
+  return extended;
+}
+
+bool DrawImage2::setDrawAttributes(const NSDictionary& attributes) {
+  if (!DrawRoundRectangle::setDrawAttributes(attributes)) return false;
+  constexpr float kLowestReplaced = 0.001F;
+  const auto number = attributes.objectOfClass<NSNumber>(kImageOpacityAttribute);
+  if (number == nullptr || !hasImageOpacity() || !(fImageOpacity_ > kLowestReplaced)) return true;
+  const float fraction = number->floatValue();
+  if (fraction >= 0 && fraction <= 1) fImageOpacity_ = fraction;
+  return true;
+}

@@ -1,0 +1,67 @@
+// Embedded bitmaps on the canvas.
+#include "draw/core/ZTBezierPathExtension.h"
+#include "draw/image/DrawImage2.h"
+#include "draw/image/PictureDrawing.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/NSShadow.h"
+
+namespace {
+
+CGContext& port() {
+  return *NSGraphicsContext::currentContext()->graphicsPort();
+}
+
+}  // namespace
+
+void DrawImage2::drawInImage(NSBitmapImageRep* image) {
+  // A reflection draws the picture twice; it is made once.
+  const auto shown = enableReflection() ? imageForDrawing() : nullptr;
+  DrawRoundRectangle::drawInImage(image);
+}
+
+void DrawImage2::_draw() {
+  if (bezierPath_ == nullptr) return;
+  const auto image = imageForDrawing();
+  const NSGraphicsStateScope state;
+  preparePictureContext();
+  if (drawStroke() && hasOddLineWidth(*bezierPath_)) {
+    port().concatenate(CGAffineTransformMakeTranslation(0.5, 0.5));
+  }
+  if (enableShadow() && shadow() != nullptr) shadow()->set();
+  port().concatenate(transform().transformStruct());
+  const NSRect bounds = pathBounds();
+  snapToPixels(bounds);
+  if (image != nullptr) drawImage(*image, bounds);
+  if (drawStroke() && lineWidth() > 0) drawStrokeAround();
+  constexpr float kFaintest = 0.01F;
+  if (image == nullptr || !(fImageOpacity_ >= kFaintest)) return;
+  if (!enableInnerShadow() || innerShadow() == nullptr) return;
+  drawPictureInnerShadow(*image, bounds, *bezierPath_, *innerShadow(),
+                         static_cast<CGFloat>(opacity()) / 100);
+}
+
+void DrawImage2::drawImage(const NSBitmapImageRep& image, const NSRect& bounds) const {
+  const NSGraphicsStateScope state;
+  if (xRadius() >= 1 && yRadius() >= 1) bezierPath_->addClip();
+  drawPicture(image, bounds, static_cast<CGFloat>(opacity()) / 100);
+}
+
+void DrawImage2::drawStrokeAround() {
+  if (enableShadow() && shadow() != nullptr) {
+    // The line's shadow falls outside the picture only.
+    const NSGraphicsStateScope state;
+    if (shouldApplyOpacityToStokeAndFill()) {
+      port().setAlpha(static_cast<CGFloat>(opacity()) / 100);
+    }
+    const auto outside = NSBezierPath::bezierPathWithRect(renderedRect());
+    outside->appendBezierPath(*bezierPath_);
+    outside->setWindingRule(WindingRule::evenOdd);
+    outside->addClip();
+    (strokeColor() != nullptr ? strokeColor() : NSColor::blackColor())->setStroke();
+    bezierPath_->stroke();
+  }
+  port().setShadow({});
+  _drawStrokeWithPath(*bezierPath_, nullptr, nullptr, false);
+}

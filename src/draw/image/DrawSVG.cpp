@@ -1,0 +1,101 @@
+#include "draw/image/DrawSVG.h"
+
+#include <utility>
+
+#include "draw/image/RasterizedPicture.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSData.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "svg/ZTSVGTool.h"
+
+const NSClass DrawSVG::kClass{"DrawSVG", &DrawImage2::kClass, NSAllocate<DrawSVG>};
+
+namespace {
+
+constexpr const char* kSVGData = "SVGData";
+
+}  // namespace
+
+std::shared_ptr<DrawSVG> DrawSVG::drawWithSVGData(const std::shared_ptr<NSData>& data) {
+  if (!ZTSVGTool::isSVGFormatData(data.get())) return nullptr;
+  auto draw = std::make_shared<DrawSVG>();
+  draw->init();
+  draw->setData(data);
+  draw->bezierPath()->setLineWidth(0);
+  const NSSize size = draw->originalSVGSize();
+  if (!(size.width >= 1 && size.height >= 1)) return nullptr;
+  draw->setBezierPathWithBounds({NSZeroPoint, size});
+  return draw->image() == nullptr ? nullptr : draw;
+}
+
+void DrawSVG::setData(std::shared_ptr<NSData> data) {
+  _svgData = std::move(data);
+  _useSVGNative = !ZTSVGTool::canUseSystemSVGFramework();
+}
+
+NSSize DrawSVG::originalSVGSize() const {
+  return _useSVGNative ? ZTSVGTool::originalSizeOfNativeSVG(_svgData.get())
+                       : ZTSVGTool::originalSizeOfSVG(_svgData.get());
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage() const {
+  if (_svgData == nullptr) return nullptr;
+  const NSSize size = rasterSize(pathBounds());
+  return _useSVGNative ? ZTSVGTool::imageWithNativeSVGData(_svgData.get(), size, false)
+                       : ZTSVGTool::imageWithSVGData(_svgData.get(), size, false);
+}
+
+void DrawSVG::flip(bool horizontal) {
+  DrawImage2::flip(horizontal);
+  bool& flag = horizontal ? _flipHorizontal : _flipVertical;
+  flag = !flag;
+}
+
+void DrawSVG::setBezierPathWithBounds(NSRect bounds) {
+  const NSRect old = pathBounds();
+  DrawImage2::setBezierPathWithBounds(bounds);
+  respondToBoundsChangeFromOldBounds(old);
+}
+
+void DrawSVG::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
+  const NSRect old = pathBounds();
+  DrawImage2::setBezierPathWithData(data);
+  respondToBoundsChangeFromOldBounds(old);
+}
+
+void DrawSVG::mapGeometry(const AxisMap& map) {
+  const NSRect old = pathBounds();
+  DrawImage2::mapGeometry(map);
+  respondToBoundsChangeFromOldBounds(old);
+}
+
+bool DrawSVG::fitsCachedImage() const {
+  const auto cached = cachedImage();
+  return cached == nullptr || cached->size() == pathBounds().size;
+}
+
+void DrawSVG::respondToBoundsChangeFromOldBounds(const NSRect& oldBounds) {
+  if (_useSVGNative && isResizingByDragging_) return;
+  if (pathBounds().size != oldBounds.size && !fitsCachedImage()) setImage(nullptr);
+}
+
+void DrawSVG::setResizingByDragging(bool dragging) {
+  isResizingByDragging_ = dragging;
+  if (!dragging && !fitsCachedImage()) setImage(nullptr);
+}
+
+bool DrawSVG::initWithCoder(NSCoder& coder) {
+  if (!DrawImage2::initWithCoder(coder)) return false;
+  _flipHorizontal = coder.decodeBoolForKey(kFlipHorizontal);
+  _flipVertical = coder.decodeBoolForKey(kFlipVertical);
+  auto data = coder.decodeDataForKey(kSVGData);
+  setData(data != nullptr && data->length() > 0 ? std::move(data) : nullptr);
+  return true;
+}
+
+void DrawSVG::encodeWithCoder(NSCoder& coder) const {
+  DrawImage2::encodeWithCoder(coder);
+  if (_svgData != nullptr) coder.encodeObject(_svgData, kSVGData);
+  if (_flipHorizontal) coder.encodeBool(true, kFlipHorizontal);
+  if (_flipVertical) coder.encodeBool(true, kFlipVertical);
+}

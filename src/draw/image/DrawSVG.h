@@ -1,0 +1,49 @@
+#pragma once
+
+#include "draw/image/DrawImage2.h"
+
+/// An SVG document, drawn as a bitmap of the draw's current size.
+class DrawSVG : public DrawImage2 {
+ public:
+  static const NSClass kClass;
+  const NSClass& classInfo() const override { return kClass; }
+  bool shouldEncodeImage() const override { return false; }
+
+  /// Null unless the data is an SVG text that can be drawn and is at least one unit wide and high.
+  static std::shared_ptr<DrawSVG> drawWithSVGData(const std::shared_ptr<NSData>& data);
+
+  /// Null when the archive held none.
+  const std::shared_ptr<NSData>& svgData() const { return _svgData; }
+  /// Whether the engine of this library draws it, for want of one of the system.
+  bool useSVGNative() const { return _useSVGNative; }
+  /// The picture's natural size; zero when it cannot be read.
+  NSSize originalSVGSize() const;
+  bool flipHorizontal() const { return _flipHorizontal; }
+  bool flipVertical() const { return _flipVertical; }
+  /// Mirrors the bitmap until it is drawn anew, and notes the direction.
+  void flip(bool horizontal) override;
+
+  // A new size makes a new bitmap; while it is dragged, the old one is stretched.
+  void setBezierPathWithBounds(NSRect bounds) override;
+  void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
+  bool isResizingByDragging() const { return isResizingByDragging_; }
+  void setResizingByDragging(bool dragging);
+
+  bool initWithCoder(NSCoder& coder) override;
+  void encodeWithCoder(NSCoder& coder) const override;
+
+ protected:
+  std::shared_ptr<NSBitmapImageRep> makeImage() const override;
+  void mapGeometry(const AxisMap& map) override;
+
+ private:
+  void setData(std::shared_ptr<NSData> data);
+  void respondToBoundsChangeFromOldBounds(const NSRect& oldBounds);
+  bool fitsCachedImage() const;
+
+  bool _flipHorizontal = false;
+  bool _flipVertical = false;
+  bool _useSVGNative = false;
+  std::shared_ptr<NSData> _svgData;
+  bool isResizingByDragging_ = false;
+};
