@@ -1,7 +1,13 @@
 #!/usr/bin/env python3
 """Makes the documents that show each step of the rendering pipeline, for docs/:
-make_sheets.py OUTPUT_DIR"""
+
+make_sheets.py OUTPUT_DIR [BIN_DIR]
+
+With the folder of the built programs it renders them, too, and adds the sheet of preset shapes,
+whose outlines are the engine's own (rsvg-convert writes the names)."""
+import base64
 import os
+import subprocess
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -125,12 +131,40 @@ def lines():
 SHEETS = {"shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
 
 
-def main(folder):
+LABEL = ('<text x="{}" y="{}" font-family="DejaVu Sans" font-size="13" text-anchor="middle" '
+         'fill="#333">{}</text>')
+
+
+def preset_shapes(folder, programs):
+    """The engine draws the shapes; the names are laid over its picture."""
+    document = os.path.join(folder, "presets.paintdoc")
+    labels = subprocess.run([os.path.join(programs, "preset-shapes"), document], check=True,
+                            capture_output=True, text=True).stdout.splitlines()
+    picture = subprocess.run([os.path.join(programs, "paintdoc"), "render", "--format", "png", document, "-"],
+                             check=True, capture_output=True).stdout
+    width, height = (int.from_bytes(picture[at:at + 4], "big") for at in (16, 20))
+    svg = [f'<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" '
+           f'width="{width}" height="{height}"><image width="{width}" height="{height}" '
+           f'xlink:href="data:image/png;base64,{base64.b64encode(picture).decode()}"/>']
+    for label in labels:
+        x, y, name = label.split(" ", 2)
+        svg.append(LABEL.format(x, height - float(y), name))
+    subprocess.run(["rsvg-convert", "-o", os.path.join(folder, "presets.png")],
+                   input="\n".join(svg + ["</svg>"]), text=True, check=True)
+
+
+def main(folder, programs=None):
     os.makedirs(folder, exist_ok=True)
     for name, make in SHEETS.items():
-        with open(os.path.join(folder, f"{name}.paintdoc"), "wb") as out:
+        path = os.path.join(folder, name)
+        with open(path + ".paintdoc", "wb") as out:
             out.write(make().to_bytes())
+        if programs:
+            subprocess.run([os.path.join(programs, "paintdoc"), "render", path + ".paintdoc", path + ".png"],
+                           check=True)
+    if programs:
+        preset_shapes(folder, programs)
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    main(*sys.argv[1:])

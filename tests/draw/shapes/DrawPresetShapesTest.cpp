@@ -239,6 +239,29 @@ TEST(FixedOutlines, BothWindingRulesAgreeAndFillAPart) {
   }
 }
 
+TEST(FixedOutlines, WhatShouldBeSymmetricIs) {
+  constexpr int kGrid = 60;
+  const std::set<std::string_view> lopsided = {
+      "DrawRectCloud",   "DrawRectLightning", "DrawRectAppleLogo",
+      "DrawRectCamera",  "DrawRectRefresh",   "DrawRectFolder",
+      "DrawRectPicture", "DrawRectClock",     "DrawRectSignal"};
+  for (size_t i = 0; i < kFixedOutlineCount; ++i) {
+    const auto draw = fixedShape(i);
+    if (lopsided.contains(draw->className())) continue;
+    // The house has a chimney.
+    const int rows = draw->className() == "DrawRectHome" ? kGrid / 2 : kGrid;
+    draw->setBezierPathWithBounds(NSMakeRect(0, 0, kGrid, kGrid));
+    int different = 0;
+    for (int k = 0; k < kGrid * rows; ++k) {
+      const NSPoint p{k % kGrid + 0.5, k / kGrid + 0.47};
+      different += draw->bezierPath()->containsPoint(p) !=
+                   draw->bezierPath()->containsPoint({kGrid - p.x, p.y});
+    }
+    // Coordinates are rounded to a ten-thousandth of the box.
+    EXPECT_LE(different, 2) << draw->className();
+  }
+}
+
 TEST(FixedOutlines, HeartEndsWhereItStartsWithoutAClose) {
   const auto heart = fixedShape(0);
   ASSERT_EQ(heart->className(), "DrawRectHeart");
