@@ -12,8 +12,6 @@ const NSClass DrawEllipseSelection::kClass{"DrawEllipseSelection", &DrawEllipse:
                                            NSAllocate<DrawEllipseSelection>};
 const NSClass DrawLassoSelection::kClass{"DrawLassoSelection", &DrawBase::kClass,
                                          NSAllocate<DrawLassoSelection>};
-const NSClass DrawMagicSelection::kClass{"DrawMagicSelection", &DrawBase::kClass,
-                                         NSAllocate<DrawMagicSelection>};
 const NSClass DrawPolygonSelection::kClass{"DrawPolygonSelection", &DrawBezierPath::kClass,
                                            NSAllocate<DrawPolygonSelection>};
 const NSClass DrawOldPolygonSelection::kClass{"DrawOldPolygonSelection", &DrawFreePolygon::kClass,

@@ -1,0 +1,192 @@
+#include "draw/raster/ImageFill.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+
+#include "draw/raster/FillKernels.h"
+#include "draw/raster/ImageMask.h"
+#include "draw/raster/RegionBorder.h"
+#include "platform/graphics/NSBezierPath.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/NSGraphicsContext.h"
+
+namespace {
+
+constexpr uint8_t kInRegion = 2;
+
+std::unique_ptr<uint8_t[]> byteMap(size_t count) {
+  return std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[count]);
+}
+
+}  // namespace
+
+std::shared_ptr<ImageFill> ImageFill::initWithImage(std::shared_ptr<NSBitmapImageRep> image,
+                                                    NSPoint point) {
+  if (image == nullptr) return nullptr;
+  const CGFloat x = std::round(point.x), y = std::round(point.y);
+  if (!(x >= 0 && x < image->size().width && y >= 0 && y < image->size().height)) return nullptr;
+  auto fill = std::make_shared<ImageFill>();
+  fill->imgSrc_ = std::move(image);
+  fill->w_ = static_cast<int32_t>(fill->imgSrc_->pixelsWide());
+  fill->h_ = static_cast<int32_t>(fill->imgSrc_->pixelsHigh());
+  fill->xStart_ = static_cast<int32_t>(x);
+  fill->yStart_ = fill->h_ - 1 - static_cast<int32_t>(y);
+  return fill->measureTolerances() ? fill : nullptr;
+}
+
+bool ImageFill::measureTolerances() {
+  tolerance_ = byteMap(pixelCount());
+  if (tolerance_ == nullptr) return false;
+  const auto* pixels = reinterpret_cast<const uint32_t*>(imgSrc_->bitmapData());
+  maxTolerance_ =
+      colorDistances(tolerance_.get(), pixels, pixelCount(), pixels[indexOf(xStart_, yStart_)]);
+  return true;
+}
+
+void ImageFill::setFillColor(const NSColor* color) {
+  const uint32_t pixel = fillPixel(color);
+  rFill_ = static_cast<uint8_t>(pixel);
+  gFill_ = static_cast<uint8_t>(pixel >> 8);
+  bFill_ = static_cast<uint8_t>(pixel >> 16);
+  aFill_ = static_cast<uint8_t>(pixel >> 24);
+}
+
+uint32_t ImageFill::fillColorPixel() const {
+  return rFill_ | static_cast<uint32_t>(gFill_) << 8 | static_cast<uint32_t>(bFill_) << 16 |
+         static_cast<uint32_t>(aFill_) << 24;
+}
+
+bool ImageFill::seedHasFillColor() const {
+  const uint8_t fill[] = {rFill_, gFill_, bFill_, aFill_};
+  return std::memcmp(imgSrc_->row(yStart_) + size_t{4} * static_cast<size_t>(xStart_), fill, 4) ==
+         0;
+}
+
+void ImageFill::prepareFillImage(uint32_t tolerance) {
+  if (imgDst_ == nullptr) {
+    InitImageRep(imgSrc_->size(), &imgDst_);
+  } else if (toleranceSearch_ > tolerance) {
+    imgDst_->clear();
+  }
+}
+
+void ImageFill::fillWithTolerance(uint32_t tolerance) {
+  tolerance = std::min(tolerance, 255U);
+  if (tolerance == toleranceSearch_) return;
+  if (toleranceSearch_ < tolerance && bFillAll_) {
+    toleranceSearch_ = tolerance;
+    return;
+  }
+  if (search_ == nullptr) search_ = byteMap(pixelCount());
+  if (search_ == nullptr) return;
+  prepareFillImage(tolerance);
+  bFillNeeded_ = !seedHasFillColor();
+  toleranceSearch_ = tolerance;
+  if (maxTolerance_ <= tolerance) return fillAll();
+  markBeyond(search_.get(), tolerance_.get(), pixelCount(), static_cast<uint8_t>(tolerance));
+  searchPoints();
+}
+
+void ImageFill::fillAll() {
+  std::memset(search_.get(), kInRegion, pixelCount());
+  if (imgDst_ != nullptr) {
+    auto* pixels = reinterpret_cast<uint32_t*>(imgDst_->writableRows(0, h_));
+    std::fill_n(pixels, pixelCount(), fillColorPixel());
+  }
+  x1_ = y1_ = 0;
+  x2_ = w_ - 1;
+  y2_ = h_ - 1;
+  bFillAll_ = true;
+  bFillNeeded_ = maxTolerance_ != 0;
+}
+
+void ImageFill::searchPoints() {
+  // Some pixel lies beyond the tolerance, so the region ends somewhere.
+  bFillAll_ = false;
+  x1_ = x2_ = xStart_;
+  y1_ = y2_ = yStart_;
+  searchRow(yStart_, xStart_, xStart_ + 1);
+  while (!pending_.empty()) {
+    const Span span = pending_.back();
+    pending_.pop_back();
+    if (span.y > 0) searchRow(span.y - 1, span.x0, span.x1);
+    if (span.y + 1 < h_) searchRow(span.y + 1, span.x0, span.x1);
+  }
+  if (!bFillNeeded_) bFillNeeded_ = regionDiffersFromSeed();
+}
+
+/// Takes the stretches of a row that can be reached from the pixels [x0, x1) of a neighbour.
+void ImageFill::searchRow(int32_t y, int32_t x0, int32_t x1) {
+  const uint8_t* row = search_.get() + indexOf(0, y);
+  const uint8_t* end = row + x1;
+  for (const uint8_t* p = firstZero(row + x0, end); p < end; p = firstZero(p, end)) {
+    const uint8_t* start = p == row + x0 ? startOfZeros(row, p) : p;
+    p = firstNonZero(p, row + w_);
+    takeSpan({static_cast<int32_t>(start - row), static_cast<int32_t>(p - row), y});
+  }
+}
+
+void ImageFill::takeSpan(Span span) {
+  const auto length = static_cast<size_t>(span.x1 - span.x0);
+  std::memset(search_.get() + indexOf(span.x0, span.y), kInRegion, length);
+  if (imgDst_ != nullptr) {
+    auto* row = reinterpret_cast<uint32_t*>(imgDst_->writableRows(span.y, span.y + 1));
+    std::fill_n(row + span.x0, length, fillColorPixel());
+  }
+  x1_ = std::min(x1_, span.x0);
+  x2_ = std::max(x2_, span.x1 - 1);
+  y1_ = std::min(y1_, span.y);
+  y2_ = std::max(y2_, span.y);
+  pending_.push_back(span);
+}
+
+bool ImageFill::regionDiffersFromSeed() const {
+  for (size_t i = indexOf(0, y1_); i < indexOf(0, y2_ + 1); ++i) {
+    if (search_[i] == kInRegion && tolerance_[i] != 0) return true;
+  }
+  return false;
+}
+
+std::shared_ptr<ImageMask> ImageFill::imageMask() const {
+  if (!hasRegion()) return nullptr;
+  const auto width = static_cast<size_t>(x2_ - x1_ + 1);
+  const auto height = static_cast<size_t>(y2_ - y1_ + 1);
+  std::vector<uint8_t> data(width * height);
+  for (size_t y = 0; y < height; ++y) {
+    const uint8_t* row = search_.get() + indexOf(x1_, y1_ + static_cast<int32_t>(y));
+    selectMarks(data.data() + y * width, row, width, kInRegion);
+  }
+  return ImageMask::initWithData(std::move(data), x1_, h_ - 1 - y2_, x2_ - x1_ + 1, y2_ - y1_ + 1);
+}
+
+std::shared_ptr<ImageMask> ImageFill::invertedImageMask() const {
+  std::vector<uint8_t> data(pixelCount(), 1);
+  if (hasRegion()) {
+    for (size_t i = 0; i < data.size(); ++i) data[i] = search_[i] != kInRegion;
+  }
+  return ImageMask::initWithData(std::move(data), 0, 0, w_, h_);
+}
+
+NSRect ImageFill::fillRect() const {
+  if (!hasRegion()) return NSZeroRect;
+  return NSMakeRect(x1_, h_ - 1 - y2_, x2_ - x1_ + 1, y2_ - y1_ + 1);
+}
+
+std::shared_ptr<NSBezierPath> ImageFill::fillBorder() const {
+  if (bFillAll_) return NSBezierPath::bezierPathWithRect(fillRect());
+  const auto mask = imageMask();
+  return mask != nullptr ? regionBorder(*mask) : NSBezierPath::bezierPath();
+}
+
+NSPoint ImageFill::startPoint() const {
+  return NSMakePoint(xStart_, h_ - 1 - yStart_);
+}
+
+bool ImageFill::isPointFilled(NSPoint point) const {
+  if (!hasRegion()) return false;
+  if (!(point.x >= 0 && point.x < w_ && point.y >= 0 && point.y < h_)) return false;
+  const auto x = static_cast<int32_t>(point.x), y = static_cast<int32_t>(point.y);
+  return search_[indexOf(x, h_ - 1 - y)] == kInRegion;
+}
