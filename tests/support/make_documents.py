@@ -8,6 +8,7 @@ import os
 import sys
 
 from fill_documents import clears, fills, hostile_fills
+import filter_documents
 import picture_documents
 from keyed_archive import Float32, UID
 from make_pictures import png
@@ -332,7 +333,7 @@ def documents():
     yield "stored sprays", stored_sprays().to_bytes()
     yield "fills", fills().to_bytes()
     yield "clears", clears().to_bytes()
-    for name, doc in picture_documents.documents():
+    for name, doc in itertools.chain(picture_documents.documents(), filter_documents.documents()):
         yield name, doc.to_bytes()
     for elements in 9998, 10000:
         yield f"spray {elements}", spray(elements, stroke=RED).to_bytes()
@@ -345,7 +346,7 @@ def main(folder):
     for name, data in documents():
         with open(os.path.join(folder, name + ".paintdoc"), "wb") as out:
             out.write(data)
-    for name, doc in itertools.chain(hostile(), hostile_fills()):
+    for name, doc in itertools.chain(hostile(), hostile_fills(), filter_documents.hostile()):
         with open(os.path.join(folder, "hostile", name + ".paintdoc"), "wb") as out:
             out.write(doc.to_bytes())
 

@@ -11,6 +11,15 @@ std::shared_ptr<DrawImage2> DrawFilter::convertedDraw() const {
   return draw;
 }
 
+void DrawFilter::setImage(std::shared_ptr<NSBitmapImageRep> image) {
+  DrawImage::setImage(std::move(image));
+  dropEffect();
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawFilter::imageForDrawing() {
+  return effectOf(image_, KeepEffect::always);
+}
+
 bool DrawFilter::initWithCoder(NSCoder& coder) {
   if (!DrawImage::initWithCoder(coder)) return false;
   decodeFilter(coder);

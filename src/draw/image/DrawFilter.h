@@ -9,6 +9,11 @@ class DrawFilter : public DrawImage, public ImageFilterMembers {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   std::string name() const override { return filterName(); }
+  using DrawImage::image;
+  using ImageFilterMembers::image;
+
+  void setImage(std::shared_ptr<NSBitmapImageRep> image) override;
+  std::shared_ptr<NSBitmapImageRep> imageForDrawing() override;
   /// A DrawFilter2 with the same bitmap, common attributes, filter, settings and scissor.
   std::shared_ptr<DrawImage2> convertedDraw() const override;
 

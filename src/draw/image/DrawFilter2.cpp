@@ -1,5 +1,6 @@
 #include "draw/image/DrawFilter2.h"
 
+#include "draw/image/BitmapHelpers.h"
 #include "platform/foundation/NSDictionary.h"
 
 const NSClass DrawFilter2::kClass{"DrawFilter2", &DrawImage2::kClass, NSAllocate<DrawFilter2>};
@@ -18,6 +19,7 @@ std::shared_ptr<DrawFilter2> DrawFilter2::initWithDraw(DrawImage2& draw, int64_t
   filter->copyCommonAttributesFrom(draw);
   filter->fXRadius_ = draw.xRadius();
   filter->fYRadius_ = draw.yRadius();
+  filter->setOpacity(draw.opacity());
   return filter;
 }
 
@@ -28,6 +30,19 @@ void DrawFilter2::setFilterMembers(const ImageFilterMembers& members) {
 void DrawFilter2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
   DrawImage2::setImage(std::move(image));
   dropEffect();
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawFilter2::imageForDrawing() {
+  if (auto effect = cachedEffect()) return effect;
+  // A picture that is decoded anew for every drawing takes its effect along when it goes.
+  const bool keepsPicture = cachedImage() != nullptr;
+  return effectOf(image(), keepsPicture ? KeepEffect::always : KeepEffect::whileUsed);
+}
+
+void DrawFilter2::flip(bool horizontal) {
+  const auto effect = cachedEffect();
+  DrawImage2::flip(horizontal);
+  imageEffect_ = ImageFliped(effect, horizontal);
 }
 
 std::shared_ptr<NSDictionary> DrawFilter2::drawAttributes() const {

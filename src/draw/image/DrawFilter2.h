@@ -26,7 +26,10 @@ class DrawFilter2 : public DrawImage2, public ImageFilterMembers {
 
   void setImage(std::shared_ptr<NSBitmapImageRep> image) override;
   /// The filtered bitmap; the plain one for a draw without settings. Null without a bitmap.
-  std::shared_ptr<NSBitmapImageRep> imageForDrawing() override { return effectOf(image()); }
+  std::shared_ptr<NSBitmapImageRep> imageForDrawing() override;
+  /// Mirrors the filtered bitmap too when there is one, so that the draw is its mirror image even
+  /// where the filter would do something else with a mirrored picture.
+  void flip(bool horizontal) override;
 
   std::shared_ptr<NSDictionary> drawAttributes() const override;
   bool setDrawAttributes(const NSDictionary& attributes) override;

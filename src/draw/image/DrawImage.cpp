@@ -42,7 +42,8 @@ std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
 }
 
 void DrawImage::_draw() {
-  if (bezierPath_ == nullptr || image_ == nullptr) return;
+  const auto image = bezierPath_ != nullptr ? imageForDrawing() : nullptr;
+  if (image == nullptr) return;
   const NSGraphicsStateScope state;
   preparePictureContext();
   if (enableShadow() && shadow() != nullptr) shadow()->set();
@@ -50,9 +51,9 @@ void DrawImage::_draw() {
   const NSRect bounds = pathBounds();
   snapToPixels(bounds);
   const CGFloat fraction = static_cast<CGFloat>(percent()) / 100;
-  drawPicture(*image_, bounds, fraction);
+  drawPicture(*image, bounds, fraction);
   if (enableInnerShadow() && innerShadow() != nullptr) {
-    drawPictureInnerShadow(*image_, bounds, *bezierPath_, *innerShadow(), fraction);
+    drawPictureInnerShadow(*image, bounds, *bezierPath_, *innerShadow(), fraction);
   }
 }
 

@@ -15,7 +15,9 @@ class DrawImage : public DrawRectangle {
   bool drawFill() const override { return true; }
 
   const std::shared_ptr<NSBitmapImageRep>& image() const { return image_; }
-  void setImage(std::shared_ptr<NSBitmapImageRep> image) { image_ = std::move(image); }
+  virtual void setImage(std::shared_ptr<NSBitmapImageRep> image) { image_ = std::move(image); }
+  /// What the draw shows; may be null.
+  virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image_; }
   /// Width by height of the bitmap; 1 without one or its height.
   CGFloat width2HeightRatioForShift() const override;
 

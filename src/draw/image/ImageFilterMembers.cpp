@@ -2,6 +2,7 @@
 
 #include "draw/core/DrawAttributes.h"
 #include "draw/image/ImageFilters.h"
+#include "draw/raster/ImageMask.h"
 #include "platform/foundation/NSCoder.h"
 #include "platform/graphics/NSBezierPath.h"
 
@@ -24,13 +25,17 @@ constexpr std::string_view kColorFilters[] = {
     "CISepiaTone",      "CIHueAdjust",     "CIGammaAdjust"};
 
 std::shared_ptr<NSObject> scissorOrNull(std::shared_ptr<NSObject> object) {
-  const bool isScissor = dynamic_cast<const NSBezierPath*>(object.get()) != nullptr;
+  const bool isScissor = dynamic_cast<const NSBezierPath*>(object.get()) != nullptr ||
+                         dynamic_cast<const ImageMask*>(object.get()) != nullptr;
   return isScissor ? std::move(object) : nullptr;
 }
 
 Bitmap scissored(const Bitmap& image, const NSObject* scissor) {
   if (const auto* path = dynamic_cast<const NSBezierPath*>(scissor)) {
     return ScissorImage(image, *path);
+  }
+  if (const auto* mask = dynamic_cast<const ImageMask*>(scissor)) {
+    return mask->scissorImage(image.get());
   }
   return image;
 }
@@ -73,12 +78,25 @@ bool ImageFilterMembers::isNewSettings(const NSDictionary* settings) const {
   return !IsEqualDrawAttributes(dicFilterSettings_.get(), settings);
 }
 
-Bitmap ImageFilterMembers::effectOf(const Bitmap& plain) {
+Bitmap ImageFilterMembers::cachedEffect() const {
+  if (dicFilterSettings_ == nullptr) return nullptr;
+  return imageEffect_ != nullptr ? imageEffect_ : usedEffect_.lock();
+}
+
+Bitmap ImageFilterMembers::effectOf(const Bitmap& plain, KeepEffect keep) {
   if (dicFilterSettings_ == nullptr || plain == nullptr) return plain;
-  if (imageEffect_ == nullptr) {
-    imageEffect_ = image(plain, dFilterType_, dicFilterSettings_.get(), imageScissor_.get());
+  Bitmap effect = cachedEffect();
+  if (effect == nullptr) {
+    effect = image(plain, dFilterType_, dicFilterSettings_.get(), imageScissor_.get());
+    usedEffect_ = effect;
   }
-  return imageEffect_;
+  if (keep == KeepEffect::always) imageEffect_ = effect;
+  return effect;
+}
+
+void ImageFilterMembers::dropEffect() {
+  imageEffect_ = nullptr;
+  usedEffect_.reset();
 }
 
 void ImageFilterMembers::decodeFilter(NSCoder& coder) {

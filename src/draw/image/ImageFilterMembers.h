@@ -62,9 +62,14 @@ class ImageFilterMembers {
   /// can be one.
   void initFilter(int64_t type, std::shared_ptr<NSObject> selection);
 
-  /// What a draw with that bitmap shows: computed once, then kept until it is dropped.
-  std::shared_ptr<NSBitmapImageRep> effectOf(const std::shared_ptr<NSBitmapImageRep>& plain);
-  void dropEffect() { imageEffect_ = nullptr; }
+  enum class KeepEffect : uint8_t { always, whileUsed };
+  /// What a draw with that bitmap shows. A filtered bitmap is computed once and kept, until it is
+  /// dropped or only as long as somebody uses it.
+  std::shared_ptr<NSBitmapImageRep> effectOf(const std::shared_ptr<NSBitmapImageRep>& plain,
+                                             KeepEffect keep);
+  /// The filtered bitmap if it is kept; null for a draw without settings.
+  std::shared_ptr<NSBitmapImageRep> cachedEffect() const;
+  void dropEffect();
 
   void decodeFilter(NSCoder& coder);
   void encodeFilter(NSCoder& coder) const;
@@ -76,4 +81,5 @@ class ImageFilterMembers {
   std::shared_ptr<NSObject> imageScissor_;
   std::shared_ptr<NSMutableDictionary> dicFilterSettings_;
   std::shared_ptr<NSBitmapImageRep> imageEffect_;
+  std::weak_ptr<NSBitmapImageRep> usedEffect_;
 };
