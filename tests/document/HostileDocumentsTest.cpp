@@ -5,9 +5,12 @@
 
 #include "document/PaintManager.h"
 #include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/text/FontRegistry.h"
 #include "support/Documents.h"
+#include "support/Fixtures.h"
 
 TEST(HostileDocuments, AreDrawnOrLeftOut) {
+  FontRegistry::useFontFiles({sourcePath("tests/fixtures/fonts/Box.ttf")});
   const std::string folder = std::string(PAINT_BINARY_DIR) + "/fixtures/documents/hostile";
   int count = 0;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {

@@ -774,7 +774,7 @@ class KeyedArchive:
         slot = self.reserve()
         mutable = cls != "NSAttributedString"
         fields = {"NSString": self.mutable_string(text) if mutable else self.add(text)}
-        length = len(text.encode("utf-16-be")) // 2
+        length = len(text.encode("utf-16-be", "surrogatepass")) // 2
         runs = list(runs) or [(length, {})]
         if sum(n for n, _ in runs) != length:
             raise ValueError("runs do not cover the text")

@@ -13,6 +13,7 @@ import picture_documents
 from keyed_archive import Float32, UID
 from make_pictures import png
 from paint_document import DRAW_CLASSES, PRESET_SHAPES, PaintDocument
+import text_documents
 
 RED, BLUE = (1, 0, 0), (0, 0, 1)
 
@@ -230,6 +231,7 @@ def hostile():
     flat.add("DrawEllipse", outline=flat.path([("M", 5, 5), ("L", 5, 5), ("Z",)]), fill=RED, stroke=BLUE,
              shadow=flat.shadow(1, 1, 3), inner_shadow=flat.shadow(1, 1, 3), reflection=(1, 0), rotation=33)
     yield "no extent", flat
+    yield from text_documents.hostile()
 
 
 def brushes():
@@ -339,6 +341,7 @@ def documents():
         yield f"spray {elements}", spray(elements, stroke=RED).to_bytes()
         yield f"translucent spray {elements}", spray(
             elements, stroke=(0, 0, 1, 0.5), opacity=60).to_bytes()
+    yield from text_documents.documents()
 
 
 def main(folder):

@@ -96,6 +96,23 @@ class PaintDocument:
                   "Width": len(rows[0]), "Height": len(rows)}
         return self.archive.obj(["ImageMask", "NSObject"], record | fields)
 
+    def style(self, font="Helvetica", size=18, color=(0, 0, 0), align=4, paragraph=None, **attributes):
+        """Attributes of a piece of text; more of them under their archived names."""
+        style = {"NSFont": self.archive.font(font, float(size)), "NSColor": self.color(color),
+                 "NSParagraphStyle": self.archive.paragraph_style(align, **(paragraph or {}))}
+        style.update(attributes)
+        return style
+
+    def text(self, *pieces):
+        """UID of a text; pieces: (string, style)."""
+        runs = [(len(string.encode("utf-16-le", "surrogatepass")) // 2, style) for string, style in pieces]
+        return self.archive.attributed_string("".join(p[0] for p in pieces), [r for r in runs if r[0]], "NSTextStorage")
+
+    def text_gradient(self, gradient, degree=90, radial=False, center=(0, 0)):
+        """Keys of a text box whose text has a gradient."""
+        return {"UseGradualText": True, "IsRadialTextGradient": radial, "TextGdtDegree": Float32(degree),
+                "TextGdtCenter": self.archive.point(*center), "TextGradient": gradient}
+
     # draws ---------------------------------------------------------------------------------------
 
     def draw(self, class_name, outline=None, stroke=None, fill=None, stroke_gradient=None,

@@ -18,6 +18,14 @@ def whole():
     return a.to_bytes(root=root)
 
 
+def hello_world():
+    """Two runs, as in the description of the format."""
+    a = KeyedArchive()
+    plain, bold = a.font("Helvetica", 12), a.font("Helvetica-Bold", 12)
+    return a.to_bytes(root=a.attributed_string("Hello, world", [
+        (7, {"NSFont": plain}), (5, {"NSFont": bold, "NSUnderline": 1, "NSColor": a.color((1, 0, 0))})]))
+
+
 def recorded_runs():
     """The run table of a file met in the wild."""
     a = KeyedArchive()
@@ -114,6 +122,7 @@ def paragraph_styles():
 
 def samples():
     yield "whole", whole()
+    yield "hello_world", hello_world()
     yield "recorded_runs", recorded_runs()
     yield "one_style", one_style()
     yield "empty", one_style("")

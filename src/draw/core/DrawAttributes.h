@@ -14,6 +14,9 @@ bool IsEqualDrawAttributes(const NSDictionary* a, const NSDictionary* b);
 class AttributeWriter {
  public:
   AttributeWriter() : dictionary_(std::make_shared<NSMutableDictionary>()) {}
+  /// Starts with the pairs of another dictionary.
+  explicit AttributeWriter(const NSDictionary& base)
+      : dictionary_(std::make_shared<NSMutableDictionary>(base)) {}
   void put(const char* key, std::shared_ptr<NSObject> value) {
     if (value != nullptr) dictionary_->setObject(std::move(value), key);
   }

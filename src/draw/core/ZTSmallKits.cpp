@@ -1,6 +1,8 @@
 #include "draw/core/ZTSmallKits.h"
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -12,6 +14,19 @@ bool near(CGFloat a, CGFloat b, CGFloat step) {
 }
 
 }  // namespace
+
+std::shared_ptr<NSColor> colorWithHex(uint32_t hex, CGFloat alpha) {
+  const auto channel = [hex](int shift) { return (hex >> shift & 0xff) / 255.0; };
+  return NSColor::colorWithRed(channel(16), channel(8), channel(0), alpha);
+}
+
+std::shared_ptr<NSGradient> gradientWithOpacity(const NSGradient& gradient, CGFloat opacity) {
+  std::vector<NSGradient::Stop> stops = gradient.stops();
+  for (NSGradient::Stop& stop : stops) {
+    stop.color = stop.color->colorWithAlphaComponent(stop.color->alphaComponent() * opacity);
+  }
+  return NSGradient::initWithStops(std::move(stops));
+}
 
 bool zt_isEqualWithColor(const NSColor* a, const NSColor* b) {
   if (a == nullptr || b == nullptr) return false;

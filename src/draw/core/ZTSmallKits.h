@@ -4,6 +4,11 @@
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSShadow.h"
 
+/// A colour from 0xRRGGBB.
+std::shared_ptr<NSColor> colorWithHex(uint32_t hex, CGFloat alpha);
+/// The gradient with every stop's alpha times `opacity`.
+std::shared_ptr<NSGradient> gradientWithOpacity(const NSGradient& gradient, CGFloat opacity);
+
 /// Comparisons of value objects as a user would see them. Two nulls are never equal.
 
 /// Components within one step of 255 in calibrated RGB, alpha within 0.01; any two colours that are

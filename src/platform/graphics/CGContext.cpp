@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/graphics/pixels/AlphaMask.h"
 #include "platform/graphics/pixels/SpanCompositor.h"
 
 namespace {
@@ -134,6 +135,11 @@ void CGContext::fill(const NSRect& rect, NSCompositingOperation operation) {
 void CGContext::fill(const PathData& path, WindingRule winding) {
   paint(FillShape(renderer_, path, fillStyle(winding)),
         SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)), state_.operation);
+}
+
+void CGContext::fill(const AlphaMask& mask, int32_t dx, int32_t dy) {
+  paint(MaskShape(mask, dx, dy), SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)),
+        state_.operation);
 }
 
 void CGContext::stroke(const PathData& path, const StrokeStyle& style) {

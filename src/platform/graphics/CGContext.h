@@ -15,6 +15,8 @@
 #include "platform/graphics/pixels/PixelSurface.h"
 #include "platform/graphics/pixels/RowSource.h"
 
+class AlphaMask;
+
 /// Draws onto one bitmap. User space starts with its origin at the bitmap's bottom left corner, y
 /// upwards, one unit per pixel.
 ///
@@ -37,6 +39,8 @@ class CGContext {
   void saveGState();
   void restoreGState();
   const GraphicsState& state() const { return state_; }
+  /// User space to device space: pixels, rows counted from the top.
+  CGAffineTransform deviceTransform() const { return toDevice(state_.transform); }
 
   void setAlpha(CGFloat alpha) { state_.alpha = alpha; }
   void setOperation(NSCompositingOperation operation) { state_.operation = operation; }
@@ -59,6 +63,9 @@ class CGContext {
   void fill(const NSRect& rect, NSCompositingOperation operation);
   void fill(const NSRect& rect) { fill(rect, state_.operation); }
   void fill(const PathData& path, WindingRule winding);
+
+  /// Paints the fill colour through a mask in device space, moved by whole pixels.
+  void fill(const AlphaMask& mask, int32_t dx, int32_t dy);
 
   /// Draws the line along a path. The pen is in user space units: the transform shapes it.
   void stroke(const PathData& path, const StrokeStyle& style);
@@ -113,8 +120,6 @@ class CGContext {
   };
 
   PixelSurface& surface() { return layers_.empty() ? bitmap_ : layers_.back().surface; }
-  /// User space to device space: pixels, rows counted from the top.
-  CGAffineTransform deviceTransform() const { return toDevice(state_.transform); }
   CGAffineTransform toDevice(const CGAffineTransform& toBitmap) const;
   /// The current path in user space, which is left empty; nothing when user space is singular.
   PathData takePathInUserSpace();

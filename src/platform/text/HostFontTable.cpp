@@ -545,7 +545,7 @@ constexpr HostFamily kFamilies[] = {
     {"DIN Alternate", kOfStandIn, kDINAlternateFaces, kGeometric},
     {"DIN Condensed", kOfStandIn, kDINCondensedFaces, kLikeImpact},
     {"Didot", kOfStandIn, kDidotFaces, kLikeDidot},
-    {"Futura", kOfStandIn, kFuturaFaces, kLikeFutura},
+    {"Futura", {1.039, 0.26, 0}, kFuturaFaces, kLikeFutura},
     {"Garamond", kOfStandIn, kGaramondFaces, kLikeGaramond},
     {"Geeza Pro", kOfStandIn, kGeezaProFaces, kArabic},
     {"Geneva", {1, 0.25, 0}, kGenevaFaces, kLikeVerdana},

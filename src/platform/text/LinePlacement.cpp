@@ -157,10 +157,10 @@ PlacedLine placeLine(FittedLine line, const LineRoom& room, const LineSetting& s
   placed.contentLeft = startX(room, setting, content);
   if (rightToLeft && !room.bounded) placed.contentLeft += trailing;
   placed.contentRight = placed.contentLeft + content;
-  const double hanging = room.bounded ? std::clamp(rightToLeft ? placed.contentLeft - room.left
-                                                               : room.right - placed.contentRight,
-                                                   0.0, trailing)
-                                      : trailing;
+  const double free =
+      rightToLeft ? placed.contentLeft - room.left : room.right - placed.contentRight;
+  // White space that is kerned to less than nothing does not hang.
+  const double hanging = std::max(0.0, room.bounded ? std::min(free, trailing) : trailing);
   placed.x = rightToLeft ? placed.contentLeft - hanging : placed.contentLeft;
   placed.usedWidth = content + hanging;
 

@@ -5,7 +5,9 @@
 #include "platform/foundation/NSException.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/Unicode.h"
+#include "platform/graphics/NSGraphicsContext.h"
 #include "platform/text/NSTextContainer.h"
+#include "platform/text/TextDrawing.h"
 #include "platform/text/TextLayout.h"
 
 namespace {
@@ -25,6 +27,11 @@ bool equalAttributes(const NSDictionary* a, const NSDictionary* b) {
     if (!equalObjects(a->allValues()[i].get(), value.get())) return false;
   }
   return true;
+}
+
+TextLayout unlimitedLayout(const NSAttributedString& text) {
+  const NSSize unlimited = NSMakeSize(NSTextContainer::kUnlimited, NSTextContainer::kUnlimited);
+  return layoutText(makeStyledText(text), {unlimited, 0, FontLeading::ignored});
 }
 
 size_t endOf(const NSRange& range) {
@@ -114,8 +121,15 @@ std::shared_ptr<NSAttributedString> NSAttributedString::attributedSubstringFromR
 }
 
 NSSize NSAttributedString::size() const {
-  const NSSize unlimited = NSMakeSize(NSTextContainer::kUnlimited, NSTextContainer::kUnlimited);
-  return layoutText(makeStyledText(*this), {unlimited, 0, FontLeading::ignored}).used.size;
+  return unlimitedLayout(*this).used.size;
+}
+
+void NSAttributedString::drawAtPoint(NSPoint point) const {
+  const auto& context = NSGraphicsContext::currentContext();
+  if (context == nullptr) return;
+  const TextLayout layout = unlimitedLayout(*this);
+  drawTextBackground(layout, {0, length()}, point, *context->graphicsPort());
+  drawTextGlyphs(layout, {0, length()}, point, *context->graphicsPort());
 }
 
 size_t NSAttributedString::splitRunAt(size_t unit) {

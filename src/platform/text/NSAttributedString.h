@@ -62,6 +62,9 @@ class NSAttributedString : public NSObject {
   /// Size of the text set without a limit to its width: the widest line with the blanks at its end,
   /// and the heights of all lines without the leading of fonts.
   NSSize size() const;
+  /// Draws the text so set into the current graphics context, whose user space has y running down,
+  /// with its top left corner at the point.
+  void drawAtPoint(NSPoint point) const;
 
   const NSClass& classInfo() const override { return kClass; }
   bool isEqual(const NSObject& other) const override;

@@ -1,8 +1,10 @@
 #include "platform/text/NSLayoutManager.h"
 
+#include "platform/graphics/NSGraphicsContext.h"
 #include "platform/text/LineMetrics.h"
 #include "platform/text/NSTextStorage.h"
 #include "platform/text/StyledText.h"
+#include "platform/text/TextDrawing.h"
 
 namespace {
 
@@ -64,4 +66,16 @@ CGFloat NSLayoutManager::defaultLineHeightForFont(const NSFont& font) const {
 
 CGFloat NSLayoutManager::defaultBaselineOffsetForFont(const NSFont& font) const {
   return metricsOf(font, leading_).ascent;
+}
+
+void NSLayoutManager::drawBackgroundForGlyphRange(const NSRange& range, NSPoint atPoint) {
+  if (const auto& context = NSGraphicsContext::currentContext()) {
+    drawTextBackground(layout(), range, atPoint, *context->graphicsPort());
+  }
+}
+
+void NSLayoutManager::drawGlyphsForGlyphRange(const NSRange& range, NSPoint atPoint) {
+  if (const auto& context = NSGraphicsContext::currentContext()) {
+    drawTextGlyphs(layout(), range, atPoint, *context->graphicsPort());
+  }
 }

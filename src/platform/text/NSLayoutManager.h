@@ -42,6 +42,11 @@ class NSLayoutManager {
   /// Distance of the baseline from the top of such a line.
   CGFloat defaultBaselineOffsetForFont(const NSFont& font) const;
 
+  // Drawing into the current graphics context, whose user space has y running down; the point is
+  // where the container's top left corner goes. Lines that begin inside the range are drawn, whole.
+  void drawBackgroundForGlyphRange(const NSRange& range, NSPoint atPoint);
+  void drawGlyphsForGlyphRange(const NSRange& range, NSPoint atPoint);
+
   /// Lines and glyphs of the first container.
   const TextLayout& layout();
 

@@ -10,7 +10,7 @@
 #include "draw/raster/DrawSelections.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectangle.h"
-#include "draw/text/DrawText.h"
+#include "draw/text/DrawBezierText.h"
 #include "platform/foundation/NSString.h"
 
 namespace {

@@ -147,6 +147,26 @@ TEST_F(NSAttributedStringTest, ReadsWhatThePlatformWrites) {
   EXPECT_EQ(kernRuns(*decoded("recorded_runs")), "1:0 1:1 4:2 2:1 1:3 1:0");
 }
 
+TEST_F(NSAttributedStringTest, ReadsTheExampleOfTheFormat) {
+  EXPECT_EQ(madeArchive("text/hello_world")->length(), 800u);
+  const auto text = decoded("hello_world");
+  ASSERT_NE(text, nullptr);
+  EXPECT_EQ(text->string(), "Hello, world");
+  NSRange run;
+  const TextStyle plain = textStyle(text->attributesAtIndex(0, &run).get());
+  EXPECT_EQ(run, (NSRange{0, 7}));
+  EXPECT_EQ(plain.font->fontName(), "Helvetica");
+  EXPECT_EQ(plain.font->pointSize(), 12);
+  EXPECT_EQ(plain.underline, 0);
+  EXPECT_EQ(plain.foreground, nullptr);
+  const TextStyle bold = textStyle(text->attributesAtIndex(7, &run).get());
+  EXPECT_EQ(run, (NSRange{7, 5}));
+  EXPECT_EQ(bold.font->fontName(), "Helvetica-Bold");
+  EXPECT_EQ(bold.underline, 1);
+  EXPECT_EQ(bold.foreground->redComponent(), 1);
+  EXPECT_EQ(bold.foreground->blueComponent(), 0);
+}
+
 TEST_F(NSAttributedStringTest, RunTablesThatLie) {
   struct Case {
     const char* name;

@@ -1,0 +1,161 @@
+// Drawing of text boxes: the text image, tinted, outlined and shadowed.
+#include <cmath>
+
+#include "draw/text/DrawText.h"
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSColorDrawing.h"
+#include "platform/graphics/NSGradient.h"
+#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/NSShadow.h"
+#include "platform/text/NSTextStorage.h"
+
+namespace {
+
+CGContext& port() {
+  return *NSGraphicsContext::currentContext()->graphicsPort();
+}
+
+void clearShadow() {
+  port().setShadow({NSZeroSize, 0, {0, 0, 0, 0}});
+}
+
+NSRect roundedRect(const NSRect& r) {
+  return {{std::round(r.origin.x), std::round(r.origin.y)},
+          {std::round(r.size.width), std::round(r.size.height)}};
+}
+
+}  // namespace
+
+void DrawText::_draw() {
+  if (_isNewCreated) return;
+  if (isAutoResize() && bEdittingText_ && textStorage_->length() == 0) return;
+  DrawRoundRectangle::_draw();
+  if (opacity() == 0 || textStorage_->length() == 0 || bEdittingText_) return;
+  const bool whole = !isTooLargeToKeep();
+  if (!whole) {
+    invalidTextImage();
+    wantedPart_ = visiblePart();
+  }
+  if (makeSureHasValidTextImage()) drawText();
+  if (!whole) {
+    wantedPart_.reset();
+    invalidTextImage();
+  }
+}
+
+/// The part of the text image that the context's clip can show, or a shadow in it.
+NSRect DrawText::visiblePart() const {
+  const PixelBox& clip = port().state().clip.box();
+  const CGAffineTransform toDevice =
+      CGAffineTransformConcat(transform().transformStruct(), port().deviceTransform());
+  const NSRect device = NSMakeRect(clip.x0, clip.y0, static_cast<CGFloat>(clip.width()),
+                                   static_cast<CGFloat>(clip.height()));
+  CGFloat reach = 2;  // of the filter that a turned image is drawn with
+  for (const auto& shadow :
+       {bEnableShadow_ ? shadow_ : nullptr, bEnableInnerShadow_ ? shadowInner_ : nullptr}) {
+    if (shadow == nullptr) continue;
+    const NSSize offset = shadow->shadowOffset();
+    reach = std::max(reach, std::hypot(offset.width, offset.height) + shadow->shadowBlurRadius());
+  }
+  const NSRect seen = CGRectApplyAffineTransform(NSInsetRect(device, -reach, -reach),
+                                                 CGAffineTransformInvert(toDevice));
+  const NSPoint origin = pathBounds().origin;
+  return NSOffsetRect(seen, -origin.x, -origin.y);
+}
+
+void DrawText::drawText() const {
+  const NSGraphicsStateScope state;
+  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
+  context.setCompositingOperation(NSCompositingOperation::sourceOver);
+  context.setImageInterpolation(NSImageInterpolation::high);
+  context.setShouldAntialias(bSmooth_);
+  port().concatenate(transform().transformStruct());
+  const NSPoint origin = pathBounds().origin;
+  const NSRect target = NSOffsetRect(rectText_, origin.x, origin.y);
+  port().setAlpha(static_cast<CGFloat>(opacity()) / 100);
+  {
+    const NSGraphicsStateScope shadowed;
+    if (bEnableShadow_ && shadow_ != nullptr) shadow_->set();
+    if (hasGradient()) {
+      const CGTransparencyLayerScope layer(port());
+      drawGradientText(target);
+    } else {
+      port().draw(*imgRepText_, target);
+    }
+  }
+  if (bEnableInnerShadow_ && shadowInner_ != nullptr) drawInnerShadow(target);
+}
+
+/// The gradient where the text image is a mask for it, and the outlines on top; into a layer.
+void DrawText::drawGradientText(const NSRect& target) const {
+  const NSGraphicsStateScope state;
+  clearShadow();
+  port().draw(*imgRepText_, target);
+  port().setOperation(NSCompositingOperation::sourceIn);
+  if (_isRadialTextGradient) {
+    _textGradient->drawInBezierPath(*NSBezierPath::bezierPathWithRect(target),
+                                    relativeGradientCenter(target));
+  } else {
+    _textGradient->drawInRect(target, static_cast<CGFloat>(_textGradientDegree));
+  }
+  if (const auto outline = textOutlineImage()) {
+    port().setOperation(NSCompositingOperation::sourceOver);
+    port().draw(*outline, target);
+  }
+}
+
+/// Centre of the radial gradient relative to the middle and the half sides of `target`. It is kept
+/// relative to those of the box.
+NSPoint DrawText::relativeGradientCenter(const NSRect& target) const {
+  if (_textGradientCenter == NSZeroPoint) return NSZeroPoint;
+  const NSRect box = pathBounds();
+  const NSPoint center{NSMidX(box) + _textGradientCenter.x * NSWidth(box) / 2,
+                       NSMidY(box) + _textGradientCenter.y * NSHeight(box) / 2};
+  return {2 * (center.x - NSMidX(target)) / NSWidth(target),
+          2 * (center.y - NSMidY(target)) / NSHeight(target)};
+}
+
+void DrawText::drawInnerShadow(const NSRect& target) const {
+  const auto& color = shadowInner_->shadowColor();
+  if (color == nullptr) return;
+  const auto opaque = color->colorWithAlphaComponent(1);
+  const NSGraphicsStateScope state;
+  NSRectClip(target);
+  if (!hasLegacyOpacity()) {
+    port().setAlpha(color->alphaComponent() * static_cast<CGFloat>(opacity()) / 100);
+  }
+  const CGTransparencyLayerScope whole(port());
+  port().setShadow(
+      {shadowInner_->shadowOffset(), shadowInner_->shadowBlurRadius(), paintComponents(*opaque)});
+  port().setOperation(NSCompositingOperation::sourceOut);
+  const CGTransparencyLayerScope inverse(port());
+  opaque->setFill();
+  port().fill(target);
+  port().setOperation(NSCompositingOperation::destinationIn);
+  const CGTransparencyLayerScope shape(port());
+  if (hasGradient()) {
+    port().setShouldAntialias(bSmooth_);
+    drawGradientText(target);
+  } else {
+    drawInRect(*imgRepText_, target, NSZeroRect, NSCompositingOperation::sourceOver,
+               static_cast<CGFloat>(fTextOpacity_));
+  }
+}
+
+NSRect DrawText::drawRect() const {
+  if (isTooLargeToKeep() && !wantedPart_) {
+    wantedPart_ = NSZeroRect;
+    const NSRect rect = drawRect();
+    wantedPart_.reset();
+    invalidTextImage();
+    return rect;
+  }
+  makeSureHasValidTextImage();
+  if (drawFill()) return DrawRoundRectangle::drawRect();
+  if (!(NSWidth(rectText_) >= 1 && NSHeight(rectText_) >= 1)) return NSZeroRect;
+  const NSPoint origin = pathBounds().origin;
+  const auto outline =
+      NSBezierPath::bezierPathWithRect(roundedRect(NSOffsetRect(rectText_, origin.x, origin.y)));
+  outline->transformUsingAffineTransform(transform());
+  return outline->bounds();
+}

@@ -1,0 +1,42 @@
+#include "draw/text/TextOutlineCache.h"
+
+#include <iterator>
+#include <utility>
+
+TextOutlineCache& TextOutlineCache::shared() {
+  // Never destroyed: draws that outlive it would still take their entries out.
+  static TextOutlineCache& cache = *new TextOutlineCache;
+  return cache;
+}
+
+size_t TextOutlineCache::costOf(const NSBitmapImageRep& bitmap) {
+  return bitmap.bytesPerRow() * static_cast<size_t>(bitmap.pixelsHigh());
+}
+
+std::shared_ptr<NSBitmapImageRep> TextOutlineCache::objectForKey(size_t key) {
+  const std::lock_guard lock(mutex_);
+  const auto found = byKey_.find(key);
+  if (found == byKey_.end()) return nullptr;
+  entries_.splice(entries_.begin(), entries_, found->second);
+  return found->second->bitmap;
+}
+
+void TextOutlineCache::setObject(std::shared_ptr<NSBitmapImageRep> bitmap, size_t forKey) {
+  const std::lock_guard lock(mutex_);
+  if (const auto old = byKey_.find(forKey); old != byKey_.end()) remove(old->second);
+  cost_ += costOf(*bitmap);
+  entries_.push_front({forKey, std::move(bitmap)});
+  byKey_[forKey] = entries_.begin();
+  while (cost_ > limit_) remove(std::prev(entries_.end()));
+}
+
+void TextOutlineCache::removeObjectForKey(size_t key) {
+  const std::lock_guard lock(mutex_);
+  if (const auto found = byKey_.find(key); found != byKey_.end()) remove(found->second);
+}
+
+void TextOutlineCache::remove(Entries::iterator entry) {
+  cost_ -= costOf(*entry->bitmap);
+  byKey_.erase(entry->key);
+  entries_.erase(entry);
+}

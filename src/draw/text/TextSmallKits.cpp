@@ -1,0 +1,59 @@
+#include "draw/text/TextSmallKits.h"
+
+#include <unistd.h>
+
+#include <atomic>
+
+#include "platform/text/NSFontManager.h"
+#include "platform/text/NSTextStorage.h"
+
+namespace {
+
+std::atomic<bool> experimental{false};
+
+std::shared_ptr<NSLayoutManager> makeLayoutManager() {
+  auto container = std::make_shared<NSTextContainer>();
+  container->setLineFragmentPadding(0);
+  auto manager = std::make_shared<NSLayoutManager>();
+  manager->addTextContainer(std::move(container));
+  return manager;
+}
+
+bool onMainThread() {
+  return gettid() == getpid();
+}
+
+}  // namespace
+
+bool experimentalFeatures() {
+  return experimental;
+}
+
+void setExperimentalFeatures(bool on) {
+  experimental = on;
+}
+
+bool zt_isEqualWithFont(const NSFont* a, const NSFont* b) {
+  if (a == nullptr || b == nullptr) return false;
+  if (a == b) return true;
+  const NSFontManager& manager = NSFontManager::sharedFontManager();
+  return a->fontName() == b->fontName() && a->pointSize() == b->pointSize() &&
+         manager.traitsOfFont(*a) == manager.traitsOfFont(*b) &&
+         manager.weightOfFont(*a) == manager.weightOfFont(*b);
+}
+
+std::shared_ptr<NSLayoutManager> LayoutManagerForDrawText() {
+  if (!onMainThread()) return makeLayoutManager();
+  static const std::shared_ptr<NSLayoutManager> shared = makeLayoutManager();
+  return shared;
+}
+
+TextLayoutScope::TextLayoutScope(NSTextStorage& text, const NSSize& containerSize)
+    : text_(text), manager_(LayoutManagerForDrawText()) {
+  manager_->textContainers().front()->setContainerSize(containerSize);
+  text_.addLayoutManager(manager_);
+}
+
+TextLayoutScope::~TextLayoutScope() {
+  text_.removeLayoutManager(manager_);
+}
