@@ -6,7 +6,9 @@ import sys
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
 
+from landscape import landscape  # noqa: E402
 from paint_document import PaintDocument  # noqa: E402
+from picture_documents import png  # noqa: E402
 
 
 def background():
@@ -39,7 +41,21 @@ def composition():
     return doc
 
 
-EXAMPLES = {"background": background, "composition": composition}
+def filters():
+    """A picture with a blurred oval and a pixellated house, each a filter draw above it."""
+    width, height = 240, 180
+    doc = PaintDocument(width, height)
+    whole = lambda: doc.rectangle(0, 0, width, height, line_width=0)
+    picture = doc.archive.data(png(landscape(width, height), width))
+    doc.add("DrawImage2", outline=whole(), ImageData=picture, title="Landscape")
+    doc.add("DrawFilter2", outline=whole(), ImageData=picture, title="Sun", FilterType=1,
+            FilterSettings=doc.archive.add({"inputRadius": 8}), ImageScissor=doc.oval(130, 95, 90, 75))
+    doc.add("DrawFilter2", outline=whole(), ImageData=picture, title="House", FilterType=7,
+            ImageScissor=doc.rectangle(38, 54, 50, 52))
+    return doc
+
+
+EXAMPLES = {"background": background, "composition": composition, "filters": filters}
 
 
 def main():

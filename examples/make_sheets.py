@@ -3,8 +3,8 @@
 
 make_sheets.py OUTPUT_DIR [BIN_DIR]
 
-With the folder of the built programs it renders them, too, and adds the sheet of preset shapes,
-whose outlines are the engine's own (rsvg-convert writes the names)."""
+With the folder of the built programs it renders them, too, and adds the sheets with names on them
+(rsvg-convert writes those): the preset shapes, whose outlines are the engine's own, and the filters."""
 import base64
 import os
 import subprocess
@@ -13,7 +13,9 @@ import sys
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
 
+from landscape import landscape  # noqa: E402
 from paint_document import PaintDocument  # noqa: E402
+from picture_documents import png  # noqa: E402
 
 RED, BLUE, GREEN, WHITE, DARK = (0.9, 0.2, 0.15), (0.15, 0.35, 0.85), (0.2, 0.65, 0.3), (1, 1, 1), (0.15, 0.15, 0.2)
 CELL = 100
@@ -136,20 +138,52 @@ LABEL = ('<text x="{}" y="{}" font-family="DejaVu Sans" font-size="13" text-anch
 
 
 def preset_shapes(folder, programs):
-    """The engine draws the shapes; the names are laid over its picture."""
-    document = os.path.join(folder, "presets.paintdoc")
-    labels = subprocess.run([os.path.join(programs, "preset-shapes"), document], check=True,
-                            capture_output=True, text=True).stdout.splitlines()
+    labels = subprocess.run([os.path.join(programs, "preset-shapes"), os.path.join(folder, "presets.paintdoc")],
+                            check=True, capture_output=True, text=True).stdout.splitlines()
+    labelled(folder, programs, "presets", [label.split(" ", 2) for label in labels])
+
+
+def filters(folder, programs):
+    """One picture through each filter."""
+    width, height, gap, line = 240, 180, 8, 20
+    settings = [("the picture", None, {}), ("Invert Colors", 0, {"none": 0}), ("Blur 4", 1, {}),
+                ("Sharpen 2", 2, {"inputSharpness": 2}),
+                ("Adjust Colors: warm", 3, {"inputEV": 0.4, "inputSaturation": 1.5, "inputShadowAmount": 0.5,
+                                            "inputIntensity": 0.35}),
+                ("Adjust Colors: hue, contrast", 3, {"inputAngle": 1.5, "inputContrast": 1.3,
+                                                     "inputHighlightAmount": 0.5, "inputPower": 0.8}),
+                ("Crystallize 10", 4, {}), ("Edges 50", 5, {}), ("Edge Work 1.5", 6, {"inputRadius": 1.5}),
+                ("Pixellate 5", 7, {}), ("Pointillize 4", 8, {"inputRadius": 4}),
+                ("Black And White", 9, {"none": 0})]
+    doc = PaintDocument(4 * (width + gap) + gap, 3 * (height + line + gap), background=(0.55, 0.6, 0.65))
+    picture = doc.archive.data(png(landscape(width, height), width))
+    labels = []
+    for i, (name, kind, values) in enumerate(settings):
+        x = gap + i % 4 * (width + gap)
+        y = line + (2 - i // 4) * (height + line + gap)
+        fields = {"ImageData": picture, "outline": doc.rectangle(x, y, width, height, line_width=0)}
+        if kind is not None:
+            fields["FilterType"] = kind
+        if values:
+            fields["FilterSettings"] = doc.archive.add(values)
+        doc.add("DrawImage2" if kind is None else "DrawFilter2", **fields)
+        labels.append((x + width / 2, y - 15, name))
+    with open(os.path.join(folder, "filters.paintdoc"), "wb") as out:
+        out.write(doc.to_bytes())
+    labelled(folder, programs, "filters", labels)
+
+
+def labelled(folder, programs, name, labels):
+    """The engine draws the document; the labels (x, y upwards, text) are laid over its picture."""
+    document = os.path.join(folder, name + ".paintdoc")
     picture = subprocess.run([os.path.join(programs, "paintdoc"), "render", "--format", "png", document, "-"],
                              check=True, capture_output=True).stdout
     width, height = (int.from_bytes(picture[at:at + 4], "big") for at in (16, 20))
     svg = [f'<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" '
            f'width="{width}" height="{height}"><image width="{width}" height="{height}" '
            f'xlink:href="data:image/png;base64,{base64.b64encode(picture).decode()}"/>']
-    for label in labels:
-        x, y, name = label.split(" ", 2)
-        svg.append(LABEL.format(x, height - float(y), name))
-    subprocess.run(["rsvg-convert", "-o", os.path.join(folder, "presets.png")],
+    svg += [LABEL.format(x, height - float(y), text) for x, y, text in labels]
+    subprocess.run(["rsvg-convert", "-o", os.path.join(folder, name + ".png")],
                    input="\n".join(svg + ["</svg>"]), text=True, check=True)
 
 
@@ -164,6 +198,7 @@ def main(folder, programs=None):
                            check=True)
     if programs:
         preset_shapes(folder, programs)
+        filters(folder, programs)
 
 
 if __name__ == "__main__":
