@@ -1,10 +1,11 @@
 #pragma once
 
 #include "draw/core/DrawBase.h"
+#include "platform/foundation/PaintExport.h"
 
 /// A draw that holds sub-draws, bottom first, and renders them as one object; also the form of a
 /// layer. Groups nest. Every sub-draw refers back to its group.
-class DrawGroup : public DrawBase {
+class PAINT_API DrawGroup : public DrawBase {
  public:
   static const NSClass kClass;
   static constexpr size_t kNotFound = static_cast<size_t>(-1);

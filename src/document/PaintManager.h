@@ -10,6 +10,7 @@
 
 #include "draw/core/DrawBase.h"
 #include "platform/foundation/NSObject.h"
+#include "platform/foundation/PaintExport.h"
 
 class DrawGroup;
 class DrawImage2;
@@ -50,7 +51,7 @@ enum ImageRefreshControl : int64_t {
 ///
 /// Composition draws into the calling thread's graphics context; a document is composed on one
 /// thread at a time.
-class PaintManager : public NSObject {
+class PAINT_API PaintManager : public NSObject {
  public:
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }

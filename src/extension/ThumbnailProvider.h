@@ -2,12 +2,13 @@
 
 #include <memory>
 
+#include "platform/foundation/PaintExport.h"
 #include "platform/thumbnails/QLThumbnailProvider.h"
 
 class NSBitmapImageRep;
 
 /// Makes thumbnails of documents. Has no state of its own: any number of requests may run at once.
-class ThumbnailProvider : public QLThumbnailProvider {
+class PAINT_API ThumbnailProvider : public QLThumbnailProvider {
  public:
   /// Replies synchronously, always without an error: a file that cannot be read or decoded gets a
   /// reply of zero size whose block draws nothing.

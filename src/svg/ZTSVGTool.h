@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/foundation/Geometry.h"
+#include "platform/foundation/PaintExport.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 
 class NSData;
@@ -13,7 +14,7 @@ class NSData;
 ///
 /// There are two renderers: one of the system's, which does not exist here, and the engine in
 /// SVGNative. The latter ends the process at arcs that it does not support (see docs/svg.md).
-class ZTSVGTool {
+class PAINT_API ZTSVGTool {
  public:
   /// True when "</svg>" stands within the last 100 bytes. Nothing else is looked at.
   static bool isSVGFormatData(const NSData* data);

@@ -9,6 +9,7 @@
 
 #include "draw/core/AxisMap.h"
 #include "platform/foundation/NSObject.h"
+#include "platform/foundation/PaintExport.h"
 #include "platform/graphics/NSAffineTransform.h"
 #include "platform/graphics/NSBezierPath.h"
 
@@ -30,7 +31,7 @@ enum class ResizeLineWidth : uint8_t { no, yes };
 ///
 /// Subclasses change behaviour through the class hooks; only the capability queries ask what kind
 /// of draw the receiver is.
-class DrawBase : public NSObject {
+class PAINT_API DrawBase : public NSObject {
  public:
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }

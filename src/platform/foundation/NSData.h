@@ -11,12 +11,13 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/NSObject.h"
+#include "platform/foundation/PaintExport.h"
 
 class NSURL;
 
 /// Bytes with a shared owner. A picture or an archive inside a file is a view into the file's
 /// bytes, which stay alive as long as anyone looks at a part of them.
-class NSData : public NSObject {
+class PAINT_API NSData : public NSObject {
  public:
   static const NSClass kClass;
 

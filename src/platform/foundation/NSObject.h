@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/foundation/PaintExport.h"
+
 class NSCoder;
 class NSObject;
 
@@ -25,7 +27,7 @@ struct NSClass {
 };
 
 /// Root of everything an archive can hold. Shared ownership is std::shared_ptr.
-class NSObject {
+class PAINT_API NSObject {
  public:
   static const NSClass kClass;
 

@@ -6,9 +6,10 @@
 #include <utility>
 
 #include "platform/foundation/NSObject.h"
+#include "platform/foundation/PaintExport.h"
 
 /// A URL: its own text, and perhaps the URL that a relative text is seen from.
-class NSURL : public NSObject {
+class PAINT_API NSURL : public NSObject {
  public:
   static const NSClass kClass;
 

@@ -8,6 +8,7 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/NSObject.h"
+#include "platform/foundation/PaintExport.h"
 #include "platform/graphics/ZeroedMemory.h"
 
 class NSData;
@@ -28,7 +29,7 @@ struct RowRange {
 /// Memory comes from the system zeroed and untouched, so a bitmap costs what was painted on it;
 /// the rows that may hold anything but zero are tracked, so that copying, scaling and clearing can
 /// pass over the rest.
-class NSBitmapImageRep : public NSObject {
+class PAINT_API NSBitmapImageRep : public NSObject {
  public:
   static const NSClass kClass;
 

@@ -6,11 +6,12 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/NSURL.h"
+#include "platform/foundation/PaintExport.h"
 #include "platform/thumbnails/QLThumbnailReply.h"
 
 /// What the thumbnail service asks for: a picture of a file, no larger than the maximum size in
 /// either direction (pixels).
-class QLFileThumbnailRequest {
+class PAINT_API QLFileThumbnailRequest {
  public:
   QLFileThumbnailRequest(std::shared_ptr<const NSURL> fileURL, NSSize maximumSize)
       : fileURL_(std::move(fileURL)), maximumSize_(maximumSize) {}
@@ -25,7 +26,7 @@ class QLFileThumbnailRequest {
 
 /// Base of the classes that the thumbnail service calls, on any thread and for several files at
 /// once.
-class QLThumbnailProvider {
+class PAINT_API QLThumbnailProvider {
  public:
   /// Takes the reply, or null and an error.
   using CompletionHandler =

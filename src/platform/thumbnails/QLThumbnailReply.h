@@ -4,11 +4,12 @@
 #include <memory>
 
 #include "platform/foundation/Geometry.h"
+#include "platform/foundation/PaintExport.h"
 
 class NSBitmapImageRep;
 
 /// A thumbnail provider's answer: how large the thumbnail is and how it is painted.
-class QLThumbnailReply {
+class PAINT_API QLThumbnailReply {
  public:
   /// Paints into the current graphics context, whose size is the reply's context size. Answers
   /// false when there is nothing to show.

@@ -5,6 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "platform/foundation/PaintExport.h"
+
 class NSBitmapImageRep;
 
 enum class ImageFormat : uint8_t { unknown, png, jpeg, tiff, webp };
@@ -15,11 +17,11 @@ ImageFormat imageFormatOf(std::span<const uint8_t> file);
 /// The picture in a file of any of the formats: sRGB, premultiplied, upright, with hasAlpha as in
 /// the file. Rows that a truncated file lacks are transparent. Null when nothing can be decoded,
 /// and for pictures larger than limits::kMaxCanvasPixels.
-std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file);
+PAINT_API std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file);
 
 /// Empty when a side is zero or beyond what the format can hold, or when there is no memory.
-std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap);
+PAINT_API std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap);
 /// `quality` from 0 to 1. Translucent pixels appear over black.
-std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality);
+PAINT_API std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality);
 /// `quality` from 0 to 1, which is lossless; with alpha when the bitmap has it.
-std::vector<uint8_t> encodeWebP(const NSBitmapImageRep& bitmap, double quality);
+PAINT_API std::vector<uint8_t> encodeWebP(const NSBitmapImageRep& bitmap, double quality);

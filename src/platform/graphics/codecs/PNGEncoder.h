@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/foundation/PaintExport.h"
+
 class NSBitmapImageRep;
 
 enum class PNGEffort : uint8_t {
@@ -24,4 +26,5 @@ struct PNGOptions {
 
 /// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha; without an alpha channel when
 /// every pixel is opaque. Empty when a side is zero or there is no memory.
-std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap, const PNGOptions& options = {});
+PAINT_API std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap,
+                                         const PNGOptions& options = {});

@@ -1,0 +1,12 @@
+set -l commands info render check
+complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a info -d 'Show the canvas and the tree of draws'
+complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a render -d 'Write the picture'
+complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a check -d 'Tell whether files are documents'
+complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-time -x -d 'Seconds of processor time'
+complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-memory -x -d 'Megabytes of memory'
+complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-output -x -d 'Megabytes of output'
+complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l version -d 'Print the version'
+complete -c paintdoc -n "__fish_seen_subcommand_from $commands" -l json -d 'Answer as JSON'
+complete -c paintdoc -n '__fish_seen_subcommand_from render' -l format -x -a 'png jpeg webp tiff' -d 'Format of the picture'
+complete -c paintdoc -n '__fish_seen_subcommand_from render' -l quality -x -d 'Of JPEG and WebP, 0 to 1'
+complete -c paintdoc -s h -l help -d 'Print a summary'

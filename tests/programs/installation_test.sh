@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs into a folder and builds a program against what was installed, through the CMake package
+# and through pkg-config:  installation_test.sh BUILD_DIR SOURCE_DIR CXX
+set -euo pipefail
+build=$1
+source=$2
+export CXX=$3
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+cmake --install "$build" --prefix "$folder/usr" >/dev/null
+for path in bin/paintdoc bin/paint-thumbnailer share/thumbnailers/paint-thumbnailer.thumbnailer \
+  share/mime/packages/paint-document.xml share/man/man1/paintdoc.1.gz share/man/man1/paint-thumbnailer.1.gz \
+  share/bash-completion/completions/paintdoc share/zsh/vendor-completions/_paintdoc \
+  share/fish/vendor_completions.d/paintdoc.fish share/metainfo/org.paintengine.paintdoc.metainfo.xml; do
+  [ -s "$folder/usr/$path" ] || { echo "not installed: $path"; exit 1; }
+done
+
+mkdir "$folder/client"
+cp "$source/tests/programs/client.cpp" "$folder/client"
+cat >"$folder/client/CMakeLists.txt" <<'TEXT'
+cmake_minimum_required(VERSION 3.25)
+project(client LANGUAGES CXX)
+find_package(paintengine 0.1 REQUIRED)
+add_executable(client client.cpp)
+target_link_libraries(client PRIVATE paintengine::paintengine)
+TEXT
+cmake -S "$folder/client" -B "$folder/client/build" -DCMAKE_PREFIX_PATH="$folder/usr" >/dev/null
+cmake --build "$folder/client/build" >/dev/null
+"$folder/client/build/client" "$source/examples/composition.paintdoc"
+
+library=$(find "$folder/usr" -name pkgconfig)
+sed -i "s|^prefix=.*|prefix=$folder/usr|" "$library/paintengine.pc"
+export PKG_CONFIG_PATH=$library
+# shellcheck disable=SC2046  # Several words are meant.
+"$CXX" "$folder/client/client.cpp" -o "$folder/plain" $(pkg-config --cflags --libs paintengine)
+LD_LIBRARY_PATH=$(dirname "$library") "$folder/plain" "$source/examples/composition.paintdoc"
