@@ -1,14 +1,17 @@
 #!/usr/bin/env python3
 """Makes the example documents next to this script, with the independent writer of the tests."""
+import math
 import os
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
 
+from keyed_archive import Float32  # noqa: E402
 from landscape import landscape  # noqa: E402
+from make_pdfs import pdf  # noqa: E402
 from paint_document import PaintDocument  # noqa: E402
-from picture_documents import png  # noqa: E402
+from picture_documents import png, two_gray_jpeg  # noqa: E402
 
 
 def background():
@@ -55,7 +58,74 @@ def filters():
     return doc
 
 
-EXAMPLES = {"background": background, "composition": composition, "filters": filters}
+def mix(a, b, t):
+    return tuple(round(x + (y - x) * min(max(t, 0), 1)) for x, y in zip(a, b))
+
+
+def grain(x, y):
+    """Boards with a grain, for a background."""
+    board = x // 40
+    wave = math.sin(0.09 * y + 2 * board + 0.8 * math.sin(0.05 * y + board)) + math.sin(0.5 * x + board)
+    shade = 0.5 + 0.2 * wave - 0.5 * (x % 40 == 0)
+    return mix((120, 84, 52), (164, 122, 82), shade)
+
+
+def glow(x, y, size):
+    """A translucent disc that fades out."""
+    fade = max(0, 1 - math.hypot(x - size / 2 + 0.5, y - size / 2 + 0.5) / (size / 2))
+    return 255, 210, 60, round(230 * min(1, 1.6 * fade))
+
+
+BADGE = b"""<svg xmlns="http://www.w3.org/2000/svg" width="120" height="120" viewBox="0 0 120 120">
+<circle cx="60" cy="60" r="56" fill="#245a8d"/><circle cx="60" cy="60" r="46" fill="none"
+ stroke="#fff" stroke-width="4" stroke-dasharray="6 5"/>
+<path d="M60 22 L71 49 L100 51 L78 69 L85 98 L60 82 L35 98 L42 69 L20 51 L49 49 Z" fill="#ffd34d"/></svg>"""
+
+CHART = b"""0.98 g 0 0 160 120 re f 0.2 G 2 w 16 104 m 16 16 l 148 16 l S
+0.16 0.45 0.75 rg 28 17 20 38 re f 0.9 0.5 0.15 rg 58 17 20 62 re f
+0.3 0.6 0.3 rg 88 17 20 50 re f /A gs 0.7 0.15 0.2 rg 118 17 20 84 re f
+0.1 0.1 0.1 RG 3 w 38 60 m 60 96 80 92 98 74 c 112 60 124 104 128 108 c S"""
+
+
+def pictures():
+    """Embedded pictures of every kind on a board, with the effects that pictures take."""
+    doc = PaintDocument(640, 480)
+    a = doc.archive
+    file = lambda pixel, width, height: a.data(png(
+        [pixel(x, y) for y in range(height) for x in range(width)], width))
+    place = lambda x, y, w, h, width=0: doc.rectangle(x, y, w, h, line_width=width)
+    view = a.data(png(landscape(180, 120), 180))
+    doc.has_background = True
+    doc.add("DrawImage2", outline=place(0, 0, 640, 480), ImageData=file(grain, 320, 240), title="Board")
+    doc.add("DrawImage2", outline=place(40, 270, 240, 160, 14), ImageData=view, stroke=(1, 1, 0.97),
+            rotation=7, shadow=doc.shadow(6, -8, 10), title="Photograph")
+    doc.add("DrawImage2", outline=doc.path(rounded(350, 280, 210, 140, 24), line_width=0), ImageData=view,
+            XRadius=Float32(24), YRadius=Float32(24), title="Rounded",
+            inner_shadow=doc.shadow(5, -5, 10, (0, 0, 0, 0.8)), reflection=(0.4, 6))
+    doc.add("DrawPDF", outline=place(60, 70, 200, 150), rotation=-5, shadow=doc.shadow(4, -4, 6),
+            title="Chart", PDFData=a.data(pdf(
+                "/MediaBox [0 0 160 120] /Resources << /ExtGState << /A << /ca 0.6 >> >> >>", CHART)))
+    doc.add("DrawSVG", outline=place(300, 40, 150, 150), SVGData=a.data(BADGE), shadow=doc.shadow(4, -6, 8),
+            title="Badge")
+    doc.add("DrawImage", outline=place(480, 90, 110, 55), opacity=80, title="Legacy",
+            Image=a.bitmap(two_gray_jpeg()))
+    doc.add("DrawImage2", outline=place(450, 30, 180, 180), title="Glow",
+            ImageData=file(lambda x, y: glow(x, y, 48), 48, 48))
+    return doc
+
+
+def rounded(x, y, w, h, r):
+    """A rectangle with circular corners, counter-clockwise."""
+    k = r * (1 - 4 / 3 * math.tan(math.pi / 8))
+    right, top = x + w, y + h
+    return [("M", x + r, y), ("L", right - r, y), ("C", right - k, y, right, y + k, right, y + r),
+            ("L", right, top - r), ("C", right, top - k, right - k, top, right - r, top),
+            ("L", x + r, top), ("C", x + k, top, x, top - k, x, top - r),
+            ("L", x, y + r), ("C", x, y + k, x + k, y, x + r, y), ("Z",)]
+
+
+EXAMPLES = {"background": background, "composition": composition, "filters": filters,
+            "pictures": pictures}
 
 
 def main():

@@ -4,6 +4,7 @@ import struct
 import zlib
 
 from keyed_archive import Float32, tiff_rgba
+from make_pdfs import files as pdf_files
 from paint_document import PaintDocument
 
 WIDTH, HEIGHT = 4, 2
@@ -88,6 +89,10 @@ def forms():
         doc.picture("svg", "DrawSVG", SVGData=a.data(SVG), FlipHorizontal=True),
         doc.picture("svg with a bitmap", "DrawSVG", ImageData=alpha),
         doc.picture("empty svg", "DrawSVG", SVGData=a.data(b"")),
+        *(doc.picture("pdf, " + name, "DrawPDF", PDFData=a.data(data), FlipVertical=True)
+          for name, data in pdf_files()),
+        doc.picture("empty pdf", "DrawPDF", PDFData=a.data(b"")),
+        doc.picture("pdf with a bitmap", "DrawPDF", ImageData=alpha),
         doc.group([doc.group([doc.picture("deep legacy", "DrawImage", Image=bitmap,
                                           Opacity=Float32(0.5))])], title="groups")]
     return doc

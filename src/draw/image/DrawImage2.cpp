@@ -19,6 +19,7 @@ constexpr const char* kImageOpacityAttribute = "DAKeyImageOpacity";
 std::shared_ptr<DrawImage2> DrawImage2::drawWithData(const std::shared_ptr<NSData>& data) {
   if (data == nullptr || data->length() == 0) return nullptr;
   if (auto draw = DrawSVG::drawWithSVGData(data)) return draw;
+  if (auto draw = DrawPDF::drawWithPDFData(data)) return draw;
   auto bitmap = NSBitmapImageRep::imageRepWithData(*data);
   return bitmap == nullptr ? nullptr : initWithImage(std::move(bitmap));
 }

@@ -1,3 +1,74 @@
 #include "draw/image/DrawPDF.h"
 
+#include <utility>
+
+#include "draw/image/RasterizedPicture.h"
+#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSData.h"
+#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/pdf/PDFDocument.h"
+
 const NSClass DrawPDF::kClass{"DrawPDF", &DrawImage2::kClass, NSAllocate<DrawPDF>};
+
+namespace {
+
+constexpr const char* kPDFData = "PDFData";
+
+std::shared_ptr<PDFPage> firstPageOf(const std::shared_ptr<PDFDocument>& document) {
+  return document == nullptr ? nullptr : document->firstPage();
+}
+
+}  // namespace
+
+std::shared_ptr<DrawPDF> DrawPDF::drawWithPDFData(const std::shared_ptr<NSData>& data) {
+  return drawWithPDFDocument(PDFDocument::initWithData(data));
+}
+
+std::shared_ptr<DrawPDF> DrawPDF::drawWithPDFDocument(
+    const std::shared_ptr<PDFDocument>& document) {
+  return drawWithPDFPage(firstPageOf(document));
+}
+
+std::shared_ptr<DrawPDF> DrawPDF::drawWithPDFPage(std::shared_ptr<PDFPage> page) {
+  if (page == nullptr) return nullptr;
+  auto draw = std::make_shared<DrawPDF>();
+  draw->init();
+  draw->_pdfPage = std::move(page);
+  draw->bezierPath()->setLineWidth(0);
+  draw->setBezierPathWithBounds({NSZeroPoint, draw->originalPDFSize()});
+  return draw;
+}
+
+const std::shared_ptr<PDFPage>& DrawPDF::pdfPage() const {
+  if (!_pdfPage) _pdfPage = firstPageOf(PDFDocument::initWithData(pdfData_));
+  return *_pdfPage;
+}
+
+NSSize DrawPDF::originalPDFSize() const {
+  return pdfPage() == nullptr ? NSZeroSize : pdfPage()->size();
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage() const {
+  return pdfPage() == nullptr ? nullptr : pdfPage()->bitmapWithSize(rasterSize(pathBounds()));
+}
+
+void DrawPDF::flip(bool horizontal) {
+  DrawImage2::flip(horizontal);
+  bool& flag = horizontal ? _flipHorizontal : _flipVertical;
+  flag = !flag;
+}
+
+bool DrawPDF::initWithCoder(NSCoder& coder) {
+  if (!DrawImage2::initWithCoder(coder)) return false;
+  _flipHorizontal = coder.decodeBoolForKey(kFlipHorizontal);
+  _flipVertical = coder.decodeBoolForKey(kFlipVertical);
+  pdfData_ = coder.decodeDataForKey(kPDFData);
+  return true;
+}
+
+void DrawPDF::encodeWithCoder(NSCoder& coder) const {
+  DrawImage2::encodeWithCoder(coder);
+  if (pdfPage() != nullptr) coder.encodeObject(pdfPage()->dataRepresentation(), kPDFData);
+  if (_flipHorizontal) coder.encodeBool(true, kFlipHorizontal);
+  if (_flipVertical) coder.encodeBool(true, kFlipVertical);
+}

@@ -80,7 +80,8 @@ TEST_F(Pictures, EveryArchivedForm) {
   EXPECT_EQ(jpeg->size(), (NSSize{16, 8}));
   EXPECT_EQ(pixelAt(*jpeg, 3, 3), (Pixel{200, 200, 200, 255}));
   EXPECT_EQ(pixelAt(*jpeg, 12, 3), (Pixel{40, 40, 40, 255}));
-  for (const char* title : {"nothing", "junk", "text for data", "svg with a bitmap"}) {
+  for (const char* title : {"nothing", "junk", "text for data", "svg with a bitmap",
+                            "pdf with a bitmap", "empty pdf", "pdf, encrypted"}) {
     EXPECT_EQ(titled(title)->image(), nullptr) << title;
     EXPECT_EQ(titled(title)->originalSize(), NSZeroSize) << title;
   }
