@@ -17,7 +17,7 @@ void PaintManager::setSize(NSSize size) {
 void PaintManager::setBackgroundColor(std::shared_ptr<NSColor> color) {
   if (color == _backgroundColor) return;
   _backgroundColor = std::move(color);
-  _imageRefreshControl = kRebuildBuffer;
+  raiseRefreshControl(kRebuildBuffer);
 }
 
 void PaintManager::setMaskBackground(bool mask) {
@@ -51,7 +51,7 @@ void PaintManager::setBackgroundDraw(std::shared_ptr<DrawImage2> draw) {
   if (drawBackground_ != nullptr) eraseDraw(drawBackground_.get());
   if (draw != nullptr) aryDraw_.insert(aryDraw_.begin(), draw);
   drawBackground_ = std::move(draw);
-  _imageRefreshControl = kRebuildBuffer;
+  raiseRefreshControl(kRebuildBuffer);
 }
 
 DrawGroup* PaintManager::groupForDraw(const DrawBase* draw) const {
@@ -72,17 +72,25 @@ void PaintManager::takeOutOfGroup(const std::shared_ptr<DrawBase>& draw) {
 
 bool PaintManager::addDraw(const std::shared_ptr<DrawBase>& draw) {
   if (draw == nullptr || containsDraw(draw.get())) return false;
-  if (!aryDraw_.empty() && imageBuffer_ != nullptr && toppestDraw()->visible()) {
-    // The old topmost draw joins the buffer before the new one covers it.
-    const ZTFocusScope focus(imageBuffer_);
-    NSGraphicsContext::currentContext()->setCompositingOperation(
-        NSCompositingOperation::sourceOver);
-    toppestDraw()->drawInImage(imageBuffer_.get());
-  }
   takeOutOfGroup(draw);
+  paintToppestDrawIntoBuffer();
   aryDraw_.push_back(draw);
   raiseRefreshControl(kRefreshFullImage);
   return true;
+}
+
+void PaintManager::paintToppestDrawIntoBuffer() {
+  // A buffer that will be rebuilt may hold it already.
+  const bool stale = _imageRefreshControl == kRebuildBuffer;
+  if (aryDraw_.empty() || imageBuffer_ == nullptr || stale) return;
+  const auto draw = toppestDraw();
+  if (draw->visible()) {
+    const ZTFocusScope focus(imageBuffer_);
+    NSGraphicsContext::currentContext()->setCompositingOperation(
+        NSCompositingOperation::sourceOver);
+    draw->drawInImage(imageBuffer_.get());
+  }
+  areas_.didPaint(*draw);
 }
 
 bool PaintManager::insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index) {
@@ -97,46 +105,60 @@ bool PaintManager::insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t in
 
 bool PaintManager::removeDraw(const std::shared_ptr<DrawBase>& draw) {
   if (draw == nullptr) return false;
+  std::shared_ptr<DrawBase> changed = draw;
   if (containsDraw(draw.get())) {
     eraseDraw(draw.get());
     if (draw == drawBackground_) setBackgroundDraw(nullptr);
   } else {
     DrawGroup* group = groupForDraw(draw.get());
     if (group == nullptr || !group->removeDraw(draw.get())) return false;
+    changed = aryDraw_[*indexOfDraw(group)];
   }
-  if (imageBuffer_ != nullptr) _imageRefreshControl = kRebuildBuffer;
+  if (imageBuffer_ != nullptr) raiseRefreshControl(kRebuildBuffer, {&changed, 1});
   return true;
 }
 
+void PaintManager::setImageRefreshControl(int64_t control) {
+  if (control == kRebuildBuffer) areas_.noteChangeOfAll();
+  _imageRefreshControl = control;
+}
+
 void PaintManager::raiseRefreshControl(int64_t control) {
+  if (control == kRebuildBuffer) areas_.noteChangeOfAll();
+  raiseRefreshControl(control, {});
+}
+
+void PaintManager::raiseRefreshControl(int64_t control, Selection changed) {
   // A change of the topmost draw does not undo that something below it changed before.
   _imageRefreshControl = std::max(_imageRefreshControl, control);
+  if (control == kRebuildBuffer) {
+    for (const auto& draw : changed) areas_.noteChange(draw);
+  }
 }
 
 void PaintManager::respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBase>> draws) {
   if (draws.size() == 1 && draws[0] != nullptr && draws[0] == toppestDraw()) {
-    raiseRefreshControl(kRefreshFullImage);
+    raiseRefreshControl(kRefreshFullImage, {});
     return;
   }
-  const auto isTopLevel = [this](const auto& draw) { return containsDraw(draw.get()); };
-  if (std::any_of(draws.begin(), draws.end(), isTopLevel)) {
-    raiseRefreshControl(kRebuildBuffer);
-    return;
-  }
-  bool anyGroup = false;
+  // The top-level draws that changed: those given, and the groups of those given.
+  DrawArray changed;
+  bool listed = false;
   for (const auto& draw : draws) {
-    const DrawGroup* group = groupForDraw(draw.get());
-    if (group == nullptr) continue;
-    if (group != toppestDraw().get()) {
-      raiseRefreshControl(kRebuildBuffer);
-      return;
+    if (containsDraw(draw.get())) {
+      changed.push_back(draw);
+      listed = true;
+    } else if (const DrawGroup* group = groupForDraw(draw.get())) {
+      changed.push_back(aryDraw_[*indexOfDraw(group)]);
     }
-    anyGroup = true;
   }
-  if (anyGroup) raiseRefreshControl(kRefreshFullImage);
+  const auto isTopmost = [this](const auto& draw) { return draw == aryDraw_.back(); };
+  const bool onTop = !listed && std::all_of(changed.begin(), changed.end(), isTopmost);
+  if (!changed.empty()) raiseRefreshControl(onTop ? kRefreshFullImage : kRebuildBuffer, changed);
 }
 
 void PaintManager::clearMemeryBuffer() {
   imageBuffer_ = nullptr;
   image_ = nullptr;
+  areas_.forget();
 }

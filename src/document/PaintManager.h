@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "document/PaintedAreas.h"
 #include "draw/core/DrawBase.h"
 #include "platform/foundation/NSObject.h"
 #include "platform/foundation/PaintExport.h"
@@ -17,6 +18,7 @@ class DrawImage2;
 class NSBitmapImageRep;
 class NSColor;
 class NSData;
+class NSImage;
 class NSMutableData;
 struct LayerDrawsStatus;
 
@@ -62,6 +64,9 @@ class PAINT_API PaintManager : public NSObject {
   /// A canvas of the size of a bitmap, which is its background.
   static std::shared_ptr<PaintManager> initWithImageRep(
       const std::shared_ptr<NSBitmapImageRep>& image);
+  static std::shared_ptr<PaintManager> initWithImage(const std::shared_ptr<NSImage>& image);
+  /// A canvas of the natural size of an SVG document, which is its background.
+  static std::shared_ptr<PaintManager> initWithSVG(const std::shared_ptr<NSData>& data);
   /// A canvas of the size of a draw, which is moved to the origin and becomes the background.
   static std::shared_ptr<PaintManager> initWithBackgroundDraw(
       const std::shared_ptr<DrawImage2>& draw);
@@ -182,7 +187,7 @@ class PAINT_API PaintManager : public NSObject {
   /// Marks as stale what a change of these draws makes stale.
   void respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBase>> draws);
   int64_t imageRefreshControl() const { return _imageRefreshControl; }
-  void setImageRefreshControl(int64_t control) { _imageRefreshControl = control; }
+  void setImageRefreshControl(int64_t control);
   /// Drops both bitmaps; the next fullImage composes them again.
   void clearMemeryBuffer();
   /// Called after each top-level draw that a composition has painted, with how many there are to
@@ -192,9 +197,13 @@ class PAINT_API PaintManager : public NSObject {
 
  private:
   void raiseRefreshControl(int64_t control);
+  /// The same for a change of some top-level draws and of nothing else.
+  void raiseRefreshControl(int64_t control, Selection changed);
   void eraseDraw(const DrawBase* draw);
   /// Makes a draw that a group holds one that no group holds.
   void takeOutOfGroup(const std::shared_ptr<DrawBase>& draw);
+  /// Before another draw covers it.
+  void paintToppestDrawIntoBuffer();
   /// The first index that an ordinary draw may have.
   size_t lowestIndex() const { return drawBackground_ != nullptr ? 1 : 0; }
   /// Reorders the list from index `lowest` on, and each group that is not selected, by `order`,
@@ -203,9 +212,13 @@ class PAINT_API PaintManager : public NSObject {
   bool reorder(Selection selection, size_t lowest, const Order& order);
   /// Makes the list and the groups in it hold other draws, and marks as stale what that changes;
   /// answers whether it changes anything.
-  bool rearrange(DrawArray list, const std::vector<std::pair<DrawGroup*, DrawArray>>& inside);
+  bool rearrange(DrawArray list, const std::vector<std::pair<DrawGroup*, DrawArray>>& inside,
+                 Selection changed);
   void convertLegacyDraws();
   void rebuildBuffer();
+  void paintBackgroundColor(const NSRect& rect) const;
+  /// Repaints parts of the buffer as painting all of it would; answers whether that was possible.
+  bool repaintBuffer(std::vector<NSRect> parts);
   void composeFullImage(const NSBitmapImageRep* mask);
   void applyBackgroundMask(const NSBitmapImageRep& mask);
 
@@ -217,5 +230,6 @@ class PAINT_API PaintManager : public NSObject {
   std::shared_ptr<NSBitmapImageRep> image_;
   std::shared_ptr<NSBitmapImageRep> imageBuffer_;
   int64_t _imageRefreshControl = kRebuildBuffer;
+  PaintedAreas areas_;
   ProgressHandler progressHandler_;
 };

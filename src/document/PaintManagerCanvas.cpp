@@ -3,11 +3,12 @@
 #include <optional>
 
 #include "document/PaintManager.h"
-#include "draw/image/DrawImage2.h"
+#include "draw/image/DrawSVG.h"
 #include "platform/foundation/Limits.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
 #include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/NSImage.h"
 
 namespace {
 
@@ -39,6 +40,14 @@ std::shared_ptr<PaintManager> PaintManager::initWithImageRep(
   auto document = image != nullptr ? initWithSize(image->size()) : nullptr;
   if (document != nullptr) document->setBackgroundImage(image);
   return document;
+}
+
+std::shared_ptr<PaintManager> PaintManager::initWithImage(const std::shared_ptr<NSImage>& image) {
+  return image != nullptr ? initWithImageRep(image->representation()) : nullptr;
+}
+
+std::shared_ptr<PaintManager> PaintManager::initWithSVG(const std::shared_ptr<NSData>& data) {
+  return initWithBackgroundDraw(DrawSVG::drawWithSVGData(data));
 }
 
 std::shared_ptr<PaintManager> PaintManager::initWithBackgroundDraw(

@@ -1,10 +1,27 @@
 // Composition of a document's draws into its two bitmaps.
+#include <cstring>
+
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
 #include "platform/graphics/NSBezierPath.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGraphicsContext.h"
+
+namespace {
+
+/// Copies the pixels in a rectangle of whole units, which lies inside both bitmaps.
+void copyPart(const NSBitmapImageRep& from, const NSRect& part, NSBitmapImageRep& to) {
+  const auto x = static_cast<size_t>(NSMinX(part)), width = static_cast<size_t>(NSWidth(part));
+  const int64_t first = from.pixelsHigh() - static_cast<int64_t>(NSMaxY(part));
+  const int64_t end = from.pixelsHigh() - static_cast<int64_t>(NSMinY(part));
+  uint8_t* row = to.writableRows(first, end) + x * 4;
+  for (int64_t y = first; y < end; ++y, row += to.bytesPerRow()) {
+    std::memcpy(row, from.row(y) + x * 4, width * 4);
+  }
+}
+
+}  // namespace
 
 std::shared_ptr<NSBitmapImageRep> PaintManager::fullImage() {
   if (image_ == nullptr || imageBuffer_ == nullptr || _imageRefreshControl != kImagesCurrent) {
@@ -26,21 +43,50 @@ void PaintManager::refreshImage() {
   _imageRefreshControl = kImagesCurrent;
 }
 
+void PaintManager::paintBackgroundColor(const NSRect& rect) const {
+  if (_backgroundColor == nullptr || !(_backgroundColor->alphaComponent() > 0)) return;
+  _backgroundColor->set();
+  NSRectFillUsingOperation(rect, NSCompositingOperation::copy);
+}
+
 void PaintManager::rebuildBuffer() {
+  const auto stale = areas_.takeStaleRects(aryDraw_);
+  if (stale && repaintBuffer(*stale)) return;
   const ZTFocusScope focus(imageBuffer_);
-  NSGraphicsContext& context = *NSGraphicsContext::currentContext();
-  if (_backgroundColor != nullptr && _backgroundColor->alphaComponent() > 0) {
-    context.setCompositingOperation(NSCompositingOperation::copy);
-    _backgroundColor->set();
-    NSRectFill({NSZeroPoint, size_});
-  } else {
-    imageBuffer_->clear();
-  }
-  context.setCompositingOperation(NSCompositingOperation::sourceOver);
+  imageBuffer_->clear();
+  paintBackgroundColor({NSZeroPoint, size_});
+  NSGraphicsContext::currentContext()->setCompositingOperation(NSCompositingOperation::sourceOver);
   for (size_t i = 0; i + 1 < aryDraw_.size(); ++i) {
     if (aryDraw_[i]->visible()) aryDraw_[i]->drawInImage(imageBuffer_.get());
-    if (progressHandler_) progressHandler_(i + 1, aryDraw_.size());
   }
+  areas_.didPaintAll(aryDraw_);
+}
+
+bool PaintManager::repaintBuffer(std::vector<NSRect> parts) {
+  CGFloat pixels = 0;
+  for (NSRect& part : parts) {
+    part = NSIntersectionRect(part, {NSZeroPoint, size_});
+    pixels += NSWidth(part) * NSHeight(part);
+  }
+  std::erase_if(parts, [](const NSRect& part) { return NSIsEmptyRect(part); });
+  if (parts.empty()) return true;
+  if (pixels > size_.width * size_.height / 2) return false;
+  // Draws are painted whole on a canvas of their own, as clipping them would round their edges
+  // differently.
+  std::shared_ptr<NSBitmapImageRep> canvas;
+  if (!InitImageRep(size_, &canvas)) return false;
+  {
+    const ZTFocusScope focus(canvas);
+    for (const NSRect& part : parts) paintBackgroundColor(part);
+    NSGraphicsContext::currentContext()->setCompositingOperation(
+        NSCompositingOperation::sourceOver);
+    for (size_t i = 0; i + 1 < aryDraw_.size(); ++i) {
+      const bool paints = aryDraw_[i]->visible() && areas_.touches(i, parts);
+      if (paints) aryDraw_[i]->drawInImage(canvas.get());
+    }
+  }
+  for (const NSRect& part : parts) copyPart(*canvas, part, *imageBuffer_);
+  return true;
 }
 
 void PaintManager::composeFullImage(const NSBitmapImageRep* mask) {

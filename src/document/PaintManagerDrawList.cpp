@@ -1,5 +1,6 @@
 // Editing the draw list: order, groups, replacement.
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 
 #include "document/DrawGroup.h"
@@ -19,6 +20,13 @@ DrawSet setOf(PaintManager::Selection draws) {
 
 DrawGroup* asGroup(const std::shared_ptr<DrawBase>& draw) {
   return dynamic_cast<DrawGroup*>(draw.get());
+}
+
+DrawArray selectedDraws(const DrawArray& list, const DrawSet& selected) {
+  DrawArray draws;
+  std::copy_if(list.begin(), list.end(), std::back_inserter(draws),
+               [&](const auto& draw) { return selected.contains(draw.get()); });
+  return draws;
 }
 
 /// What an order does to the part of a list from `lowest` on; answers whether that changed it.
@@ -109,16 +117,19 @@ bool PaintManager::reorder(Selection selection, size_t lowest, const Order& orde
   if (selection.empty() || aryDraw_.size() <= lowest) return false;
   const DrawSet selected = setOf(selection);
   int64_t stale = order(aryDraw_, lowest, selected) ? kRebuildBuffer : kImagesCurrent;
+  // Draws change their order only with selected ones.
+  DrawArray changed = stale == kRebuildBuffer ? selectedDraws(aryDraw_, selected) : DrawArray();
   for (const auto& draw : aryDraw_) {
     DrawGroup* group = asGroup(draw);
     if (group == nullptr || selected.contains(group)) continue;
     DrawArray inside = group->draws();
     if (!order(inside, 0, selected)) continue;
     group->setDraws(std::move(inside));
+    changed.push_back(draw);
     // What lies beneath the topmost draw stays as it is when only that one changes.
     stale = std::max<int64_t>(stale, draw == aryDraw_.back() ? kRefreshFullImage : kRebuildBuffer);
   }
-  raiseRefreshControl(stale);
+  raiseRefreshControl(stale, changed);
   return stale != kImagesCurrent;
 }
 
@@ -128,7 +139,7 @@ bool PaintManager::moveDrawsToFront(Selection draws) {
 
 bool PaintManager::moveDrawsToBack(Selection draws) {
   const bool moved = reorder(draws, lowestIndex(), gatherAtStart);
-  if (moved) raiseRefreshControl(kRebuildBuffer);
+  if (moved) raiseRefreshControl(kRebuildBuffer, {});
   return moved;
 }
 
@@ -156,7 +167,8 @@ DrawArray PaintManager::drawsInLayerOrder(Selection draws) const {
 }
 
 bool PaintManager::rearrange(DrawArray list,
-                             const std::vector<std::pair<DrawGroup*, DrawArray>>& inside) {
+                             const std::vector<std::pair<DrawGroup*, DrawArray>>& inside,
+                             Selection changed) {
   int64_t stale = list != aryDraw_ ? kRebuildBuffer : kImagesCurrent;
   for (const auto& [group, draws] : inside) {
     if (draws == group->draws()) continue;
@@ -166,7 +178,7 @@ bool PaintManager::rearrange(DrawArray list,
   }
   for (const auto& [group, draws] : inside) group->setDraws(draws);
   aryDraw_ = std::move(list);
-  raiseRefreshControl(stale);
+  raiseRefreshControl(stale, changed);
   return stale != kImagesCurrent;
 }
 
@@ -194,13 +206,15 @@ bool PaintManager::moveDraws(Selection draws, const std::shared_ptr<DrawBase>& t
     }
     return kept;
   };
+  DrawArray changed = moving;
   std::vector<std::pair<DrawGroup*, DrawArray>> inside;
   for (const auto& draw : aryDraw_) {
-    if (DrawGroup* group = asGroup(draw)) {
-      inside.emplace_back(group, withoutSelected(group->draws(), group == target));
-    }
+    DrawGroup* group = asGroup(draw);
+    if (group == nullptr) continue;
+    inside.emplace_back(group, withoutSelected(group->draws(), group == target));
+    if (inside.back().second != group->draws()) changed.push_back(draw);
   }
-  return rearrange(withoutSelected(aryDraw_, target == nullptr), inside);
+  return rearrange(withoutSelected(aryDraw_, target == nullptr), inside, changed);
 }
 
 namespace {
@@ -265,9 +279,9 @@ bool PaintManager::groupDraws(Selection draws, const std::shared_ptr<DrawGroup>&
       list.push_back(draw);
     }
   }
-  withDraw->setDraws(std::move(inside));
+  withDraw->setDraws(inside);
   list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), withDraw);
-  return rearrange(std::move(list), {});
+  return rearrange(std::move(list), {}, inside);
 }
 
 bool PaintManager::canUnGroupDraws(Selection draws) const {
@@ -280,7 +294,7 @@ bool PaintManager::canUnGroupDraws(Selection draws) const {
 bool PaintManager::unGroupDraws(Selection draws) {
   if (!canUnGroupDraws(draws)) return false;
   const DrawSet selected = setOf(draws);
-  DrawArray list;
+  DrawArray list, changed;
   for (const auto& draw : aryDraw_) {
     DrawGroup* group = selected.contains(draw.get()) ? asGroup(draw) : nullptr;
     if (group == nullptr) {
@@ -290,8 +304,9 @@ bool PaintManager::unGroupDraws(Selection draws) {
     const DrawArray inside = group->draws();
     group->removeAllDraws();
     list.insert(list.end(), inside.begin(), inside.end());
+    changed.push_back(draw);
   }
-  return rearrange(std::move(list), {});
+  return rearrange(std::move(list), {}, changed);
 }
 
 bool PaintManager::replaceDraw(const std::shared_ptr<DrawBase>& draw,
@@ -308,6 +323,7 @@ bool PaintManager::replaceDraw(const std::shared_ptr<DrawBase>& draw,
   }
   if (const auto index = indexOfDraw(draw.get())) {
     aryDraw_[*index] = withDraw;
+    areas_.noteChange(draw);
   } else {
     DrawGroup* group = groupForDraw(draw.get());
     if (group == nullptr || !group->replaceDraw(draw.get(), withDraw)) return false;

@@ -6,8 +6,10 @@
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/shapes/DrawRectangle.h"
+#include "platform/foundation/NSData.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSImage.h"
 #include "support/Bitmaps.h"
 
 namespace {
@@ -51,6 +53,20 @@ TEST_F(Canvas, NewDocuments) {
   ASSERT_NE(pictured->backgroundDraw(), nullptr);
   EXPECT_EQ(maxDifference(*pictured->backgroundDraw()->image(), *picture), 0);
   EXPECT_EQ(PaintManager::initWithImageRep(nullptr), nullptr);
+  const auto image = PaintManager::initWithImage(std::make_shared<NSImage>(picture));
+  EXPECT_EQ(maxDifference(*image->fullImage(), *pictured->fullImage()), 0);
+  EXPECT_EQ(PaintManager::initWithImage(std::make_shared<NSImage>()), nullptr);
+
+  const std::string_view svg =
+      "<svg xmlns='http://www.w3.org/2000/svg' width='30' height='20'>"
+      "<rect width='15' height='20' fill='#ff0000'/></svg>";
+  const auto vector = PaintManager::initWithSVG(
+      NSData::dataWithVector(std::vector<uint8_t>(svg.begin(), svg.end())));
+  ASSERT_NE(vector, nullptr);
+  EXPECT_EQ(vector->size(), NSMakeSize(30, 20));
+  EXPECT_EQ(pixelAt(*vector->fullImage(), 14, 10), (Pixel{255, 0, 0, 255}));
+  EXPECT_EQ(pixelAt(*vector->fullImage(), 15, 10), (Pixel{0, 0, 0, 0}));
+  EXPECT_EQ(PaintManager::initWithSVG(nullptr), nullptr);
 
   const auto draw = DrawImage2::initWithImage(picture);
   draw->moveByX(3, 4);

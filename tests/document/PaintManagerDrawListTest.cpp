@@ -13,6 +13,7 @@
 #include "platform/graphics/NSColor.h"
 #include "support/Bitmaps.h"
 #include "support/FilterChart.h"
+#include "support/RandomDraws.h"
 
 namespace {
 
@@ -285,10 +286,11 @@ namespace {
 /// Does one operation or another, with arguments by chance.
 class RandomEditor {
  public:
-  RandomEditor(PaintManager& document, unsigned seed) : document_(document), random_(seed) {}
+  RandomEditor(PaintManager& document, unsigned seed)
+      : document_(document), random_(seed), draws_(seed, 48) {}
 
   void step() {
-    const auto fresh = square(below(20), below(20), below(100) / 100.0);
+    const auto fresh = draws_.next();
     switch (below(18)) {
       case 0:
       case 1:
@@ -374,7 +376,7 @@ class RandomEditor {
     return draws;
   }
   void resize() {
-    const NSSize size{24.0 + below(17), 24.0 + below(17)};
+    const NSSize size{50.0 + below(17), 50.0 + below(17)};
     switch (below(6)) {
       case 0:
         document_.resizeToSize(size, ResampleLayer::yes, NSZeroPoint);
@@ -411,16 +413,28 @@ class RandomEditor {
   void change() {
     const auto draw = any();
     if (draw == nullptr) return;
-    if (below(2) == 0) {
-      draw->moveByX(below(7) - 3.0, below(7) - 3.0);
-    } else {
-      draw->setVisible(!draw->visible());
+    switch (below(5)) {
+      case 0:
+        draw->setVisible(!draw->visible());
+        break;
+      case 1:
+        draw->setRotateDegree(draw->rotateDegree() + 30);
+        break;
+      case 2:
+        draw->setOpacity(below(101));
+        break;
+      case 3:
+        draw->setLineWidth(below(9));
+        break;
+      default:
+        draw->moveByX(below(7) - 3.0, below(7) - 3.0);
     }
     document_.respondToChangeOfDraws({&draw, 1});
   }
 
   PaintManager& document_;
   std::minstd_rand random_;
+  RandomDraws draws_;
   std::vector<LayerDrawsStatus> statuses_;
 };
 
@@ -445,11 +459,11 @@ void expectInvariants(const PaintManager& document) {
 }  // namespace
 
 TEST(DrawListProperties, AnySequenceKeepsTheInvariantsAndTheImageCurrent) {
-  for (unsigned seed = 1; seed <= 40; ++seed) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
     PaintManager document;
-    document.setSize({32, 32});
+    document.setSize({60, 60});
     if (seed % 2 == 0) {
-      document.setBackgroundImage(NSBitmapImageRep::create(32, 32));
+      document.setBackgroundImage(randomBitmap(40, 40, seed));
     }
     RandomEditor editor(document, seed);
     for (int step = 0; step < 150; ++step) {
@@ -458,9 +472,10 @@ TEST(DrawListProperties, AnySequenceKeepsTheInvariantsAndTheImageCurrent) {
       if (HasFatalFailure()) FAIL() << "seed " << seed << " step " << step;
       if (step % 5 != 0) continue;
       const auto incremental = document.fullImage()->copy();
-      document.clearMemeryBuffer();
-      const auto fresh = document.fullImage();
-      ASSERT_EQ(maxDifference(*incremental, *fresh), 0) << "seed " << seed << " step " << step;
+      PaintManager fresh = document;
+      fresh.clearMemeryBuffer();
+      ASSERT_EQ(maxDifference(*incremental, *fresh.fullImage()), 0)
+          << "seed " << seed << " step " << step;
     }
   }
 }
