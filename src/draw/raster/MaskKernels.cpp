@@ -7,46 +7,47 @@
 
 namespace {
 
-/// Masks are looked at in pieces of this many bytes: most pieces of a real mask are all in or all
-/// out, and then the pixels need not be read.
-constexpr size_t kPiece = 64;
+/// Masks are looked at in pieces of this many bytes, whose pixels take a page.
+constexpr size_t kPiece = 1024;
 
-enum class Piece : uint8_t { out, in, mixed };
+bool isUniform(const uint8_t* mask, size_t count) {
+  return std::memcmp(mask, mask + 1, count - 1) == 0;
+}
 
-inline Piece pieceAt(const uint8_t* mask) {
-  constexpr uint64_t kIn = 0x0101010101010101;
-  uint64_t any = 0;
-  uint64_t differs = 0;
-  for (size_t i = 0; i < kPiece; i += sizeof(uint64_t)) {
-    uint64_t word = 0;
-    std::memcpy(&word, mask + i, sizeof word);
-    any |= word;
-    differs |= word ^ kIn;
-  }
-  return any == 0 ? Piece::out : differs == 0 ? Piece::in : Piece::mixed;
+VECTOR_CLONES void fillAll(uint32_t* pixels, size_t count, uint32_t value) {
+  for (size_t i = 0; i < count; ++i) pixels[i] = value;
+}
+
+VECTOR_CLONES void fillSome(uint32_t* __restrict pixels, const uint8_t* __restrict mask,
+                            size_t count, uint32_t value) {
+  for (size_t i = 0; i < count; ++i) pixels[i] = mask[i] != 0 ? value : pixels[i];
+}
+
+VECTOR_CLONES void copySome(uint32_t* __restrict pixels, const uint32_t* __restrict source,
+                            const uint8_t* __restrict mask, size_t count) {
+  for (size_t i = 0; i < count; ++i) pixels[i] = mask[i] != 0 ? source[i] : pixels[i];
 }
 
 }  // namespace
 
-VECTOR_CLONES void fillMasked(uint32_t* pixels, const uint8_t* mask, size_t count, uint32_t value) {
-  size_t x = 0;
-  for (; x + kPiece <= count; x += kPiece) {
-    const Piece piece = pieceAt(mask + x);
-    if (piece == Piece::out) continue;
-    if (piece == Piece::in) {
-      for (size_t i = 0; i < kPiece; ++i) pixels[x + i] = value;
-    } else {
-      for (size_t i = 0; i < kPiece; ++i) pixels[x + i] = mask[x + i] != 0 ? value : pixels[x + i];
-    }
-  }
-  for (; x < count; ++x) pixels[x] = mask[x] != 0 ? value : pixels[x];
-}
-
-VECTOR_CLONES void copyMasked(uint32_t* pixels, const uint32_t* source, const uint8_t* mask,
-                              size_t count) {
+void fillMasked(uint32_t* pixels, const uint8_t* mask, size_t count, uint32_t value) {
   for (size_t x = 0; x < count; x += kPiece) {
     const size_t n = std::min(kPiece, count - x);
-    if (n == kPiece && pieceAt(mask + x) == Piece::out) continue;
-    for (size_t i = x; i < x + n; ++i) pixels[i] = mask[i] != 0 ? source[i] : pixels[i];
+    if (!isUniform(mask + x, n)) {
+      fillSome(pixels + x, mask + x, n, value);
+    } else if (mask[x] != 0) {
+      fillAll(pixels + x, n, value);
+    }
+  }
+}
+
+void copyMasked(uint32_t* pixels, const uint32_t* source, const uint8_t* mask, size_t count) {
+  for (size_t x = 0; x < count; x += kPiece) {
+    const size_t n = std::min(kPiece, count - x);
+    if (!isUniform(mask + x, n)) {
+      copySome(pixels + x, source + x, mask + x, n);
+    } else if (mask[x] != 0) {
+      std::memcpy(pixels + x, source + x, n * sizeof *pixels);
+    }
   }
 }

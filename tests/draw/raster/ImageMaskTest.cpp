@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <random>
 
@@ -76,10 +78,10 @@ TEST(ImageMask, StartsAtWholePixelsInSinglePrecision) {
 TEST(ImageMask, FillsItsPixelsAndNoOthers) {
   std::mt19937 random(7);
   for (unsigned i = 0; i < 60; ++i) {
-    const auto mask = randomMask(1 + random() % 300, 1 + random() % 9, 1 + random() % 150, i);
-    const int64_t w = 150, h = 7;
+    const auto mask = randomMask(1 + random() % 3000, 1 + random() % 9, 1 + random() % 2500, i);
+    const int64_t w = 2500, h = 7;
     const auto before = randomBitmap(w, h, i);
-    const auto x = static_cast<int64_t>(random() % 300) - 150;
+    const auto x = static_cast<int64_t>(random() % 3000) - 1500;
     const auto y = static_cast<int64_t>(random() % 14) - 7;
     const auto image = before->copy();
     const auto color = NSColor::colorWithCalibratedRed(1, 0, 0, 1);
@@ -110,6 +112,23 @@ TEST(ImageMask, LeavesOutWhatIsFarOutside) {
   }
   maskOf({"#"})->fillImage(nullptr, nullptr);
   EXPECT_EQ(maskOf({"#"})->scissorImage(nullptr), nullptr);
+}
+
+/// Large enough for several threads: every column but the first and every row but the lowest.
+TEST(ImageMask, LargeMasksAreFilledWhole) {
+  constexpr int64_t kWidth = 8000, kHeight = 4200;
+  const auto mask =
+      ImageMask::initWithData(std::vector<uint8_t>(kWidth * kHeight, 1), 1, 1, kWidth, kHeight);
+  const auto image = NSBitmapImageRep::create(kWidth, kHeight);
+  mask->fillImage(image.get(), NSColor::redColor().get());
+  int64_t filled = 0;
+  for (int64_t y = 0; y < kHeight; ++y) {
+    const auto* row = reinterpret_cast<const uint32_t*>(image->row(y));
+    filled += std::count(row, row + kWidth, 0xff0000ffU);
+  }
+  EXPECT_EQ(filled, (kWidth - 1) * (kHeight - 1));
+  EXPECT_EQ(pixelAt(*image, 0, 0), Pixel{});
+  EXPECT_EQ(pixelAt(*image, 1, kHeight - 1), Pixel{});
 }
 
 TEST(ImageMask, WritesStraightComponents) {
