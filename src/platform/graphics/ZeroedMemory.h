@@ -19,6 +19,7 @@ class ZeroedMemory {
   ~ZeroedMemory();
 
   uint8_t* data() const { return data_; }
+  size_t size() const { return bytes_; }
   bool empty() const { return data_ == nullptr; }
 
   /// Makes everything zero again, given that nothing outside [first, end) was written since. The

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <new>
 
 using grid::kFullArea;
 using grid::kOne;
@@ -10,8 +11,12 @@ using grid::kShift;
 
 namespace {
 
-/// A tile that keeps more cells than this after use gives its memory back.
-constexpr size_t kKeptCells = size_t{1} << 21;
+/// A tile takes at least this much memory, so that small ones hardly ever grow. What is not touched
+/// costs nothing.
+constexpr size_t kLeastBytes = size_t{160} << 10;
+
+/// A tile that has more memory than this gives it back when it gets smaller.
+constexpr size_t kKeptBytes = size_t{1} << 24;
 
 constexpr int64_t kFractionMask = kOne - 1;
 
@@ -222,19 +227,20 @@ void CellTile::reset(int64_t width, int64_t height) {
   width_ = width;
   height_ = height;
   work_ = 0;
-  const auto cells = static_cast<size_t>(strideFor(width) * height);
-  const auto words = static_cast<size_t>(wordsFor(width) * height);
-  if (cells_.size() > kKeptCells && cells < cells_.size() / 2) {
-    std::vector<int64_t>().swap(cells_);
-    std::vector<uint64_t>().swap(touched_);
+  const size_t bytes = bytesFor(width, height);
+  if (bytes > memory_.size() || (memory_.size() > kKeptBytes && bytes < memory_.size() / 2)) {
+    memory_ = ZeroedMemory();
+    memory_ = ZeroedMemory(std::max(bytes, kLeastBytes));
+    if (memory_.empty()) throw std::bad_alloc();
   }
-  // Sweeping leaves zeros behind, so only growth needs to be cleared.
-  if (cells_.size() < cells) cells_.resize(cells);
-  if (touched_.size() < words) touched_.resize(words);
+  // Sweeping leaves zeros behind, so the border between the two may move.
+  void* const memory = memory_.data();
+  cells_ = static_cast<int64_t*>(memory);
+  touched_ = static_cast<uint64_t*>(memory) + strideFor(width) * height;
 }
 
 void CellTile::addPolyline(std::span<const GridPoint> points) {
-  EdgeAdder adder(cells_.data(), touched_.data(), width_, height_);
+  EdgeAdder adder(cells_, touched_, width_, height_);
   for (size_t i = 1; i < points.size(); ++i) adder.add(points[i - 1], points[i]);
   work_ += adder.work();
 }
@@ -257,8 +263,8 @@ void CellTile::sweep(int32_t left, int32_t top, const CoverRule& rule, CoverageS
 
 template <class ToCover>
 void CellTile::sweepRows(int32_t left, int32_t top, ToCover toCover, CoverageSink& sink) {
-  int64_t* cells = cells_.data();
-  uint64_t* touched = touched_.data();
+  int64_t* cells = cells_;
+  uint64_t* touched = touched_;
   runs_.prepare(left, width_);
   for (int64_t y = 0; y < height_; ++y) {
     runs_.begin();
@@ -271,6 +277,5 @@ void CellTile::sweepRows(int32_t left, int32_t top, ToCover toCover, CoverageSin
 }
 
 void CellTile::discard() {
-  std::fill(cells_.begin(), cells_.end(), 0);
-  std::fill(touched_.begin(), touched_.end(), 0);
+  memory_.clear(0, bytesFor(width_, height_));
 }

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "platform/graphics/PathData.h"
+#include "platform/graphics/ZeroedMemory.h"
 #include "platform/graphics/pixels/CoverageRun.h"
 #include "platform/graphics/pixels/DeviceGrid.h"
 #include "platform/graphics/pixels/RowRuns.h"
@@ -53,7 +53,9 @@ class CellTile {
   int64_t width_ = 0;
   int64_t height_ = 0;
   int64_t work_ = 0;
-  std::vector<int64_t> cells_;
-  std::vector<uint64_t> touched_;
+  /// The cells, then the bits: all zero between shapes.
+  ZeroedMemory memory_;
+  int64_t* cells_ = nullptr;
+  uint64_t* touched_ = nullptr;
   RowRuns runs_;
 };

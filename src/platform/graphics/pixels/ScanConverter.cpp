@@ -9,8 +9,9 @@ using grid::kShift;
 
 namespace {
 
-/// Pixels accumulated at once: 256 KiB of cells, a share of the second-level cache.
-constexpr int64_t kTilePixels = 32768;
+/// Pixels accumulated at once: 128 KiB of cells, which the second-level cache holds with room to
+/// spare.
+constexpr int64_t kTilePixels = 16384;
 
 /// Points are snapped to the grid and handed on in blocks.
 constexpr size_t kPointBlock = 128;
