@@ -61,3 +61,43 @@ VECTOR_CLONES void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t n,
     return 0.5F + (b - std::sqrt(b * b - r.a * c)) * scale;
   });
 }
+
+namespace {
+
+struct FloatColor {
+  explicit FloatColor(const RGBAColor& c)
+      : channels{static_cast<float>(c.red), static_cast<float>(c.green), static_cast<float>(c.blue),
+                 static_cast<float>(c.alpha)} {}
+  float channels[4];
+};
+
+inline float unitClamp(float v) {
+  return v > 0 ? (v < 1 ? v : 1) : 0;
+}
+
+/// Rounded; through int, as vector units convert to signed integers only.
+inline uint32_t byteOfUnit(float v) {
+  return static_cast<uint32_t>(static_cast<int32_t>(v * 255 + 0.5F));
+}
+
+}  // namespace
+
+VECTOR_CLONES void rampPixels(uint32_t* out, int32_t first, int32_t n, const GradientRamp& ramp) {
+  const FloatColor from(ramp.from);
+  const FloatColor to(ramp.to);
+  // Locations in double precision: stops may lie as close together as they like.
+  const double start = ramp.start;
+  const double scale = ramp.end > start ? 1 / (ramp.end - start) : 0;
+  const auto opacity = static_cast<float>(unitClamp(ramp.alpha));
+  for (int32_t i = 0; i < n; ++i) {
+    const double location = (first + i) / double{GradientTable::kSize - 1};
+    const auto t = static_cast<float>((location - start) * scale);
+    float mixed[4];
+    for (int c = 0; c < 4; ++c) {
+      mixed[c] = unitClamp(from.channels[c] + (to.channels[c] - from.channels[c]) * t);
+    }
+    const float alpha = mixed[3] * opacity;
+    out[i] = byteOfUnit(mixed[0] * alpha) | byteOfUnit(mixed[1] * alpha) << 8 |
+             byteOfUnit(mixed[2] * alpha) << 16 | byteOfUnit(alpha) << 24;
+  }
+}

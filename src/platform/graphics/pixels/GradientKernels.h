@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "platform/graphics/pixels/RGBAColor.h"
+
 /// Loops that turn positions along a row into pixels of a gradient table. Locations are in table
 /// entries plus one half, so that truncation rounds; they are held within the table.
 
@@ -37,3 +39,16 @@ struct NestedCirclesRow {
 };
 void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
                               const NestedCirclesRow& row);
+
+/// Colours between two stops of a gradient.
+struct GradientRamp {
+  RGBAColor from;
+  RGBAColor to;
+  double start = 0;  ///< location of `from`
+  double end = 1;    ///< location of `to`; where it is the start, the colours must be the same
+  double alpha = 1;  ///< scales the alpha of both
+};
+
+/// The entries from `first` on of the gradient's table: components are interpolated, clamped to
+/// 0..1, premultiplied and rounded, as premultipliedPixel does.
+void rampPixels(uint32_t* out, int32_t first, int32_t n, const GradientRamp& ramp);

@@ -3,26 +3,15 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/graphics/pixels/GradientKernels.h"
 #include "platform/graphics/pixels/PixelMath.h"
 
 namespace {
 
+constexpr double kLastEntry = GradientTable::kSize - 1;
+
 bool isBefore(const GradientStop& a, const GradientStop& b) {
   return a.location < b.location;
-}
-
-RGBAColor mixedColor(const RGBAColor& a, const RGBAColor& b, double t) {
-  return {a.red + (b.red - a.red) * t, a.green + (b.green - a.green) * t,
-          a.blue + (b.blue - a.blue) * t, a.alpha + (b.alpha - a.alpha) * t};
-}
-
-/// The colour at `location`, `next` being the index of the first stop beyond it.
-RGBAColor colorBefore(std::span<const GradientStop> stops, size_t next, double location) {
-  if (next == 0) return stops.front().color;
-  if (next == stops.size()) return stops.back().color;
-  const GradientStop& a = stops[next - 1];
-  const GradientStop& b = stops[next];
-  return mixedColor(a.color, b.color, (location - a.location) / (b.location - a.location));
 }
 
 }  // namespace
@@ -31,7 +20,11 @@ RGBAColor interpolatedColor(std::span<const GradientStop> sortedStops, double lo
   if (sortedStops.empty()) return {0, 0, 0, 0};
   const auto next = std::upper_bound(sortedStops.begin(), sortedStops.end(),
                                      GradientStop{location, {}}, isBefore);
-  return colorBefore(sortedStops, static_cast<size_t>(next - sortedStops.begin()), location);
+  if (next == sortedStops.begin()) return sortedStops.front().color;
+  if (next == sortedStops.end()) return sortedStops.back().color;
+  const GradientStop& before = *(next - 1);
+  return mixedColor(before.color, next->color,
+                    (location - before.location) / (next->location - before.location));
 }
 
 GradientTable::GradientTable(std::span<const GradientStop> stops, double alpha) {
@@ -45,12 +38,21 @@ GradientTable::GradientTable(std::span<const GradientStop> stops, double alpha) 
 }
 
 void GradientTable::sample(std::span<const GradientStop> sortedStops, double alpha) {
-  size_t next = 0;
-  opaque_ = true;
-  for (size_t i = 0; i < pixels_.size(); ++i) {
-    const double location = static_cast<double>(i) / (kSize - 1);
-    while (next < sortedStops.size() && sortedStops[next].location <= location) ++next;
-    pixels_[i] = premultipliedPixel(colorBefore(sortedStops, next, location), alpha);
-    opaque_ = opaque_ && alphaOf(pixels_[i]) == 255;
+  int32_t first = 0;
+  const auto paint = [&](int32_t end, const GradientRamp& ramp) {
+    if (end > first) rampPixels(pixels_.data() + first, first, end - first, ramp);
+    first = end;
+  };
+  const GradientStop* before = nullptr;
+  for (const GradientStop& stop : sortedStops) {
+    // A stop counts from its own location on.
+    int32_t end = first;
+    while (end < kSize && end / kLastEntry < stop.location) ++end;
+    const GradientStop& from = before == nullptr ? stop : *before;
+    paint(end, {from.color, stop.color, from.location, stop.location, alpha});
+    before = &stop;
   }
+  paint(kSize, {before->color, before->color, 0, 1, alpha});
+  opaque_ = std::all_of(pixels_.begin(), pixels_.end(),
+                        [](uint32_t pixel) { return alphaOf(pixel) == 255; });
 }

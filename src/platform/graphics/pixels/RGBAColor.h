@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 
 /// Straight (not premultiplied) red, green, blue and alpha, nominally 0 to 1.
@@ -18,7 +17,14 @@ inline double unitClamp(double v) {
 }
 
 inline uint32_t unitToByte(double v) {
-  return static_cast<uint32_t>(std::lround(unitClamp(v) * 255));
+  // Through int: vector units convert to signed integers only.
+  return static_cast<uint32_t>(static_cast<int32_t>(unitClamp(v) * 255 + 0.5));
+}
+
+/// Every component a fraction t of the way from a to b.
+inline RGBAColor mixedColor(const RGBAColor& a, const RGBAColor& b, double t) {
+  return {a.red + (b.red - a.red) * t, a.green + (b.green - a.green) * t,
+          a.blue + (b.blue - a.blue) * t, a.alpha + (b.alpha - a.alpha) * t};
 }
 
 /// The pixel of a colour whose alpha is scaled by `alpha`: every component is clamped to 0..1,
