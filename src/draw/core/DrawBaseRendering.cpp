@@ -132,7 +132,7 @@ bool DrawBase::drawFillOfPath(const NSBezierPath& path, bool hasShadow) const {
     shadow_->set();
     if (bFillWithGdt_) {
       // The shadow is that of the painted whole.
-      const CGTransparencyLayerScope layer(port());
+      const CGTransparencyLayerScope layer(port(), path.bounds());
       paintFill(path);
     } else {
       paintFill(path);

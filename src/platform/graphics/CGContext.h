@@ -103,6 +103,9 @@ class CGContext {
   /// before, except for alpha 1, no shadow, source-over, and a clip that covers the whole layer:
   /// what the clip in force lets show, and what can cast a shadow there.
   void beginTransparencyLayer();
+  /// The same for what lies inside `content` (in user space) only: what is painted elsewhere is
+  /// lost, and the layer takes no more memory and time than that rectangle.
+  void beginTransparencyLayer(const NSRect& content);
   /// Paints the innermost layer as a whole and restores the state at its beginning, with whose
   /// clip, alpha, shadow and operation it is painted. The operation applies to the whole clip, also
   /// where the layer is transparent. Does nothing without a layer.
@@ -126,7 +129,8 @@ class CGContext {
   Antialias antialias() const { return state_.antialias ? Antialias::on : Antialias::off; }
   FillStyle fillStyle(WindingRule winding) const;
   std::optional<DropShadow> dropShadow() const;
-  PixelSurface makeLayer() const;
+  PixelBox layerBox() const;
+  void beginTransparencyLayer(const PixelBox& box);
 
   void castShadow(const CoverageShape& shape, const SpanPaint& paint,
                   NSCompositingOperation operation);
@@ -174,6 +178,9 @@ class CGTransparencyLayerScope {
  public:
   explicit CGTransparencyLayerScope(CGContext& context) : context_(context) {
     context_.beginTransparencyLayer();
+  }
+  CGTransparencyLayerScope(CGContext& context, const NSRect& content) : context_(context) {
+    context_.beginTransparencyLayer(content);
   }
   CGTransparencyLayerScope(const CGTransparencyLayerScope&) = delete;
   CGTransparencyLayerScope& operator=(const CGTransparencyLayerScope&) = delete;

@@ -125,6 +125,9 @@ inline void CGContextDrawRadialGradient(CGContext* context, const CGGradient& gr
 inline void CGContextBeginTransparencyLayer(CGContext* context) {
   context->beginTransparencyLayer();
 }
+inline void CGContextBeginTransparencyLayerWithRect(CGContext* context, const CGRect& rect) {
+  context->beginTransparencyLayer(rect);
+}
 inline void CGContextEndTransparencyLayer(CGContext* context) {
   context->endTransparencyLayer();
 }

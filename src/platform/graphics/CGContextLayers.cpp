@@ -10,20 +10,35 @@ PixelSurface surfaceFor(const PixelBox& box) {
 
 }  // namespace
 
-/// A surface for what shows through the clip; with a shadow also for what casts it, if that is
-/// not beyond any canvas.
-PixelSurface CGContext::makeLayer() const {
+/// What shows through the clip; with a shadow also what casts it there.
+PixelBox CGContext::layerBox() const {
   const PixelBox& visible = state_.clip.box();
-  if (const auto shadow = dropShadow()) {
-    PixelSurface both = surfaceFor(unionBox(visible, castingBox(*shadow, visible)));
-    if (both.bitmap() != nullptr) return both;
-  }
-  return surfaceFor(visible);
+  const auto shadow = dropShadow();
+  return shadow ? unionBox(visible, castingBox(*shadow, visible)) : visible;
 }
 
 void CGContext::beginTransparencyLayer() {
+  beginTransparencyLayer(layerBox());
+}
+
+void CGContext::beginTransparencyLayer(const NSRect& content) {
+  DeviceBounds bounds;
+  for (const NSPoint& corner : pathOfRect(content).points) {
+    bounds.add(CGPointApplyAffineTransform(corner, deviceTransform()));
+  }
+  // Edges are snapped to a grid and may reach into the next pixel.
+  bounds.grow(1);
+  beginTransparencyLayer(pixelsTouched(bounds, layerBox()));
+}
+
+void CGContext::beginTransparencyLayer(const PixelBox& box) {
+  PixelSurface surface = surfaceFor(box);
+  if (surface.bitmap() == nullptr) {
+    // What casts a shadow may lie beyond any canvas.
+    surface = surfaceFor(intersection(box, state_.clip.box()));
+  }
   saved_.push_back(state_);
-  layers_.push_back({makeLayer(), saved_.size()});
+  layers_.push_back({std::move(surface), saved_.size()});
   state_.alpha = 1;
   state_.shadow = {};
   state_.operation = NSCompositingOperation::sourceOver;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "platform/graphics/CGContext.h"
@@ -430,6 +431,28 @@ TEST(Layer, UnbalancedCallsAreHarmless) {
   EXPECT_EQ(wordAt(*bitmap, 1, 1), 0U);
   context.endTransparencyLayer();
   EXPECT_EQ(wordAt(*bitmap, 1, 1), 0xff0000ffU);
+}
+
+TEST(Layer, OfARectangleLosesOnlyWhatLiesOutsideIt) {
+  const auto draw = [](const NSBitmapImageRep& bitmap, const std::optional<NSRect>& content) {
+    auto result = bitmap.copy();
+    CGContext context(result);
+    context.concatenate({0.8, 0.6, -0.6, 0.8, 20, 0});
+    context.setShadow({{4, 3}, 6, kRed});
+    context.setAlpha(0.7);
+    content ? context.beginTransparencyLayer(*content) : context.beginTransparencyLayer();
+    context.setFillColor(kBlue);
+    context.fill(NSMakeRect(10.5, 10.25, 12, 9.5));
+    context.endTransparencyLayer();
+    return result;
+  };
+  const auto canvas = NSBitmapImageRep::create(50, 50);
+  const auto whole = draw(*canvas, std::nullopt);
+  // Nothing is missing when the rectangle holds what is painted, however closely.
+  EXPECT_EQ(maxDifference(*draw(*canvas, NSMakeRect(10.5, 10.25, 12, 9.5)), *whole), 0);
+  EXPECT_EQ(maxDifference(*draw(*canvas, NSMakeRect(-1e9, -1e9, 2e9, 2e9)), *whole), 0);
+  EXPECT_EQ(maxDifference(*draw(*canvas, NSMakeRect(200, 200, 5, 5)), *canvas), 0);
+  EXPECT_EQ(maxDifference(*draw(*canvas, NSMakeRect(NAN, 0, NAN, 5)), *canvas), 0);
 }
 
 TEST(Layer, NothingVisibleTakesNoMemory) {
