@@ -43,6 +43,22 @@ class MaskSink final : public CoverageSink {
   std::vector<uint32_t> buffer_;
 };
 
+/// Hands rows of covers on as runs: what is long enough to be worth it becomes a constant run or is
+/// left out, so that the middle of a shadow costs no more than a plain fill.
+class CoverSplitter {
+ public:
+  /// One byte for each column of `box`, the same in all its rows.
+  void rows(const PixelBox& box, const uint8_t* covers, CoverageSink& sink);
+
+ private:
+  enum class Kind : uint8_t { empty, full, mixed };
+  void add(Kind kind, int32_t first, int32_t end, const uint8_t* covers);
+
+  std::vector<uint8_t> lowest_;
+  std::vector<uint8_t> highest_;
+  std::vector<CoverageRun> runs_;
+};
+
 /// A mask as a shape, moved by whole pixels.
 class MaskShape final : public CoverageShape {
  public:

@@ -11,9 +11,11 @@ INTO_CLONES int16_t product(int16_t v, int16_t w) {
   return static_cast<int16_t>(((int32_t{v} * int32_t{w} >> 14) + 1) >> 1);
 }
 
-INTO_CLONES uint8_t byteOf(int32_t sample) {
-  constexpr int32_t kHalf = 1 << (kBlurFraction - 1);
-  return static_cast<uint8_t>(std::clamp((sample + kHalf) >> kBlurFraction, 0, 255));
+/// In 16 bits throughout: samples stay far enough below their limits.
+INTO_CLONES uint8_t byteOf(int16_t sample) {
+  constexpr int16_t kHalf = 1 << (kBlurFraction - 1);
+  const auto rounded = static_cast<int16_t>(static_cast<int16_t>(sample + kHalf) >> kBlurFraction);
+  return static_cast<uint8_t>(std::clamp<int16_t>(rounded, 0, 255));
 }
 
 struct TapRows {
@@ -38,12 +40,12 @@ struct CellSize {
     }
   }
 
-  INTO_CLONES static void interpolate(uint8_t* out, const int16_t* samples, int32_t cells) {
+  INTO_CLONES static void interpolate(int16_t* out, const int16_t* samples, int32_t cells) {
     for (int32_t i = 0; i < cells; ++i) {
       const int32_t from = samples[i];
       const int32_t step = samples[i + 1] - from;
       for (int32_t p = 0; p < kSize; ++p) {
-        out[i * kSize + p] = byteOf(from + (step * (2 * p + 1) >> (shift + 1)));
+        out[i * kSize + p] = static_cast<int16_t>(from + (step * (2 * p + 1) >> (shift + 1)));
       }
     }
   }
@@ -98,10 +100,11 @@ VECTOR_CLONES void addBytes(uint16_t* sums, const uint8_t* bytes, int32_t n) {
   for (int32_t i = 0; i < n; ++i) sums[i] = static_cast<uint16_t>(sums[i] + bytes[i]);
 }
 
-VECTOR_CLONES void mixSamples(int16_t* out, const int16_t* a, const int16_t* b, int16_t weight,
+VECTOR_CLONES void mixSamples(uint8_t* out, const int16_t* a, const int16_t* b, int16_t weight,
                               int32_t n) {
   for (int32_t i = 0; i < n; ++i) {
-    out[i] = static_cast<int16_t>(a[i] + product(static_cast<int16_t>(b[i] - a[i]), weight));
+    out[i] =
+        byteOf(static_cast<int16_t>(a[i] + product(static_cast<int16_t>(b[i] - a[i]), weight)));
   }
 }
 
@@ -114,7 +117,7 @@ VECTOR_CLONES void averageCells(int16_t* out, const uint16_t* sums, int shift, i
       shift, [=](auto size) __attribute__((always_inline)) { size.average(out, sums, cells); });
 }
 
-VECTOR_CLONES void interpolateCells(uint8_t* out, const int16_t* samples, int shift,
+VECTOR_CLONES void interpolateCells(int16_t* out, const int16_t* samples, int shift,
                                     int32_t cells) {
   withCellSize(
       shift, [=](auto size)

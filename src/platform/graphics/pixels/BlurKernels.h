@@ -25,13 +25,13 @@ void addBytes(uint16_t* sums, const uint8_t* bytes, int32_t n);
 /// columns: `cells` times 1 << shift of them.
 void averageCells(int16_t* out, const uint16_t* sums, int shift, int32_t cells);
 
-/// out[i] = a[i] + (b[i] - a[i]) * weight.
-void mixSamples(int16_t* out, const int16_t* a, const int16_t* b, int16_t weight, int32_t n);
-
 /// Bytes of samples, rounded and held within 0..255.
 void narrowSamples(uint8_t* out, const int16_t* samples, int32_t n);
 
 /// Linear interpolation between the centres of cells 1 << shift (1 to 6) pixels wide:
 /// out[(i << shift) + p] lies (p + 1/2) / (1 << shift) of the way from cell i to cell i + 1.
-/// Fills `cells` times 1 << shift bytes.
-void interpolateCells(uint8_t* out, const int16_t* samples, int shift, int32_t cells);
+/// Fills `cells` times 1 << shift samples.
+void interpolateCells(int16_t* out, const int16_t* samples, int shift, int32_t cells);
+
+/// Bytes of a[i] + (b[i] - a[i]) * weight, rounded and held within 0..255.
+void mixSamples(uint8_t* out, const int16_t* a, const int16_t* b, int16_t weight, int32_t n);

@@ -19,9 +19,16 @@ void paintShadow(PixelSurface& surface, const ClipRegion& clip, const CoverageSh
   if (mask.box().empty()) return;
   MaskSink sink(mask, paint.source);
   shape.cover(ClipRegion(mask.box()), sink);
-  const PixelBox wanted = movedAndGrown(clip.box(), -shadow.dx, -shadow.dy, 0);
-  const AlphaMask blurred =
-      blurReach(shadow.blur) > 0 ? gaussianBlur(mask, shadow.blur, wanted) : std::move(mask);
+  BlurredRows blurred(mask, shadow.blur, movedAndGrown(clip.box(), -shadow.dx, -shadow.dy, 0));
+  const PixelBox& box = blurred.box();
   SpanCompositor compositor(surface, operation, SpanPaint::solid(pixel));
-  MaskShape(blurred, shadow.dx, shadow.dy).cover(clip, compositor);
+  ClipSink clipped(clip, compositor);
+  CoverageSink& target = clip.isBox() ? static_cast<CoverageSink&>(compositor) : clipped;
+  CoverSplitter splitter;
+  for (int32_t y = box.y0; y < box.y1;) {
+    const BlurredRows::Row row = blurred.row(y);
+    splitter.rows({box.x0 + shadow.dx, y + shadow.dy, box.x1 + shadow.dx, row.end + shadow.dy},
+                  row.bytes, target);
+    y = row.end;
+  }
 }

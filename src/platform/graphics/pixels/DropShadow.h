@@ -9,7 +9,7 @@
 #include "platform/graphics/pixels/RGBAColor.h"
 #include "platform/graphics/pixels/RowSource.h"
 
-/// A shadow in device space: moved by whole pixels, y downwards; see gaussianBlur.
+/// A shadow in device space: moved by whole pixels, y downwards; see BlurredRows.
 struct DropShadow {
   int32_t dx = 0;
   int32_t dy = 0;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <utility>
 #include <vector>
 
 #include "platform/graphics/pixels/BlurKernels.h"
@@ -78,7 +78,7 @@ CellKernel kernelFor(double blur) {
 class CellBlur {
  public:
   /// Answers will be asked for the cell columns [first, end).
-  CellBlur(const AlphaMask& mask, const CellKernel& kernel, int32_t first, int32_t end);
+  CellBlur(const AlphaMask& mask, CellKernel kernel, int32_t first, int32_t end);
 
   int32_t width() const { return width_; }
 
@@ -94,7 +94,7 @@ class CellBlur {
   const int16_t* sideways(int32_t y);
 
   const AlphaMask& mask_;
-  const CellKernel& kernel_;
+  CellKernel kernel_;
   int32_t first_;
   int32_t width_;
   int32_t firstRow_;  ///< rows of cells with anything in them
@@ -112,26 +112,27 @@ class CellBlur {
   std::vector<const int16_t*> below_;
 };
 
-CellBlur::CellBlur(const AlphaMask& mask, const CellKernel& kernel, int32_t first, int32_t end)
+CellBlur::CellBlur(const AlphaMask& mask, CellKernel kernel, int32_t first, int32_t end)
     : mask_(mask),
-      kernel_(kernel),
+      kernel_(std::move(kernel)),
       first_(first),
       width_(end - first),
-      firstRow_(mask.box().y0 >> kernel.shift),
-      endRow_(((mask.box().y1 - 1) >> kernel.shift) + 1),
+      firstRow_(mask.box().y0 >> kernel_.shift),
+      endRow_(((mask.box().y1 - 1) >> kernel_.shift) + 1),
       nextRow_(firstRow_),
-      ringRows_(2 * static_cast<size_t>(kernel.reach) + 1) {
+      ringRows_(2 * static_cast<size_t>(kernel_.reach) + 1) {
   const auto width = static_cast<size_t>(width_);
   const auto padded = width + 2 * static_cast<size_t>(margin());
+  const size_t taps = kernel_.weights.size();
   ring_.resize(ringRows_ * width);
   cells_.resize(padded);
   zeros_.resize(width);
   sums_.resize(width);
-  columnSums_.resize(kernel.shift > 0 ? padded << kernel.shift : 0);
-  before_.resize(kernel.weights.size());
-  after_.resize(kernel.weights.size());
-  above_.resize(kernel.weights.size(), zeros_.data());
-  below_.resize(kernel.weights.size(), zeros_.data());
+  columnSums_.resize(kernel_.shift > 0 ? padded << kernel_.shift : 0);
+  before_.resize(taps);
+  after_.resize(taps);
+  above_.resize(taps, zeros_.data());
+  below_.resize(taps, zeros_.data());
 }
 
 /// The means of row `y` of cells, from `margin` cells before the first wanted one on.
@@ -188,47 +189,95 @@ const int16_t* CellBlur::row(int32_t y) {
   return sums_.data();
 }
 
-void blurPixels(const AlphaMask& mask, const CellKernel& kernel, AlphaMask& out) {
-  CellBlur blur(mask, kernel, out.box().x0, out.box().x1);
-  for (int32_t y = out.box().y0; y < out.box().y1; ++y) {
-    narrowSamples(out.row(y), blur.row(y), blur.width());
+/// The mask as it is.
+class PlainRows final : public BlurredRows::Source {
+ public:
+  PlainRows(const AlphaMask& mask, const PixelBox& box)
+      : mask_(mask), skipped_(box.x0 - mask.box().x0) {}
+  BlurredRows::Row row(int32_t y) override { return {mask_.row(y) + skipped_, y + 1}; }
+
+ private:
+  const AlphaMask& mask_;
+  int32_t skipped_;
+};
+
+/// Cells of one pixel.
+class PixelRows final : public BlurredRows::Source {
+ public:
+  PixelRows(const AlphaMask& mask, CellKernel kernel, const PixelBox& box)
+      : blur_(mask, std::move(kernel), box.x0, box.x1), bytes_(static_cast<size_t>(box.width())) {}
+  BlurredRows::Row row(int32_t y) override {
+    narrowSamples(bytes_.data(), blur_.row(y), blur_.width());
+    return {bytes_.data(), y + 1};
   }
-}
+
+ private:
+  CellBlur blur_;
+  std::vector<uint8_t> bytes_;
+};
 
 /// The last cell whose centre is not right of the centre of pixel x.
 int32_t cellBefore(int32_t x, int shift) {
   return (x - (1 << (shift - 1))) >> shift;
 }
 
-void blurCells(const AlphaMask& mask, const CellKernel& kernel, AlphaMask& out) {
-  const PixelBox& box = out.box();
-  const int shift = kernel.shift;
-  const int32_t size = 1 << shift;
-  const int32_t firstCell = cellBefore(box.x0, shift);
-  const int32_t cells = cellBefore(box.x1 - 1, shift) + 1 - firstCell;
-  CellBlur blur(mask, kernel, firstCell, firstCell + cells + 1);
-  const auto width = static_cast<size_t>(blur.width());
-  std::vector<int16_t> upper(width);
-  std::vector<int16_t> lower(width);
-  std::vector<int16_t> between(width);
-  std::vector<uint8_t> bytes(static_cast<size_t>(cells) << shift);
-  // Interpolation starts at the centre of the first cell.
-  const size_t skipped = static_cast<size_t>(box.x0 - (firstCell * size + size / 2));
-  int32_t cellRow = cellBefore(box.y0, shift);
-  std::copy_n(blur.row(cellRow), width, lower.begin());
-  --cellRow;
-  for (int32_t y = box.y0; y < box.y1; ++y) {
-    if (cellBefore(y, shift) != cellRow) {
-      ++cellRow;
-      upper.swap(lower);
-      std::copy_n(blur.row(cellRow + 1), width, lower.begin());
-    }
-    const int32_t phase = y - (cellRow * size + size / 2);
-    mixSamples(between.data(), upper.data(), lower.data(),
-               static_cast<int16_t>((2 * phase + 1) << (14 - shift)), blur.width());
-    interpolateCells(bytes.data(), between.data(), shift, cells);
-    std::memcpy(out.row(y), bytes.data() + skipped, static_cast<size_t>(box.width()));
+/// Larger cells, interpolated along each row of cells first, then between two of these.
+class InterpolatedRows final : public BlurredRows::Source {
+ public:
+  InterpolatedRows(const AlphaMask& mask, CellKernel kernel, const PixelBox& box)
+      : box_(box),
+        shift_(kernel.shift),
+        firstCell_(cellBefore(box.x0, kernel.shift)),
+        cells_(cellBefore(box.x1 - 1, kernel.shift) + 1 - firstCell_),
+        blur_(mask, std::move(kernel), firstCell_, firstCell_ + cells_ + 1),
+        upper_(static_cast<size_t>(cells_) << shift_),
+        lower_(upper_.size()),
+        bytes_(static_cast<size_t>(box.width())) {
+    cellRow_ = cellBefore(box.y0, shift_) - 1;
+    readLower();
   }
+
+  BlurredRows::Row row(int32_t y) override {
+    for (const int32_t wanted = cellBefore(y, shift_); cellRow_ < wanted;) {
+      ++cellRow_;
+      upper_.swap(lower_);
+      readLower();
+    }
+    const int32_t half = 1 << (shift_ - 1);
+    const int32_t center = (cellRow_ * 2 + 1) * half;
+    // Interpolation starts at the centre of the first cell.
+    const int32_t skipped = box_.x0 - (firstCell_ * 2 + 1) * half;
+    mixSamples(bytes_.data(), upper_.data() + skipped, lower_.data() + skipped,
+               static_cast<int16_t>((2 * (y - center) + 1) << (14 - shift_)),
+               static_cast<int32_t>(bytes_.size()));
+    return {bytes_.data(), alike_ ? center + 2 * half : y + 1};
+  }
+
+ private:
+  void readLower() {
+    interpolateCells(lower_.data(), blur_.row(cellRow_ + 1), shift_, cells_);
+    alike_ = upper_ == lower_;
+  }
+
+  PixelBox box_;
+  int shift_;
+  int32_t firstCell_;
+  int32_t cells_;
+  CellBlur blur_;
+  int32_t cellRow_ = 0;  ///< the row of cells that `upper_` shows
+  std::vector<int16_t> upper_;
+  std::vector<int16_t> lower_;
+  bool alike_ = false;  ///< nothing changes from `upper_` to `lower_`
+  std::vector<uint8_t> bytes_;
+};
+
+std::unique_ptr<BlurredRows::Source> sourceFor(const AlphaMask& mask, double blur,
+                                               const PixelBox& box) {
+  if (box.empty()) return nullptr;
+  if (blurReach(blur) == 0) return std::make_unique<PlainRows>(mask, box);
+  CellKernel kernel = kernelFor(blur);
+  if (kernel.shift == 0) return std::make_unique<PixelRows>(mask, std::move(kernel), box);
+  return std::make_unique<InterpolatedRows>(mask, std::move(kernel), box);
 }
 
 }  // namespace
@@ -238,25 +287,13 @@ int blurReach(double blur) {
   return static_cast<int>(std::lround(std::min<double>(blur, kMaxBlurReach)));
 }
 
-AlphaMask gaussianBlur(const AlphaMask& mask, double blur, const PixelBox& wanted) {
-  const int reach = blurReach(blur);
-  const PixelBox& box = mask.box();
-  if (box.empty()) return {};
-  AlphaMask out(
-      intersection({box.x0 - reach, box.y0 - reach, box.x1 + reach, box.y1 + reach}, wanted));
-  if (out.box().empty()) return out;
-  if (reach == 0) {
-    for (int32_t y = out.box().y0; y < out.box().y1; ++y) {
-      std::memcpy(out.row(y), mask.row(y) + (out.box().x0 - box.x0),
-                  static_cast<size_t>(out.box().width()));
-    }
-    return out;
-  }
-  const CellKernel kernel = kernelFor(blur);
-  if (kernel.shift == 0) {
-    blurPixels(mask, kernel, out);
-  } else {
-    blurCells(mask, kernel, out);
-  }
-  return out;
+BlurredRows::BlurredRows(const AlphaMask& mask, double blur, const PixelBox& wanted)
+    : box_(intersection(movedAndGrown(mask.box(), 0, 0, blurReach(blur)), wanted)),
+      source_(sourceFor(mask, blur, box_)) {}
+
+BlurredRows::~BlurredRows() = default;
+
+BlurredRows::Row BlurredRows::row(int32_t y) {
+  const Row row = source_->row(y);
+  return {row.bytes, std::min(row.end, box_.y1)};
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -17,6 +18,17 @@ AlphaMask maskOf(const PixelBox& box, const std::function<int(int32_t, int32_t)>
     }
   }
   return mask;
+}
+
+AlphaMask gaussianBlur(const AlphaMask& mask, double blur, const PixelBox& wanted) {
+  BlurredRows rows(mask, blur, wanted);
+  AlphaMask result(rows.box());
+  for (int32_t y = result.box().y0; y < result.box().y1;) {
+    const BlurredRows::Row row = rows.row(y);
+    EXPECT_GT(row.end, y);
+    for (; y < row.end; ++y) std::copy_n(row.bytes, result.box().width(), result.row(y));
+  }
+  return result;
 }
 
 int at(const AlphaMask& mask, int32_t x, int32_t y) {
