@@ -177,6 +177,34 @@ TEST_F(DrawList, TheBackgroundDrawKeepsItsPlace) {
   EXPECT_EQ(document_.backgroundDraw(), nullptr);
 }
 
+TEST_F(DrawList, DrawsComeAndGo) {
+  make("ab(cd)");
+  document_.fullImage();
+  EXPECT_FALSE(document_.addDraw(nullptr));
+  EXPECT_FALSE(document_.addDraw(named_['a']));
+  EXPECT_FALSE(document_.insertDraw(nullptr, 0));
+  EXPECT_FALSE(document_.insertDraw(named_['a'], 3));
+  EXPECT_FALSE(document_.insertDraw(named_['e'], 4)) << "beyond the end";
+  EXPECT_FALSE(document_.removeDraw(nullptr));
+  EXPECT_FALSE(document_.removeDraw(named_['e']));
+  EXPECT_EQ(order(), "ab(cd)");
+  EXPECT_EQ(document_.imageRefreshControl(), kImagesCurrent) << "nothing changed";
+
+  EXPECT_TRUE(document_.insertDraw(named_['e'], 3));
+  EXPECT_EQ(document_.imageRefreshControl(), kRefreshFullImage) << "at the end, as if added";
+  document_.fullImage();
+  EXPECT_TRUE(document_.insertDraw(named_['f'], 1));
+  EXPECT_EQ(document_.imageRefreshControl(), kRebuildBuffer);
+  EXPECT_EQ(order(), "afb(cd)e");
+  EXPECT_EQ(document_.toppestDraw(), named_['e']);
+  document_.fullImage();
+  EXPECT_TRUE(document_.removeDraw(named_['d']));
+  EXPECT_EQ(document_.imageRefreshControl(), kRebuildBuffer);
+  EXPECT_TRUE(document_.removeDraw(named_['a']));
+  EXPECT_EQ(order(), "fb(c)e");
+  EXPECT_EQ(PaintManager().toppestDraw(), nullptr);
+}
+
 TEST_F(DrawList, LayerOrderIsThatOfTheDocument) {
   make("a(bc)d");
   EXPECT_EQ(letters(document_.drawsInLayerOrder(pick("dcha"))), "acd");

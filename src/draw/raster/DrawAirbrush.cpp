@@ -42,6 +42,13 @@ void DrawAirbrush::init() {
   bezierPath_->setLineWidth(1);
 }
 
+std::shared_ptr<NSBitmapImageRep> DrawAirbrush::image() const {
+  if (image_ != nullptr || imageData_ == nullptr) return image_;
+  auto image = decodedImage_.lock();
+  if (image == nullptr) decodedImage_ = image = decodeImage(imageData_->bytes());
+  return image;
+}
+
 std::shared_ptr<NSBezierPath> DrawAirbrush::sprayPathAtPoint(NSPoint point) const {
   constexpr CGFloat kAreaOfDot = 30;
   auto path = NSBezierPath::bezierPath();
@@ -59,8 +66,8 @@ std::shared_ptr<NSBezierPath> DrawAirbrush::sprayPathAtPoint(NSPoint point) cons
 }
 
 void DrawAirbrush::replaceBezierPathWithImageIfPossible() {
-  if (image_ != nullptr || bezierPath_ == nullptr) return;
-  if (bezierPath_->elementCount() < kBakedElements) return;
+  if (bezierPath_ == nullptr || bezierPath_->elementCount() < kBakedElements) return;
+  if (this->image() != nullptr) return;
   const NSRect bounds = bezierPath_->bounds();
   std::shared_ptr<NSBitmapImageRep> image;
   if (!InitImageRep(bounds.size, &image) || image->pixelsWide() == 0 || image->pixelsHigh() == 0) {
@@ -84,8 +91,12 @@ void DrawAirbrush::replaceBezierPathWithImageIfPossible() {
 }
 
 void DrawAirbrush::_draw() {
-  if (image_ == nullptr) return DrawBase::_draw();
-  if (bezierPath_->isEmpty() || !drawStroke() || colorStroke_ == nullptr) return;
+  const auto baked = image();
+  if (baked == nullptr) return DrawBase::_draw();
+  if (!bezierPath_->isEmpty() && drawStroke() && colorStroke_ != nullptr) drawBaked(*baked);
+}
+
+void DrawAirbrush::drawBaked(const NSBitmapImageRep& image) const {
   const NSGraphicsStateScope state;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   CGContext& port = *context.graphicsPort();
@@ -100,17 +111,14 @@ void DrawAirbrush::_draw() {
   const CGTransparencyLayerScope layer(port);
   colorStroke_->setFill();
   port.fill(rect);
-  drawInRect(*image_, rect, NSZeroRect, NSCompositingOperation::destinationIn, 1);
+  drawInRect(image, rect, NSZeroRect, NSCompositingOperation::destinationIn, 1);
 }
 
 bool DrawAirbrush::initWithCoder(NSCoder& coder) {
   if (!DrawBase::initWithCoder(coder)) return false;
   if (coder.containsValueForKey(kBrushWidth)) fBrushWidth_ = coder.decodeFloatForKey(kBrushWidth);
   image_ = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
-  if (image_ == nullptr) {
-    const auto file = coder.decodeObjectOfClass<NSData>(kImageData);
-    if (file != nullptr) image_ = decodeImage(file->bytes());
-  }
+  if (image_ == nullptr) imageData_ = coder.decodeObjectOfClass<NSData>(kImageData);
   replaceBezierPathWithImageIfPossible();
   return true;
 }
@@ -118,10 +126,15 @@ bool DrawAirbrush::initWithCoder(NSCoder& coder) {
 void DrawAirbrush::encodeWithCoder(NSCoder& coder) const {
   DrawBase::encodeWithCoder(coder);
   coder.encodeFloat(fBrushWidth_, kBrushWidth);
-  if (image_ == nullptr) return;
-  auto png = encodePNG(*image_);
+  const auto baked = image();
+  if (baked == nullptr) return;
+  if (image_ == nullptr && imageFormatOf(imageData_->bytes()) == ImageFormat::png) {
+    coder.encodeObject(imageData_, kImageData);
+    return;
+  }
+  auto png = encodePNG(*baked);
   if (png.empty()) {
-    coder.encodeObject(image_, kImage);
+    coder.encodeObject(baked, kImage);
   } else {
     coder.encodeObject(NSData::dataWithVector(std::move(png)), kImageData);
   }

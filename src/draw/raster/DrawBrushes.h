@@ -67,8 +67,9 @@ class DrawAirbrush : public DrawBase {
 
   float brushWidth() const { return fBrushWidth_; }
   void setBrushWidth(float width) { fBrushWidth_ = width; }
-  /// The baked spray; null before baking. Only its alpha matters: the draw's colour is painted.
-  const std::shared_ptr<NSBitmapImageRep>& image() const { return image_; }
+  /// The baked spray; null before baking. Only its alpha matters: the draw's colour is painted. A
+  /// spray from an archive is decoded here and kept only as long as somebody looks at it.
+  std::shared_ptr<NSBitmapImageRep> image() const;
 
   /// One burst: dots at whole pixels inside the disc of the brush around the point.
   std::shared_ptr<NSBezierPath> sprayPathAtPoint(NSPoint point) const;
@@ -82,6 +83,10 @@ class DrawAirbrush : public DrawBase {
   void encodeWithCoder(NSCoder& coder) const override;
 
  private:
+  void drawBaked(const NSBitmapImageRep& image) const;
+
   float fBrushWidth_ = 30;
   std::shared_ptr<NSBitmapImageRep> image_;
+  std::shared_ptr<NSData> imageData_;  ///< what the spray is decoded from, while there is no image_
+  mutable std::weak_ptr<NSBitmapImageRep> decodedImage_;
 };

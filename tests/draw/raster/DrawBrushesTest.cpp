@@ -180,6 +180,21 @@ TEST(DrawEraser, ErasesAndNothingElse) {
   }
 }
 
+TEST(DrawEraser, StylesOfOthersDoNotChangeIt) {
+  const auto eraser = dotAt<DrawEraser>({8, 8}, 5, LineCap::square);
+  const auto pen = made<DrawPen>();
+  pen->setStrokeColor(NSColor::redColor());
+  pen->setOpacity(70);
+  pen->setWidth(9);
+  pen->setStrokeGradient(
+      NSGradient::initWithStartingColor(NSColor::greenColor(), NSColor::redColor()));
+  pen->setUseGradualStroke(true);
+  eraser->setDrawAttributes(*pen->drawAttributes());
+  EXPECT_TRUE(eraser->strokeColor()->isEqual(*NSColor::clearColor()));
+  EXPECT_EQ(eraser->opacity(), 0U);
+  EXPECT_EQ(alphaAt(*drawnOn(*eraser, 200), 8, 8), 0);
+}
+
 TEST(DrawEraser, ArchivedPaintDoesNotCount) {
   const auto document = madeDocument("brushes");
   for (const char* title : {"new eraser", "eraser of a gradient"}) {
