@@ -15,19 +15,20 @@ std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
 
 LoadedDocument loadDocument(const NSURL& file) {
   std::error_code error;
-  if (const auto data = NSData::dataWithContentsOfURL(file, &error)) return loadDocument(data);
+  const auto data = NSData::dataWithContentsOfURL(file, &error);
+  return data != nullptr ? loadDocument(data) : unreadableInput(error);
+}
+
+LoadedDocument unreadableInput(std::error_code error) {
   LoadedDocument unreadable;
+  unreadable.status = statusOf(error, kExitUnreadable);
   unreadable.reason = error.message();
   return unreadable;
 }
 
-std::shared_ptr<NSData> readInput(const std::string& argument, std::string* reason) {
-  std::error_code error;
-  auto data = argument == "-"
-                  ? NSData::dataWithContentsOfDescriptor(STDIN_FILENO, &error)
-                  : NSData::dataWithContentsOfURL(*fileURLFromArgument(argument), &error);
-  if (data == nullptr) *reason = error.message();
-  return data;
+std::shared_ptr<NSData> readInput(const std::string& argument, std::error_code* error) {
+  return argument == "-" ? NSData::dataWithContentsOfDescriptor(STDIN_FILENO, error)
+                         : NSData::dataWithContentsOfURL(*fileURLFromArgument(argument), error);
 }
 
 LoadedDocument loadDocument(const std::shared_ptr<NSData>& data) {
@@ -43,6 +44,12 @@ ExitStatus writePicture(const char* program, const NSBitmapImageRep& bitmap,
                         const std::string& path) {
   const std::vector<uint8_t> png = encodePNG(bitmap);
   if (png.empty()) return fail(program, path, kExitLimitReached, "not enough memory");
-  const std::error_code error = writeFileInPlace(path, png);
-  return error ? fail(program, path, kExitOutputFailed, error.message()) : kExitSuccess;
+  return writeOutput(program, path, png);
+}
+
+ExitStatus writeOutput(const char* program, const std::string& path,
+                       std::span<const uint8_t> bytes) {
+  const std::error_code error = writeFileInPlace(path, bytes);
+  if (!error) return kExitSuccess;
+  return fail(program, path, statusOf(error, kExitOutputFailed), error.message());
 }

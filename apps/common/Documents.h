@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
+#include <system_error>
 
 #include "common/ExitStatus.h"
 #include "document/PaintManager.h"
@@ -26,11 +28,18 @@ LoadedDocument loadDocument(const NSURL& file);
 /// The same for a file's bytes.
 LoadedDocument loadDocument(const std::shared_ptr<NSData>& data);
 
-/// The bytes of the file that an argument means, or of standard input when it is "-". Null when it
-/// cannot be read; `reason` then says why.
-std::shared_ptr<NSData> readInput(const std::string& argument, std::string* reason);
+/// No document, for what the system said when the file was read.
+LoadedDocument unreadableInput(std::error_code error);
 
-/// Encodes the bitmap and writes the file in one go. Answers kExitSuccess or, after a line on
-/// standard error, kExitOutputFailed; the file is then left as it was, or absent.
+/// The bytes of the file that an argument means, or of standard input when it is "-". Null when it
+/// cannot be read; `error` then says why.
+std::shared_ptr<NSData> readInput(const std::string& argument, std::error_code* error);
+
+/// Writes the file in one go. Answers kExitSuccess or, after a line on standard error, what went
+/// wrong; the file is then as empty as it was, or absent.
+ExitStatus writeOutput(const char* program, const std::string& path,
+                       std::span<const uint8_t> bytes);
+
+/// Encodes the bitmap and writes the file as writeOutput does.
 ExitStatus writePicture(const char* program, const NSBitmapImageRep& bitmap,
                         const std::string& path);

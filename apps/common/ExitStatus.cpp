@@ -18,7 +18,7 @@ const char* describe(ExitStatus status) {
     case kExitOutputFailed:
       return "the output could not be written";
     case kExitLimitReached:
-      return "a time or memory limit was reached";
+      return "a limit of time, memory, output or open files was reached";
     case kExitUsage:
       break;
   }
@@ -31,6 +31,11 @@ ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
                            (reason.empty() ? "" : " (" + reason + ")") + "\n";
   std::fputs(line.c_str(), stderr);
   return status;
+}
+
+ExitStatus statusOf(std::error_code error, ExitStatus otherwise) {
+  const bool limit = error == std::errc::too_many_files_open || error == std::errc::file_too_large;
+  return limit ? kExitLimitReached : otherwise;
 }
 
 ExitStatus writeText(const char* program, const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <system_error>
 
 /// How the programs end. 1 to 3 are the document decoder's own error codes.
 enum ExitStatus : int {
@@ -21,6 +22,10 @@ const char* describe(ExitStatus status);
 /// Writes "PROGRAM: FILE: reason" to standard error, in one line, and answers the status.
 ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
                 const std::string& reason = {});
+
+/// What an input or output error means: kExitLimitReached when it is one of this program's limits,
+/// else `otherwise`.
+ExitStatus statusOf(std::error_code error, ExitStatus otherwise);
 
 /// Writes the text to standard output at once. Answers kExitSuccess or, told, kExitOutputFailed.
 ExitStatus writeText(const char* program, const std::string& text);

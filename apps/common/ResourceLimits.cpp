@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <csignal>
 #include <cstring>
@@ -44,6 +45,19 @@ void setLimit(int resource, int64_t value) {
 }
 
 }  // namespace
+
+void addLimitOptions(CLI::App& app, ResourceLimits& limits) {
+  constexpr int kMost = 1 << 20;
+  app.add_option("--limit-time", limits.seconds, "Seconds of processor time")
+      ->check(CLI::Range(1, kMost))
+      ->capture_default_str();
+  app.add_option("--limit-memory", limits.megabytes, "Megabytes of memory")
+      ->check(CLI::Range(16, kMost))
+      ->capture_default_str();
+  app.add_option("--limit-output", limits.outputMegabytes, "Megabytes of a written file")
+      ->check(CLI::Range(1, kMost))
+      ->capture_default_str();
+}
 
 void limitResources(const ResourceLimits& limits, const char* program, const char* file) {
   gProgram = program;

@@ -2,6 +2,10 @@
 
 #include <cstdint>
 
+namespace CLI {
+class App;
+}
+
 /// What one run may use. No desktop limits its thumbnailers, so the programs limit themselves.
 struct ResourceLimits {
   /// Seconds of processor time; wall time is limited to three times that.
@@ -11,6 +15,9 @@ struct ResourceLimits {
   /// Largest file the program may write.
   int64_t outputMegabytes = 2048;
 };
+
+/// Adds the options that change the limits, which show their defaults.
+void addLimitOptions(CLI::App& app, ResourceLimits& limits);
 
 /// Puts the limits in force for the rest of the process. When time runs out the process writes one
 /// line that names `program` and `file` to standard error and ends with kExitLimitReached; so it

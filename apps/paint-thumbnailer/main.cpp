@@ -49,12 +49,7 @@ int main(int argc, char** argv) {
   app.add_option("-s,--size", options.size, "Largest width and height in pixels")
       ->check(CLI::Range(int64_t{1}, kLargestSize))
       ->capture_default_str();
-  app.add_option("--limit-time", options.limits.seconds, "Seconds of processor time")
-      ->check(CLI::Range(1, 1 << 20))
-      ->capture_default_str();
-  app.add_option("--limit-memory", options.limits.megabytes, "Megabytes of memory")
-      ->check(CLI::Range(16, 1 << 20))
-      ->capture_default_str();
+  addLimitOptions(app, options.limits);
   app.add_option("INPUT", options.input, "Document, as a path or a file: URI")->required();
   app.add_option("OUTPUT", options.output, "PNG file to write")->required();
   try {

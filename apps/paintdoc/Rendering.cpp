@@ -10,7 +10,6 @@
 #include "extension/ThumbnailProvider.h"
 #include "paintdoc/JsonWriter.h"
 #include "paintdoc/Progress.h"
-#include "platform/foundation/FileWriting.h"
 #include "platform/foundation/Limits.h"
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "svg/ZTSVGTool.h"
@@ -67,9 +66,12 @@ Renderable svgToRender(const std::shared_ptr<NSData>& data) {
 }
 
 Renderable thingToRender(const std::string& input) {
-  std::string reason;
-  const auto data = readInput(input, &reason);
-  if (data == nullptr) return {kExitUnreadable, reason, {}, {}};
+  std::error_code error;
+  const auto data = readInput(input, &error);
+  if (data == nullptr) {
+    const LoadedDocument unreadable = unreadableInput(error);
+    return {unreadable.status, unreadable.reason, {}, {}};
+  }
   return ZTSVGTool::isSVGFormatData(data.get()) ? svgToRender(data) : documentToRender(data, input);
 }
 
@@ -137,8 +139,7 @@ ExitStatus PictureRun::writeSize(int64_t side) {
 
 ExitStatus PictureRun::writeFile(const std::string& path, const std::vector<uint8_t>& bytes) const {
   if (path != "-") {
-    const std::error_code error = writeFileInPlace(path, bytes);
-    return error ? fail(kProgram, path, kExitOutputFailed, error.message()) : kExitSuccess;
+    return writeOutput(kProgram, path, bytes);
   }
   return writeText(kProgram, std::string(bytes.begin(), bytes.end()));
 }

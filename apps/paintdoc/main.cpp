@@ -16,9 +16,9 @@ constexpr const char* kProgram = "paintdoc";
 constexpr int64_t kLargestSize = 16384;
 
 LoadedDocument loadArgument(const std::string& input) {
-  LoadedDocument unreadable;
-  const auto data = readInput(input, &unreadable.reason);
-  return data != nullptr ? loadDocument(data) : unreadable;
+  std::error_code error;
+  const auto data = readInput(input, &error);
+  return data != nullptr ? loadDocument(data) : unreadableInput(error);
 }
 
 ExitStatus showInfo(const std::string& input, bool json) {
@@ -90,10 +90,7 @@ struct Arguments {
 Arguments::Arguments() {
   app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
   app.require_subcommand(1);
-  app.add_option("--limit-time", limits.seconds, "Seconds of processor time")
-      ->check(CLI::Range(1, 1 << 20));
-  app.add_option("--limit-memory", limits.megabytes, "Megabytes of memory")
-      ->check(CLI::Range(16, 1 << 20));
+  addLimitOptions(app, limits);
   info->add_flag("--json", json, "As JSON");
   info->add_option("FILE", inputs, "Document; - is standard input")->required()->expected(1);
   check->add_flag("--json", json, "As JSON");

@@ -334,11 +334,37 @@ class Programs(unittest.TestCase):
             result = run("gio", "info", "-a", "standard::content-type", path, env=environment)
             self.assertEqual(b"application/x-paint-document" in result.stdout, expected, (path, result.stdout))
 
-    def test_limits(self):
-        result = run(THUMBNAILER, "--limit-memory", "64", document("white largest canvas"), self.out)
-        if "PAINT_SANITIZED" not in os.environ:
-            self.assertEqual(result.returncode, 75, result.stderr)
-            self.assertFalse(os.path.exists(self.out))
+    def assert_limited(self, reason, *command, **options):
+        result = run(*command, **options)
+        self.assertEqual(result.returncode, 75, (command, result.stderr))
+        self.assertEqual(result.stderr.count(b"\n"), 1, result.stderr)
+        self.assertIn(reason, result.stderr)
+        self.assertTrue(not os.path.exists(self.out) or os.path.getsize(self.out) == 0)
+
+    @unittest.skipIf("PAINT_SANITIZED" in os.environ, "the sanitizers reserve terabytes")
+    def test_memory_is_limited(self):
+        self.assert_limited(b"memory", THUMBNAILER, "--limit-memory", "64", document("white largest canvas"), self.out)
+
+    def test_processor_time_is_limited(self):
+        self.assert_limited(b"time limit", THUMBNAILER, "--limit-time", "1", document("hours of painting"), self.out)
+
+    def test_elapsed_time_is_limited(self):
+        # Somebody holds the pipe open and never writes.
+        reading, writing = os.pipe()
+        self.assert_limited(b"time limit", PAINTDOC, "--limit-time", "1", "render", "-", self.out, stdin=reading)
+        os.close(reading)
+        os.close(writing)
+
+    def test_output_is_limited(self):
+        self.assert_limited(b"File too large", PAINTDOC, "--limit-output", "1", "render",
+                            document("megabytes of colours"), self.out)
+        self.assertEqual(run(PAINTDOC, "render", document("megabytes of colours"), self.out).returncode, 0)
+        self.assertGreater(os.path.getsize(self.out), 1 << 20)
+
+    def test_open_files_are_limited(self):
+        # A caller that leaks descriptors: every number below the limit is taken.
+        leak = 'for ((n = 3; n < 64; n++)); do eval "exec $n</dev/null"; done; exec "$@"'
+        self.assert_limited(b"open files", "bash", "-c", leak, "-", THUMBNAILER, document("red"), self.out)
 
 
 if __name__ == "__main__":

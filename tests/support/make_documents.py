@@ -18,6 +18,24 @@ import text_documents
 RED, BLUE = (1, 0, 0), (0, 0, 1)
 
 
+def megabytes_of_colours():
+    """Gradients on gradients: hard to compress."""
+    doc = canvas(2000, 2000)
+    for degree in (17, 71, 133):
+        gradient = doc.gradient([((degree / 200, 1, 0), 0), ((0, 0, 1, 0.5), 0.3), ((1, degree / 180, 1, 0.2), 1)])
+        doc.add("DrawEllipse", outline=doc.oval(-900, -900, 3800, 3800),
+                fill_gradient=(gradient, {"degree": degree, "radial": False}))
+    return doc.to_bytes()
+
+
+def hours_of_painting():
+    """Nothing malformed: many large translucent ellipses with shadows on a large canvas."""
+    doc = canvas(15000, 15000, background=(1, 1, 1))
+    for i in range(1000):
+        doc.add("DrawEllipse", outline=doc.oval(i, i, 13000, 13000), fill=(0, 0, 1, 0.5), shadow=doc.shadow(9, 9, 60))
+    return doc.to_bytes()
+
+
 def canvas(width, height, **settings):
     return PaintDocument(width, height, **settings)
 
@@ -291,6 +309,8 @@ def documents():
     yield "red", canvas(100, 50, background=RED).to_bytes()
     yield "half red", canvas(4, 4, background=(1, 0, 0, 0.5)).to_bytes()
     yield "white largest canvas", canvas(20000, 12500, background=(1, 1, 1)).to_bytes()
+    yield "megabytes of colours", megabytes_of_colours()
+    yield "hours of painting", hours_of_painting()
     yield "clear background", canvas(100, 50, background=(1, 0, 0, 0)).to_bytes()
     yield "fractional canvas", canvas(0, 0, canvas_size="{100.7, 50.2}").to_bytes()
     yield "no canvas size", canvas(0, 0, canvas_size="what?").to_bytes()
