@@ -114,6 +114,28 @@ def pictures():
     return doc
 
 
+def poster():
+    """One of each: shapes, text, an embedded picture, an SVG picture and a filter."""
+    doc = PaintDocument(420, 594, background=(0.98, 0.96, 0.9))
+    a = doc.archive
+    frame = lambda: doc.rectangle(30, 230, 360, 270, line_width=8)
+    view = a.data(png(landscape(240, 180), 240))
+    doc.add("DrawImage2", outline=frame(), ImageData=view, stroke=(1, 1, 1), shadow=doc.shadow(0, -6, 12),
+            title="Picture")
+    doc.add("DrawText", outline=doc.rectangle(30, 510, 360, 60, line_width=0), title="Heading",
+            Text=doc.text(("Lakeside", doc.style(font="Helvetica-Bold", size=44, color=(0.1, 0.25, 0.45), align=2))))
+    doc.add("DrawText", outline=doc.rectangle(40, 120, 200, 90, line_width=0), title="Invitation", Text=doc.text(
+        ("Sunday at five, by the old jetty. ", doc.style(font="Helvetica", size=17, color=(0.2, 0.2, 0.2))),
+        ("Bring a boat.", doc.style(font="Times-Italic", size=19, color=(0.7, 0.2, 0.15)))))
+    doc.add("DrawSVG", outline=doc.rectangle(270, 100, 110, 110, line_width=0), SVGData=a.data(BADGE), title="Badge")
+    stripe = doc.gradient([((0.1, 0.25, 0.45), 0), ((0.35, 0.6, 0.8), 1)])
+    doc.add("DrawRoundRectangle", outline=doc.path(rounded(30, 40, 360, 40, 12), line_width=0), XRadius=Float32(12),
+            YRadius=Float32(12), fill_gradient=(stripe, {"degree": 0}), title="Stripe")
+    doc.add("DrawCurve", outline=doc.path([("M", 50, 60), ("C", 150, 90, 250, 30, 360, 60)], line_width=3),
+            stroke=(1, 1, 1), ArrowStyle=2)
+    return doc
+
+
 def rounded(x, y, w, h, r):
     """A rectangle with circular corners, counter-clockwise."""
     k = r * (1 - 4 / 3 * math.tan(math.pi / 8))
@@ -125,7 +147,7 @@ def rounded(x, y, w, h, r):
 
 
 EXAMPLES = {"background": background, "composition": composition, "filters": filters,
-            "pictures": pictures}
+            "pictures": pictures, "poster": poster}
 
 
 def main():
