@@ -7,12 +7,16 @@ resident set.
 import os
 import random
 import shutil
+import subprocess
 import sys
 import tempfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
+for folder in "tests/support", "examples":
+    sys.path.insert(0, os.path.join(HERE, "..", folder))
+from landscape import landscape  # noqa: E402
 from paint_document import PaintDocument  # noqa: E402
+from picture_documents import png  # noqa: E402
 
 BIN = sys.argv[1]
 
@@ -67,6 +71,34 @@ def shapes():
     return doc.to_bytes(), svg.encode()
 
 
+def with_picture(width, height, picture):
+    """A document whose background is a picture, stretched."""
+    doc = PaintDocument(width, height)
+    doc.has_background = True
+    doc.add("DrawImage2", outline=doc.rectangle(0, 0, width, height, line_width=0),
+            ImageData=doc.archive.data(picture))
+    return doc.to_bytes()
+
+
+def background_pictures(folder, program):
+    """The thumbnail of a document with a large PNG file as its background, against the desktop's
+    thumbnailer for the bare file."""
+    peer = shutil.which("gdk-pixbuf-thumbnailer")
+    if peer is None:
+        print("gdk-pixbuf-thumbnailer is not installed: its ratio is left out")
+        return
+    path, picture, out = (os.path.join(folder, name) for name in ("p.paintdoc", "p.png", "out.png"))
+    with open(path, "wb") as file:
+        file.write(with_picture(4000, 3000, png(landscape(800, 600), 800)))
+    subprocess.run([program("paintdoc"), "render", path, picture], check=True)
+    with open(path, "wb") as file, open(picture, "rb") as bare:
+        file.write(with_picture(4000, 3000, bare.read()))
+    ours, peak = measure([program("paint-thumbnailer"), "-s", "256", path, out], 7)
+    theirs, theirs_peak = measure([peer, "-s", "256", picture, out], 7)
+    line("4000 x 3000 PNG background to 256 / gdk-pixbuf-thumbnailer", f"{ours / theirs:.2f}", "at most 1")
+    line("    peak memory / its peak memory", f"{peak / theirs_peak:.2f}", "")
+
+
 def main():
     program = lambda name: os.path.join(BIN, name)
     thumbnailer = program("paint-thumbnailer")
@@ -85,6 +117,8 @@ def main():
             line(f"20000 x 12500 with {name} / memset of a canvas", f"{cpu / fill:.2f}", "at most 4")
             extra = (peak - 2 * 20000 * 12500 * 4) / (1 << 20)
             line("    peak memory beyond two canvas bitmaps, MB", f"{extra:.0f}", "at most 32")
+
+        background_pictures(folder, program)
 
         rsvg = shutil.which("rsvg-convert")
         if rsvg is None:
