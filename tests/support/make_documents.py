@@ -250,6 +250,7 @@ def hostile():
              shadow=flat.shadow(1, 1, 3), inner_shadow=flat.shadow(1, 1, 3), reflection=(1, 0), rotation=33)
     yield "no extent", flat
     yield from text_documents.hostile()
+    yield from picture_documents.hostile()
 
 
 def brushes():

@@ -107,6 +107,46 @@ def background(rect, masked):
     return doc
 
 
+def claiming(width, height, data):
+    """A PNG file with the sides in its header changed."""
+    header = data[12:16] + struct.pack(">2I", width, height) + data[24:29]
+    return data[:12] + header + struct.pack(">I", zlib.crc32(header)) + data[33:]
+
+
+def hostile():
+    """Documents with pictures that no writer makes, each with every effect that pictures take."""
+    nan, inf, good = float("nan"), float("inf"), png(CHART, WIDTH)
+    files = {"ImageData": good, "SVGData": SVG, "PDFData": dict(pdf_files())["plain"]}
+    classes = {"ImageData": "DrawImage2", "SVGData": "DrawSVG", "PDFData": "DrawPDF"}
+
+    def shown(key, data, rect=(8, 8, 40, 40), **fields):
+        doc = Pictures(64, 64)
+        fields = dict(stroke=(1, 0, 0), shadow=doc.shadow(3, -3, 4), reflection=(0.5, 2), rotation=33,
+                      inner_shadow=doc.shadow(3, -3, 4), line_width=3, **fields)
+        doc.draws = [doc.picture("p", classes[key], rect, **{key: doc.archive.data(data)}, **fields)]
+        return doc
+
+    rects = {"nan": (nan, 8, 40, 40), "infinite": (8, 8, inf, 40), "empty": (8, 8, 0, 0),
+             "flat": (8, 8, 40, 0), "thin": (8, 8, 1e-30, 40), "far": (1e30, 8, 40, 40),
+             "wide": (8, 8, 1e9, 40), "mirrored": (48, 48, -40, -40), "all": (-3e8, -3e8, 6e8, 6e8)}
+    for key, data in files.items():
+        for name, rect in rects.items():
+            yield f"{key} {name}", shown(key, data, rect)
+    for sides in (15000, 16000), (65535, 65535), (2 ** 31 - 1, 1), (1, 2 ** 31 - 1), (0, 5):
+        yield "claim of %d x %d" % sides, shown("ImageData", claiming(*sides, good))
+    for end in 8, 33, 40, len(good) - 20:
+        yield f"cut at {end}", shown("ImageData", good[:end])
+    for name, value in (("nan", nan), ("infinity", inf), ("3e38", 3e38), ("-1", -1)):
+        yield f"opacity {name}", shown("ImageData", good, Opacity=Float32(value))
+        yield f"radius {name}", shown("ImageData", good, XRadius=Float32(value), YRadius=Float32(value))
+    own = Pictures(64, 64)
+    slot = own.archive.reserve()
+    own.archive.fill(slot, ["DrawImage2", "DrawRoundRectangle", "DrawRectangle", "DrawBase", "NSObject"],
+                     {"BezierPath": own.rectangle(8, 8, 40, 40), "Image": slot, "ImageData": slot})
+    own.draws = [slot]
+    yield "draw as its own picture", own
+
+
 def documents():
     yield "pictures", forms()
     yield "masked by background", background((0, 0, WIDTH, HEIGHT), True)
