@@ -32,8 +32,8 @@ std::shared_ptr<DrawImage2> DrawImage2::initWithImage(std::shared_ptr<NSBitmapIm
 
 void DrawImage2::initWithBitmap(std::shared_ptr<NSBitmapImageRep> image) {
   init();
-  bezierPath()->setLineWidth(0);
   if (image == nullptr) return;
+  bezierPath()->setLineWidth(0);
   setBezierPathWithBounds({NSZeroPoint, image->size()});
   setImage(std::move(image));
 }
