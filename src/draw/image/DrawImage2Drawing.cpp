@@ -16,6 +16,8 @@ CGContext& port() {
 }  // namespace
 
 void DrawImage2::drawInImage(NSBitmapImageRep* image) {
+  // Cropped documents keep the pictures that fell outside; they are not decoded.
+  if (!mayShow(renderedRect())) return;
   // A reflection draws the picture twice; it is made once.
   const auto shown = enableReflection() ? imageForDrawing() : nullptr;
   DrawRoundRectangle::drawInImage(image);

@@ -15,6 +15,17 @@ CGContext& port() {
 
 }  // namespace
 
+bool mayShow(const NSRect& rect) {
+  if (NSGraphicsContext::currentContext() == nullptr) return false;
+  // Snapping to pixels and antialiasing stay within.
+  constexpr CGFloat kNear = 2;
+  const NSRect device = CGRectApplyAffineTransform(rect, port().deviceTransform());
+  const PixelBox& clip = port().state().clip.box();
+  const bool isOutside = NSMaxX(device) < clip.x0 - kNear || NSMinX(device) > clip.x1 + kNear ||
+                         NSMaxY(device) < clip.y0 - kNear || NSMinY(device) > clip.y1 + kNear;
+  return !isOutside;
+}
+
 void preparePictureContext() {
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   context.setShouldAntialias(true);

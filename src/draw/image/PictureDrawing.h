@@ -9,6 +9,10 @@ class NSShadow;
 // Steps of drawing a bitmap into a rectangle, shared by the draws that show one. They draw into the
 // current context, which must exist.
 
+/// Whether the clip of the current context lets show anything near the rectangle. False without a
+/// context, true for rectangles that are not finite.
+bool mayShow(const NSRect& rect);
+
 /// Gets the current context ready: source-over, antialiased, pictures resampled.
 void preparePictureContext();
 

@@ -54,6 +54,25 @@ std::shared_ptr<NSShadow> shadow(NSSize offset, CGFloat blur, std::shared_ptr<NS
   return result;
 }
 
+/// Counts how often its bitmap is made.
+class CountedPicture : public DrawImage2 {
+ public:
+  explicit CountedPicture(NSRect bounds) {
+    init();
+    setBezierPathWithBounds(bounds);
+  }
+  int made() const { return made_; }
+
+ protected:
+  std::shared_ptr<NSBitmapImageRep> makeImage() const override {
+    ++made_;
+    return halves();
+  }
+
+ private:
+  mutable int made_ = 0;
+};
+
 }  // namespace
 
 TEST(PictureDrawing, StretchesIntoTheBounds) {
@@ -196,6 +215,36 @@ TEST(PictureDrawing, ReflectionsShowThePictureUpsideDown) {
   // Fading from 1 at the lower edge to 0 over the whole height: 0.975 and 0.125.
   expectNear(canvas.at(20, 19), {0, 0, 249, 249}, 2);
   expectNear(canvas.at(20, 2), {32, 0, 0, 32}, 2);
+}
+
+TEST(PictureDrawing, BitmapsAreMadeOnceAndForWhatShows) {
+  CountedPicture mirrored(NSMakeRect(10, 20, 20, 20));
+  mirrored.setEnableReflection(true);
+  mirrored.setReflection(1);
+  const Drawn both(mirrored);
+  EXPECT_EQ(mirrored.made(), 1);
+
+  struct Case {
+    NSRect bounds;
+    float degrees;
+    NSSize shadow;
+    int made;
+  };
+  for (const Case& c : {Case{{{50, 10}, {20, 20}}, 0, {}, 0},
+                        {{{10, -30}, {20, 20}}, 0, {}, 0},
+                        {{{10, -30}, {20, 20}}, 0, {0, 25}, 1},
+                        // Turned, it reaches into the canvas.
+                        {{{45, 0}, {10, 40}}, 0, {}, 0},
+                        {{{45, 0}, {10, 40}}, 90, {}, 1},
+                        {{{39.9, 10}, {20, 20}}, 0, {}, 1}}) {
+    CountedPicture draw(c.bounds);
+    draw.setEnableStroke(false);
+    draw.setRotateDegree(c.degrees);
+    draw.setEnableShadow(c.shadow != NSZeroSize);
+    draw.setShadow(shadow(c.shadow, 0, NSColor::blackColor()));
+    const Drawn canvas(draw);
+    EXPECT_EQ(draw.made(), c.made) << c.bounds.origin.x << " " << c.degrees;
+  }
 }
 
 TEST(PictureDrawing, PicturesWithoutBitmapDrawTheirLine) {
