@@ -146,8 +146,38 @@ def rounded(x, y, w, h, r):
             ("L", x, y + r), ("C", x, y + k, x + k, y, x + r, y), ("Z",)]
 
 
+def text():
+    """A poster: text boxes with outlines, gradients and shadows, and text along two curves."""
+    doc = PaintDocument(640, 480, background=(0.98, 0.96, 0.9))
+    ink, red = (0.15, 0.12, 0.2), (0.75, 0.15, 0.1)
+    warm = doc.gradient([((0.95, 0.75, 0.1), 0), (red, 1)])
+    box = lambda x, y, w, h, *pieces, **fields: doc.add(
+        "DrawText", outline=doc.rectangle(x, y, w, h), Text=doc.text(*pieces), **fields)
+
+    def curved(guide, string, style, **fields):
+        doc.add("DrawBezierText", outline=doc.rectangle(0, 0, 1, 1), Text=doc.text((string, style)), Version=1,
+                BezierDraw=guide, **fields)
+
+    curved(doc.draw("DrawEllipse", outline=doc.oval(150, 160, 340, 285)), "The Annual Fair of Letters",
+           doc.style("Georgia-Bold", 34, ink, 2), title="Arc")
+    box(120, 270, 400, 100, ("TYPE", doc.style("Helvetica-Bold", 88, (0, 0, 0), 2, NSStrokeWidth=-3.0,
+                                               NSStrokeColor=doc.color(ink))),
+        title="Title", shadow=doc.shadow(5, -5, 6), **doc.text_gradient(warm, 270))
+    box(60, 130, 250, 110, ("Glyphs are ", doc.style("Times-Roman", 18, ink, 3)),
+        ("outlines", doc.style("Times-Italic", 18, red, 3)),
+        (" filled at quarters of a pixel; lines break, stretch and ", doc.style("Times-Roman", 18, ink, 3)),
+        ("underline", doc.style("Times-Roman", 18, ink, 3, NSUnderline=1)),
+        (" as on the platform that wrote the document.", doc.style("Times-Roman", 18, ink, 3)), title="Justified")
+    box(340, 130, 240, 110, ("Left to right, مِنَ الْيَمِينِ, 漢字 and 😀🎈", doc.style("HelveticaNeue", 22, ink, 1)),
+        title="Scripts")
+    wave = doc.path([("M", 40, 60), ("C", 180, 160, 300, -40, 440, 50), ("C", 500, 90, 560, 100, 600, 60)], line_width=2)
+    curved(doc.draw("DrawBezierPath", outline=wave, stroke=(0.8, 0.75, 0.65)), "free admission along the whole wave",
+           doc.style("Helvetica-Bold", 24, red, 2), title="Wave")
+    return doc
+
+
 EXAMPLES = {"background": background, "composition": composition, "filters": filters,
-            "pictures": pictures, "poster": poster}
+            "pictures": pictures, "poster": poster, "text": text}
 
 
 def main():

@@ -14,6 +14,8 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
 
 from landscape import landscape  # noqa: E402
+from keyed_archive import Float32  # noqa: E402
+from make_examples import rounded  # noqa: E402
 from paint_document import PaintDocument  # noqa: E402
 from picture_documents import png  # noqa: E402
 
@@ -130,7 +132,81 @@ def lines():
     return sheet.doc
 
 
-SHEETS = {"shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
+def text():
+    """What one text box can look like; three columns of cells twice as wide as those of other sheets."""
+    doc = PaintDocument(3 * 220, 4 * 110, background=(0.97, 0.97, 0.97))
+    cells = iter([(c * 220 + 10, (3 - r) * 110 + 10) for r in range(4) for c in range(3)])
+
+    def box(string, style, height=90, radius=0, **fields):
+        x, y = next(cells)
+        outline = doc.path(rounded(x, y + 90 - height, 200, height, radius)) if radius else doc.rectangle(x, y + 90 - height, 200, height)
+        doc.add("DrawText", outline=outline, Text=doc.text(*([(string, style)] if style else string)), **fields)
+
+    fruit, sky = doc.gradient([(RED, 0), ((1, 0.8, 0.2), 1)]), doc.gradient([(WHITE, 0), (BLUE, 1)])
+    pangram = "The quick brown fox jumps over the lazy dog. "
+    box(pangram * 2, doc.style(size=14, align=3))
+    box([("Several ", doc.style(size=20)), ("fonts ", doc.style("Times-Italic", 26, RED)), ("and ", doc.style(size=14)),
+         ("colours", doc.style("Georgia-Bold", 22, BLUE, NSUnderline=1)), (" in ", doc.style(size=14)),
+         ("one", doc.style("Menlo-Regular", 16, GREEN, NSBackgroundColor=doc.color((1, 1, 0.6)))),
+         (" text", doc.style(size=20, NSStrikethrough=1))], None)
+    box("العربية and עברית and 漢字 and 😀🇨🇭", doc.style(size=20, align=2))
+    box("Outlined", doc.style("Helvetica-Bold", 44, (1, 0.85, 0.2), 2, NSStrokeWidth=-4.0, NSStrokeColor=doc.color(RED)))
+    box("Outline", doc.style("Helvetica-Bold", 44, BLUE, 2, NSStrokeWidth=2.5))
+    box("Shadow", doc.style("Georgia-Bold", 44, GREEN, 2), shadow=doc.shadow(4, -4, 4))
+    box("Gradient", doc.style("Georgia-Bold", 44, align=2), **doc.text_gradient(fruit, 0))
+    box("Radial", doc.style("Helvetica-Bold", 50, align=2, NSStrokeWidth=-3.0, NSStrokeColor=doc.color(DARK)),
+        **doc.text_gradient(sky, radial=True), shadow=doc.shadow(3, -3, 3))
+    box("Inner", doc.style("Helvetica-Bold", 60, (1, 0.9, 0.6), 2), inner_shadow=doc.shadow(2, -2, 4, (0.3, 0.1, 0, 0.9)))
+    box("A box with a fill, a stroke and a corner radius", doc.style(size=18, color=WHITE, align=2), fill=(0.2, 0.3, 0.5),
+        stroke=DARK, radius=12, XRadius=Float32(12), YRadius=Float32(12))
+    box("Turned by 12 degrees", doc.style("Times-Roman", 24, align=2), rotation=12)
+    box("Reflected", doc.style("Helvetica-Bold", 36, BLUE, 2), 46, opacity=70, reflection=(0.7, -16))
+    return doc
+
+
+def curved_text():
+    """Curved text along every kind of guide; columns: left, centred, right."""
+    doc = PaintDocument(3 * 260, 6 * 170, background=(0.97, 0.97, 0.97))
+    fruit = doc.gradient([(RED, 0), (BLUE, 1)])
+    guide = (0.75, 0.75, 0.8)
+
+    def curved(class_name, outline, string, style, guide_fields=None, **fields):
+        draw = doc.draw(class_name, outline=outline, stroke=guide, **(guide_fields or {}))
+        doc.add("DrawBezierText", outline=doc.rectangle(0, 0, 1, 1), Text=doc.text((string, style)), BezierDraw=draw,
+                **({"Version": 1} | fields))
+
+    for column, align in enumerate((0, 2, 1)):
+        x = column * 260
+        style = lambda size=20, font="Helvetica", **more: doc.style(font, size, DARK, align, **more)
+        at = lambda row: (5 - row) * 170
+        y = at(0)
+        curved("DrawEllipse", doc.oval(x + 70, y + 25, 120, 120), "Text on a circle", style())
+        y = at(1)
+        curved("DrawLine", doc.path([("M", x + 240, y + 130), ("L", x + 20, y + 80)]), "Along a line", style(26, "Georgia-Bold"))
+        curved("DrawCurve", doc.path([("M", x + 20, y + 30), ("C", x + 90, y + 130, x + 170, y - 70, x + 240, y + 30)]),
+               "Riding on a wave", style())
+        y = at(2)
+        box = doc.path(rounded(x + 50, y + 35, 160, 100, 30))
+        curved("DrawRoundRectangle", box, "Round a box with corners", style(18), {"XRadius": Float32(30), "YRadius": Float32(30)})
+        y = at(3)
+        curved("DrawRectangle", doc.rectangle(x + 50, y + 40, 160, 90), "A plain box", style(22), {"rotation": 10})
+        y = at(4)
+        curved("DrawEllipse", doc.oval(x + 40, y + 45, 180, 80), "Gradient with a shadow", style(22, "Helvetica-Bold"),
+               shadow=doc.shadow(3, -3, 3), **doc.text_gradient(fruit, 0))
+        y = at(5)
+        if column == 0:
+            curved("DrawEllipse", doc.oval(x + 70, y + 25, 120, 120), "An old circle", style(), Version=0)
+        elif column == 1:
+            curved("DrawLine", doc.path([("M", x + 40, y + 90), ("L", x + 220, y + 90)]),
+                   "Far more text than its line has room for", style())
+        else:
+            curved("DrawBezierPath", doc.path([("M", x + 20, y + 60), ("C", x + 60, y + 160, x + 120, y + 160, x + 130, y + 80),
+                                               ("C", x + 140, y, x + 200, y, x + 240, y + 110)]),
+                   "😀 Outlined along a path 🎈", style(22, "Helvetica-Bold", NSStrokeWidth=-4.0, NSStrokeColor=doc.color(RED)))
+    return doc
+
+
+SHEETS = {"text": text, "curved_text": curved_text, "shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
 
 
 LABEL = ('<text x="{}" y="{}" font-family="DejaVu Sans" font-size="13" text-anchor="middle" '

@@ -60,12 +60,41 @@ def old_gradient(version):
     return doc
 
 
-def shared_text(count):
-    """One long text in many boxes."""
-    doc = PaintDocument(64, 64)
-    text = doc.text(("word " * 200000, doc.style(BOX, 10)))
-    for _ in range(count):
-        doc.add("DrawText", outline=doc.rectangle(0, 0, 60, 60), Text=text)
+def curved():
+    """Curved text, titled by what it shows."""
+    doc = PaintDocument(200, 100)
+    aa = doc.text(("aa", doc.style(BOX, 20)))
+
+    def record(title, guide, text=aa, **fields):
+        if guide is not None:
+            fields["BezierDraw"] = guide
+        doc.add("DrawBezierText", outline=doc.rectangle(0, 0, 1, 1), title=title, Text=text, **fields)
+
+    def line(x0, x1, class_name="DrawLine", **fields):
+        return doc.draw(class_name, outline=doc.path([("M", x0, 50), ("L", x1, 50)]), **fields)
+
+    record("left to right", line(20, 120), Version=1)
+    record("right to left", line(120, 20), Version=1)
+    record("old", line(120, 20))
+    record("centred", line(20, 120), doc.text(("aa", doc.style(BOX, 20, align=2))), Version=1)
+    record("right", line(20, 120), doc.text(("aa", doc.style(BOX, 20, align=1))), Version=1)
+    record("no guide", None, Version=1)
+    record("guide without a path", doc.draw("DrawLine"), Version=1)
+    record("guide of another class", doc.color(RED), Version=1)
+    record("no text", line(20, 120), doc.text(), Version=1)
+    record("visible guide", line(20, 120, stroke=BLUE), Version=1)
+    record("path guide", line(20, 120, "DrawBezierPath"), Version=1, fill=RED, AutoResize=True)
+    record("turned", line(20, 120, rotation=90), Version=1)
+    record("turned itself", line(20, 120), Version=1, rotation=90)
+
+    # Guides that lead back to their text.
+    own = doc.archive.reserve()
+    chain = ["DrawBezierText", "DrawText", "DrawRoundRectangle", "DrawRectangle", "DrawBase", "NSObject"]
+    doc.archive.fill(own, chain, {"BezierDraw": own, "Text": aa, "LayerTitle": doc.archive.add("its own guide")})
+    a, b = doc.archive.reserve(), doc.archive.reserve()
+    doc.archive.fill(a, chain, {"BezierDraw": b, "Text": aa, "LayerTitle": doc.archive.add("guides of each other")})
+    doc.archive.fill(b, chain, {"BezierDraw": a, "Text": aa})
+    doc.draws += [own, a]
     return doc
 
 
@@ -73,7 +102,7 @@ def documents():
     yield "text boxes", boxes().to_bytes()
     yield "text of version 19", old_gradient(19).to_bytes()
     yield "text of version 20", old_gradient(20).to_bytes()
-    yield "shared text", shared_text(300).to_bytes()
+    yield "curved text", curved().to_bytes()
 
 
 def hostile():
@@ -100,6 +129,27 @@ def hostile():
     yield "text in a huge box", box(make=lambda doc: [("x", doc.style())], outline=(-1e8, -1e8, 2e8, 2e8))
     shadows = lambda doc: [("x y\n" * 2000, doc.style(size=2, NSShadow=doc.shadow(1, -1, 1e9)))]
     yield "text of shadows", box(make=shadows)
+
+    def along(elements, text, **fields):
+        doc = PaintDocument(64, 64, background=(1, 1, 1))
+        guide = doc.draw("DrawBezierPath", outline=doc.path(elements), stroke=RED)
+        doc.add("DrawBezierText", outline=doc.rectangle(0, 0, 9, 9), BezierDraw=guide, Version=1,
+                Text=doc.text((text, doc.style(size=12))), **fields)
+        return doc
+    for name, far in (("nan", nan), ("infinity", inf), ("3e38", 3e38), ("1e9", 1e9), ("1e6", 1e6)):
+        yield f"curved text to {name}", along([("M", 8, 8), ("L", far, 8), ("C", far, far, 9, far, 8, 40)], "far away " * 99)
+    yield "curved text on a point", along([("M", 8, 8), ("L", 8, 8)], "abc")
+    yield "curved text on moves", along([("M", 8, 8)] * 9, "abc")
+    yield "curved text without end", along([("M", 0, 0), ("L", 1e6, 1e6)], "x" * 300000)
+    yield "curved text on a scribble", along(
+        [("M", 0, 0)] + [("C", i * 7919 % 64, 9, 9, i * 7 % 64, i * 31 % 64, i * 104729 % 64) for i in range(3000)], "x " * 3000)
+    chain = PaintDocument(64, 64)
+    guide = chain.draw("DrawLine", outline=chain.path([("M", 8, 8), ("L", 60, 60)]))
+    for _ in range(200):
+        guide = chain.draw("DrawBezierText", outline=chain.rectangle(0, 0, 9, 9), BezierDraw=guide, stroke=RED,
+                           Text=chain.text(("abc", chain.style(size=9))))
+    chain.draws = [guide]
+    yield "curved text on curved text", chain
 
     def tabs(doc):
         stop = doc.archive.text_tab(10.0)

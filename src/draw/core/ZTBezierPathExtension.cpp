@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 bool hasOddLineWidth(const NSBezierPath& path) {
   constexpr CGFloat kWidest = 1e9;
@@ -80,19 +81,23 @@ void forEachSegment(const NSBezierPath& path, Visit visit) {
   }
 }
 
-/// The position `length` along one segment.
-PathPosition positionOn(const Segment& s, double length) {
+/// The position `length` along one segment; the search goes on where it was.
+PathPosition positionOn(const Segment& s, double length, CurveSearch& search) {
   if (s.curved) {
-    CurveSearch search;
     FindPointOnCurvedBezierPath(&search, s.p[0], s.p[1], s.p[2], s.p[3], length);
-    if (search.step == 0) search.direction = {s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y};
-    return {search.point, s.element, search.direction};
+    const NSPoint start{s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y};
+    return {search.point, s.element, search.step == 0 ? start : search.direction};
   }
   const double total = lengthOf(s);
   const double fraction = total > 0 ? std::clamp(length / total, 0.0, 1.0) : 0;
   return {InterpolateLineSegment(s.p[0], s.p[1], fraction),
           s.element,
           {s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y}};
+}
+
+PathPosition positionOn(const Segment& s, double length) {
+  CurveSearch search;
+  return positionOn(s, length, search);
 }
 
 double parameterAt(const Segment& s, double length, double total) {
@@ -134,17 +139,55 @@ float pathLineLength(const NSBezierPath& path) {
   return total;
 }
 
-PathPosition pointAtPercent(const NSBezierPath& path, double percent) {
-  const double wanted = std::clamp(percent, 0.0, 1.0) * static_cast<double>(pathLineLength(path));
-  PathPosition result;
-  double walked = 0;
+struct PathMeasure::Measured {
+  struct Piece {
+    Segment segment;
+    double start;
+    double length;
+  };
+  std::vector<Piece> pieces;
+  float total = 0;
+  size_t piece = 0;    // where the last position was
+  CurveSearch search;  // on that piece
+  double searched = 0;
+};
+
+PathMeasure::PathMeasure(const NSBezierPath& path) : measured_(std::make_unique<Measured>()) {
+  double start = 0;
   forEachSegment(path, [&](const Segment& s) {
     const double length = lengthOf(s);
-    result = positionOn(s, std::min(wanted - walked, length));
-    walked += length;
-    return walked < wanted;
+    measured_->pieces.push_back({s, start, length});
+    measured_->total = static_cast<float>(measured_->total + length);
+    start += length;
+    return true;
   });
-  return result;
+}
+
+PathMeasure::~PathMeasure() = default;
+
+float PathMeasure::length() const {
+  return measured_->total;
+}
+
+PathPosition PathMeasure::positionAt(double length) {
+  Measured& m = *measured_;
+  if (m.pieces.empty()) return {};
+  const double wanted = std::clamp(length, 0.0, static_cast<double>(m.total));
+  // The first piece that reaches as far.
+  const auto found = std::lower_bound(
+      m.pieces.begin(), m.pieces.end() - 1, wanted,
+      [](const Measured::Piece& piece, double at) { return piece.start + piece.length < at; });
+  const auto piece = static_cast<size_t>(found - m.pieces.begin());
+  const double along = std::min(wanted - found->start, found->length);
+  if (piece != m.piece || along < m.searched) m.search = {};
+  m.piece = piece;
+  m.searched = along;
+  return positionOn(found->segment, along, m.search);
+}
+
+PathPosition pointAtPercent(const NSBezierPath& path, double percent) {
+  PathMeasure measure(path);
+  return measure.positionAt(std::clamp(percent, 0.0, 1.0) * static_cast<double>(measure.length()));
 }
 
 std::shared_ptr<NSBezierPath> subPathWithLengthFrom(const NSBezierPath& path, double from,

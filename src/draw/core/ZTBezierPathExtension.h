@@ -66,6 +66,25 @@ struct PathPosition {
   NSPoint direction;
 };
 
+/// Finds many positions along one path, which is measured once.
+class PathMeasure {
+ public:
+  explicit PathMeasure(const NSBezierPath& path);
+  ~PathMeasure();
+  PathMeasure(const PathMeasure&) = delete;
+  PathMeasure& operator=(const PathMeasure&) = delete;
+
+  /// As pathLineLength.
+  float length() const;
+  /// The position at an arc length, clamped to the path. Asked for in increasing order, positions
+  /// take one walk along the path together.
+  PathPosition positionAt(double length);
+
+ private:
+  struct Measured;
+  std::unique_ptr<Measured> measured_;
+};
+
 /// The point at a fraction (0 to 1) of the total length.
 PathPosition pointAtPercent(const NSBezierPath& path, double percent);
 

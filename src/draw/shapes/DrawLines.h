@@ -111,6 +111,9 @@ class DrawBezierPath : public DrawArrowed {
   static bool mustClosePath() { return false; }
   static bool canResizedWithRectangleKnobs() { return true; }
 
+  /// The draw whose guide this path is, not owned; null for a path of its own. Not archived.
+  DrawBase* master() const { return _master; }
+  void setMaster(DrawBase* master) { _master = master; }
   /// The element that is being edited, -1 for none; not archived.
   int64_t focusElementIndex() const { return _focusElementIndex; }
   void setFocusElementIndex(int64_t index) { _focusElementIndex = index; }
@@ -124,4 +127,5 @@ class DrawBezierPath : public DrawArrowed {
 
  private:
   int64_t _focusElementIndex = -1;
+  DrawBase* _master = nullptr;
 };

@@ -16,6 +16,7 @@ class NSFont;
 class NSMutableParagraphStyle;
 class NSParagraphStyle;
 class NSTextStorage;
+enum class TextSmoothing : uint8_t;
 struct ZTModifyTextAction;
 
 /// What is made a bitmap of: the text, or only the outlines of its glyphs.
@@ -25,7 +26,8 @@ enum class TextImageOption : uint8_t { text = 1, outline = 2 };
 /// origin of the path bounds for text boxes.
 struct ConvertTextToImageResult {
   std::shared_ptr<NSBitmapImageRep> textImageRep;  ///< null when nothing has a place
-  NSRect textDrawRect;                             ///< where the bitmap belongs
+  NSRect textDrawRect;                             ///< where the text belongs
+  NSRect imageRect;  ///< where the bitmap belongs: all of it, or the part that was wanted
   // Of curved text only.
   double textsHeight = 0;
   double textsWidth = 0;
@@ -92,11 +94,11 @@ class DrawText : public DrawRoundRectangle {
   void setMaxTextSize(NSSize size) { _maxTextSize = size; }
 
   // ---- The text image.
-  /// Null until the text is drawn and after every change.
+  /// Null until the text is drawn and after every change that shows.
   const std::shared_ptr<NSBitmapImageRep>& textImageRep() const { return imgRepText_; }
   /// Where the text image belongs, from the origin of the path bounds; zero without one.
   NSRect textDrawRect() const { return rectText_; }
-  void invalidTextImage() const;
+  virtual void invalidTextImage() const;
   bool makeSureHasValidTextImage() const;
   /// Makes the text image; answers whether there is one.
   bool convertTextToImage() const;
@@ -151,8 +153,10 @@ class DrawText : public DrawRoundRectangle {
   /// The text image follows the box while its text stays as it is broken, else it goes.
   void respondToBoundsChangeFromOldBounds(const NSRect& oldBounds);
   /// Lays the text out again; the box takes its size if it follows the text.
-  virtual void forceUpdateString();
+  void forceUpdateString();
   void forceUpdateStringAndkeepSize() { invalidTextImage(); }
+  /// Called after every change of the text or its style.
+  virtual void textChanged();
 
   /// The text as the bitmap shows it: the outlines alone, or a mask for the gradient, or as it is.
   /// Null when the option asks for outlines and the text has none.
@@ -161,6 +165,9 @@ class DrawText : public DrawRoundRectangle {
   virtual void storeTextImage(const ConvertTextToImageResult& result) const;
   /// What of the image anyone will look at, in the space of textDrawRect; everything when not set.
   const std::optional<NSRect>& wantedPart() const { return wantedPart_; }
+  TextSmoothing smoothing() const;
+  /// Draws everything but the box.
+  void drawTextPart();
   /// The text, to be changed.
   NSTextStorage& editableText();
 
@@ -171,23 +178,24 @@ class DrawText : public DrawRoundRectangle {
     bool smooth = false;
   };
   struct TextArea;
+  struct TextTarget;
   using EditFont = std::function<std::shared_ptr<NSFont>(const std::shared_ptr<NSFont>&)>;
 
   bool hasLegacyOpacity() const { return fTextOpacity_ >= 0 && fTextOpacity_ <= 1; }
   bool imageIsCurrent() const;
+  void dropImages() const;
   bool isTooLargeToKeep() const;
   TextArea areaFor(const NSTextStorage& text, const NSSize& box) const;
   void drawText() const;
   bool hasGradient() const { return _useGradualText && _textGradient != nullptr; }
-  void drawGradientText(const NSRect& target) const;
-  void drawInnerShadow(const NSRect& target) const;
+  void drawGradientText(const TextTarget& target) const;
+  void drawInnerShadow(const TextTarget& target) const;
   NSPoint relativeGradientCenter(const NSRect& target) const;
   NSRect visiblePart() const;
   CGFloat overhang() const;
   void adoptText(const std::shared_ptr<NSAttributedString>& text);
   void decodeTextGradient(NSCoder& coder);
   void takeTextGradientFromFill();
-  void textChanged();
   void editFonts(const EditFont& edit);
   void editParagraphs(const std::function<void(NSMutableParagraphStyle&)>& edit);
   void setTextAttribute(std::string_view name, const std::shared_ptr<NSObject>& value);
@@ -196,6 +204,7 @@ class DrawText : public DrawRoundRectangle {
   std::shared_ptr<const NSParagraphStyle> firstParagraphStyle() const;
 
   mutable NSRect rectText_;
+  mutable NSRect imageRect_;
   std::shared_ptr<NSTextStorage> textStorage_;
   mutable std::shared_ptr<NSBitmapImageRep> imgRepText_;
   bool _useGradualText = false;

@@ -93,16 +93,17 @@ std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
   if (glyphs.length == 0) return {};
   ConvertTextToImageResult result;
   result.textDrawRect = {{area.left, box.height - area.size.height}, area.size};
-  std::optional<NSRect> part = wantedPart();
-  if (part) {
-    part = NSMakeRect(NSMinX(*part) - area.left, box.height - NSMaxY(*part), NSWidth(*part),
-                      NSHeight(*part));
-  }
-  const TextCanvas canvas(area.size, bSmooth_ ? TextSmoothing::on : TextSmoothing::off, part);
+  const TextCanvas canvas(result.textDrawRect, smoothing(), wantedPart());
+  canvas.context().concatenate({1, 0, 0, -1, area.left, box.height});
   layout.manager().drawBackgroundForGlyphRange(glyphs, NSZeroPoint);
   layout.manager().drawGlyphsForGlyphRange(glyphs, NSZeroPoint);
   result.textImageRep = canvas.bitmap();
+  result.imageRect = canvas.rect();
   return result;
+}
+
+TextSmoothing DrawText::smoothing() const {
+  return bSmooth_ ? TextSmoothing::on : TextSmoothing::off;
 }
 
 // ---- The image as a cache.
@@ -118,6 +119,10 @@ bool DrawText::isTooLargeToKeep() const {
 }
 
 void DrawText::invalidTextImage() const {
+  dropImages();
+}
+
+void DrawText::dropImages() const {
   imgRepText_ = nullptr;
   TextOutlineCache::shared().removeObjectForKey(hash());
 }
@@ -128,11 +133,12 @@ bool DrawText::makeSureHasValidTextImage() const {
 
 void DrawText::storeTextImage(const ConvertTextToImageResult& result) const {
   rectText_ = result.textDrawRect;
+  imageRect_ = result.imageRect;
   imgRepText_ = result.textImageRep;
 }
 
 bool DrawText::convertTextToImage() const {
-  invalidTextImage();
+  dropImages();
   storeTextImage(
       convertTextToImageWithOption(TextImageOption::text).value_or(ConvertTextToImageResult{}));
   imageKey_ = {pathBounds(), bSmooth_};
@@ -223,8 +229,11 @@ void DrawText::respondToBoundsChangeFromOldBounds(const NSRect& oldBounds) {
     return invalidTextImage();
   }
   const CGFloat wider = size.width - oldBounds.size.width;
-  rectText_.origin.y += size.height - oldBounds.size.height;
-  if (textAlignment() == NSTextAlignment::right) rectText_.origin.x += wider;
-  if (textAlignment() == NSTextAlignment::center) rectText_.origin.x += wider / 2;
+  const CGFloat dx = textAlignment() == NSTextAlignment::right    ? wider
+                     : textAlignment() == NSTextAlignment::center ? wider / 2
+                                                                  : 0;
+  const CGFloat dy = size.height - oldBounds.size.height;
+  rectText_ = NSOffsetRect(rectText_, dx, dy);
+  imageRect_ = NSOffsetRect(imageRect_, dx, dy);
   imageKey_.bounds = pathBounds();
 }

@@ -26,20 +26,30 @@ NSRect roundedRect(const NSRect& r) {
 
 }  // namespace
 
+/// Where the text and its bitmap go on the canvas, before rotation.
+struct DrawText::TextTarget {
+  NSRect text;
+  NSRect image;
+};
+
 void DrawText::_draw() {
   if (_isNewCreated) return;
   if (isAutoResize() && bEdittingText_ && textStorage_->length() == 0) return;
   DrawRoundRectangle::_draw();
+  drawTextPart();
+}
+
+void DrawText::drawTextPart() {
   if (opacity() == 0 || textStorage_->length() == 0 || bEdittingText_) return;
   const bool whole = !isTooLargeToKeep();
   if (!whole) {
-    invalidTextImage();
+    dropImages();
     wantedPart_ = visiblePart();
   }
   if (makeSureHasValidTextImage()) drawText();
   if (!whole) {
     wantedPart_.reset();
-    invalidTextImage();
+    dropImages();
   }
 }
 
@@ -71,7 +81,8 @@ void DrawText::drawText() const {
   context.setShouldAntialias(bSmooth_);
   port().concatenate(transform().transformStruct());
   const NSPoint origin = pathBounds().origin;
-  const NSRect target = NSOffsetRect(rectText_, origin.x, origin.y);
+  const TextTarget target{NSOffsetRect(rectText_, origin.x, origin.y),
+                          NSOffsetRect(imageRect_, origin.x, origin.y)};
   port().setAlpha(static_cast<CGFloat>(opacity()) / 100);
   {
     const NSGraphicsStateScope shadowed;
@@ -80,27 +91,27 @@ void DrawText::drawText() const {
       const CGTransparencyLayerScope layer(port());
       drawGradientText(target);
     } else {
-      port().draw(*imgRepText_, target);
+      port().draw(*imgRepText_, target.image);
     }
   }
   if (bEnableInnerShadow_ && shadowInner_ != nullptr) drawInnerShadow(target);
 }
 
 /// The gradient where the text image is a mask for it, and the outlines on top; into a layer.
-void DrawText::drawGradientText(const NSRect& target) const {
+void DrawText::drawGradientText(const TextTarget& target) const {
   const NSGraphicsStateScope state;
   clearShadow();
-  port().draw(*imgRepText_, target);
+  port().draw(*imgRepText_, target.image);
   port().setOperation(NSCompositingOperation::sourceIn);
   if (_isRadialTextGradient) {
-    _textGradient->drawInBezierPath(*NSBezierPath::bezierPathWithRect(target),
-                                    relativeGradientCenter(target));
+    _textGradient->drawInBezierPath(*NSBezierPath::bezierPathWithRect(target.text),
+                                    relativeGradientCenter(target.text));
   } else {
-    _textGradient->drawInRect(target, static_cast<CGFloat>(_textGradientDegree));
+    _textGradient->drawInRect(target.text, static_cast<CGFloat>(_textGradientDegree));
   }
   if (const auto outline = textOutlineImage()) {
     port().setOperation(NSCompositingOperation::sourceOver);
-    port().draw(*outline, target);
+    port().draw(*outline, target.image);
   }
 }
 
@@ -115,12 +126,12 @@ NSPoint DrawText::relativeGradientCenter(const NSRect& target) const {
           2 * (center.y - NSMidY(target)) / NSHeight(target)};
 }
 
-void DrawText::drawInnerShadow(const NSRect& target) const {
+void DrawText::drawInnerShadow(const TextTarget& target) const {
   const auto& color = shadowInner_->shadowColor();
   if (color == nullptr) return;
   const auto opaque = color->colorWithAlphaComponent(1);
   const NSGraphicsStateScope state;
-  NSRectClip(target);
+  NSRectClip(target.text);
   if (!hasLegacyOpacity()) {
     port().setAlpha(color->alphaComponent() * static_cast<CGFloat>(opacity()) / 100);
   }
@@ -130,14 +141,14 @@ void DrawText::drawInnerShadow(const NSRect& target) const {
   port().setOperation(NSCompositingOperation::sourceOut);
   const CGTransparencyLayerScope inverse(port());
   opaque->setFill();
-  port().fill(target);
+  port().fill(target.text);
   port().setOperation(NSCompositingOperation::destinationIn);
   const CGTransparencyLayerScope shape(port());
   if (hasGradient()) {
     port().setShouldAntialias(bSmooth_);
     drawGradientText(target);
   } else {
-    drawInRect(*imgRepText_, target, NSZeroRect, NSCompositingOperation::sourceOver,
+    drawInRect(*imgRepText_, target.image, NSZeroRect, NSCompositingOperation::sourceOver,
                static_cast<CGFloat>(fTextOpacity_));
   }
 }
@@ -147,7 +158,7 @@ NSRect DrawText::drawRect() const {
     wantedPart_ = NSZeroRect;
     const NSRect rect = drawRect();
     wantedPart_.reset();
-    invalidTextImage();
+    dropImages();
     return rect;
   }
   makeSureHasValidTextImage();

@@ -8,20 +8,22 @@
 
 enum class TextSmoothing : uint8_t { off, on };
 
-/// A new bitmap that is drawn on for the length of a scope, in a space with y running down from its
-/// top left corner.
+/// A new bitmap for a part of a draw's space, drawn on in that space for the length of a scope.
 class TextCanvas {
  public:
-  /// `part`, in that space, is all that has to be painted.
-  TextCanvas(const NSSize& size, TextSmoothing smoothing, const std::optional<NSRect>& part);
+  /// `area` has whole sides. Of it only what lies in `part` is made.
+  TextCanvas(const NSRect& area, TextSmoothing smoothing, const std::optional<NSRect>& part);
   TextCanvas(const TextCanvas&) = delete;
   TextCanvas& operator=(const TextCanvas&) = delete;
 
-  /// Null when the size is beyond any bitmap; drawing then goes nowhere.
+  /// Null when nothing is wanted or the size is beyond any bitmap; drawing then goes nowhere.
   const std::shared_ptr<NSBitmapImageRep>& bitmap() const { return bitmap_; }
+  /// What the bitmap shows.
+  const NSRect& rect() const { return rect_; }
   CGContext& context() const { return *NSGraphicsContext::currentContext()->graphicsPort(); }
 
  private:
+  NSRect rect_;
   std::shared_ptr<NSBitmapImageRep> bitmap_;
   std::optional<ZTFocusScope> focus_;
 };

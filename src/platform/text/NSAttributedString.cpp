@@ -29,11 +29,6 @@ bool equalAttributes(const NSDictionary* a, const NSDictionary* b) {
   return true;
 }
 
-TextLayout unlimitedLayout(const NSAttributedString& text) {
-  const NSSize unlimited = NSMakeSize(NSTextContainer::kUnlimited, NSTextContainer::kUnlimited);
-  return layoutText(makeStyledText(text), {unlimited, 0, FontLeading::ignored});
-}
-
 size_t endOf(const NSRange& range) {
   return range.location + range.length;
 }
@@ -120,14 +115,19 @@ std::shared_ptr<NSAttributedString> NSAttributedString::attributedSubstringFromR
   return part;
 }
 
+TextLayout NSAttributedString::unlimitedLayout() const {
+  const NSSize unlimited = NSMakeSize(NSTextContainer::kUnlimited, NSTextContainer::kUnlimited);
+  return layoutText(makeStyledText(*this), {unlimited, 0, FontLeading::ignored});
+}
+
 NSSize NSAttributedString::size() const {
-  return unlimitedLayout(*this).used.size;
+  return unlimitedLayout().used.size;
 }
 
 void NSAttributedString::drawAtPoint(NSPoint point) const {
   const auto& context = NSGraphicsContext::currentContext();
   if (context == nullptr) return;
-  const TextLayout layout = unlimitedLayout(*this);
+  const TextLayout layout = unlimitedLayout();
   drawTextBackground(layout, {0, length()}, point, *context->graphicsPort());
   drawTextGlyphs(layout, {0, length()}, point, *context->graphicsPort());
 }

@@ -11,6 +11,8 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSObject.h"
 
+struct TextLayout;
+
 // Names of attributes, as archives hold them.
 inline constexpr const char* NSFontAttributeName = "NSFont";
 inline constexpr const char* NSForegroundColorAttributeName = "NSColor";
@@ -59,6 +61,8 @@ class NSAttributedString : public NSObject {
                           const AttributeVisitor& visit) const;
   std::shared_ptr<NSAttributedString> attributedSubstringFromRange(const NSRange& range) const;
 
+  /// The text set without a limit to its width and without the leading of fonts.
+  TextLayout unlimitedLayout() const;
   /// Size of the text set without a limit to its width: the widest line with the blanks at its end,
   /// and the heights of all lines without the leading of fonts.
   NSSize size() const;

@@ -1,6 +1,7 @@
 #include "platform/text/TextDrawing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <span>
 
@@ -161,4 +162,22 @@ void drawTextGlyphs(const TextLayout& layout, const NSRange& units, NSPoint at,
   for (const PlacedLine& line : layout.lines) {
     if (beginsIn(line, units)) drawer.drawGlyphs(line);
   }
+}
+
+NSRect drawnBounds(const TextLayout& layout) {
+  NSRect all = layout.used;
+  for (const PlacedLine& line : layout.lines) {
+    for (const PlacedRun& run : runsOf(layout, line)) {
+      NSRect ink =
+          NSUnionRect(moved(glyphBounds(layout, run), {run.x, line.top + line.baseline - run.rise}),
+                      NSMakeRect(run.x, line.top, run.width, line.height));
+      if (const auto& shadow = run.style->shadow) {
+        const NSSize offset = shadow->shadowOffset();
+        const double reach = std::hypot(offset.width, offset.height) + shadow->shadowBlurRadius();
+        ink = NSInsetRect(ink, -reach, -reach);
+      }
+      all = NSUnionRect(all, ink);
+    }
+  }
+  return all;
 }

@@ -12,5 +12,8 @@ class CGContext;
 void drawTextBackground(const TextLayout& layout, const NSRange& units, NSPoint at,
                         CGContext& context);
 
+/// Everything that drawing may touch, from the container's corner.
+NSRect drawnBounds(const TextLayout& layout);
+
 /// Draws the glyphs with their shadows, and the lines under and through them.
 void drawTextGlyphs(const TextLayout& layout, const NSRange& units, NSPoint at, CGContext& context);

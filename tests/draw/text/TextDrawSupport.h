@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "document/DocumentClasses.h"
 #include "draw/text/DrawText.h"
 #include "platform/graphics/NSGraphicsContext.h"
 #include "platform/text/FontRegistry.h"
@@ -25,6 +26,7 @@ inline const Pixel kBlue{0, 0, 255, 255};
 class BoxTextTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
+    registerDocumentClasses();
     FontRegistry::useFontFiles({sourcePath("tests/fixtures/fonts/Box.ttf")});
   }
 };

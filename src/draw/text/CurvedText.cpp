@@ -1,0 +1,123 @@
+#include "draw/text/CurvedText.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "draw/core/ZTBezierPathExtension.h"
+#include "platform/graphics/CGContext.h"
+#include "platform/text/NSAttributedString.h"
+#include "platform/text/TextCharacters.h"
+#include "platform/text/TextDrawing.h"
+#include "platform/text/TextRanges.h"
+
+namespace {
+
+/// Text is set closer down to this part of its width.
+constexpr double kClosest = 0.9;
+/// Lengths of paths are single precision.
+constexpr double kLengthTolerance = 1e-3;
+
+/// Direction of travel as an angle in radians, counter-clockwise from the right.
+double angleOf(NSPoint direction) {
+  constexpr double kPi = std::numbers::pi;
+  if (direction.x == 0) return direction.y < 0 ? -kPi / 2 : direction.y > 0 ? kPi / 2 : 0;
+  const double angle = std::atan(direction.y / direction.x);
+  return direction.x < 0 ? angle + kPi : angle;
+}
+
+}  // namespace
+
+struct CurvedText::Character {
+  TextLayout layout;
+  NSSize size;
+  double middle = 0;  ///< on the path
+  /// The character's space (y down from its top left corner) to that of the path.
+  CGAffineTransform toPath;
+};
+
+CurvedText::~CurvedText() = default;
+
+CurvedText::CurvedText(const NSAttributedString& text, const NSBezierPath& path,
+                       NSTextAlignment alignment) {
+  PathMeasure line(path);
+  const double length = static_cast<double>(line.length());
+  if (!(length > 0) || !std::isfinite(length)) return;
+  measure(text);
+  fit(length, alignment);
+  place(line);
+}
+
+void CurvedText::measure(const NSAttributedString& text) {
+  const std::u16string_view units(text.units());
+  // A character may have many units, so that this only bounds the search for them.
+  const auto head = units.substr(0, 16 * kMaxCharacters);
+  for (const NSRange& range : composedCharacterRanges(head)) {
+    if (characters_.size() == kMaxCharacters) break;
+    if (endsParagraph(units[range.location])) continue;
+    Character c{text.attributedSubstringFromRange(range)->unlimitedLayout(), {}, 0, {}};
+    c.size = c.layout.used.size;
+    characters_.push_back(std::move(c));
+  }
+}
+
+void CurvedText::fit(double length, NSTextAlignment alignment) {
+  double width = 0;
+  for (const Character& c : characters_) width += c.size.width;
+  double spacing = 1;
+  if (width > length && width * kClosest <= length) spacing = length / width;
+  if (alignment == NSTextAlignment::center && width * spacing > length + kLengthTolerance) {
+    // What goes on either side is as wide as what has gone on the other.
+    auto first = characters_.begin(), last = characters_.end();
+    double left = 0, right = 0;
+    while (first != last && width > length) {
+      const double gone = left <= right ? (first++)->size.width : (--last)->size.width;
+      (left <= right ? left : right) += gone;
+      width -= gone;
+    }
+    characters_.erase(last, characters_.end());
+    characters_.erase(characters_.begin(), first);
+  }
+  start_ = 0;
+  if (alignment == NSTextAlignment::right) start_ = length - width * spacing;
+  if (alignment == NSTextAlignment::center) start_ = (length - width * spacing) / 2;
+  double offset = start_;
+  for (Character& c : characters_) {
+    offset += c.size.width * spacing;
+    c.middle = offset - c.size.width * spacing / 2;
+  }
+  std::erase_if(characters_, [&](const Character& c) {
+    return c.middle < -kLengthTolerance || c.middle > length + kLengthTolerance;
+  });
+  if (characters_.empty()) return;
+  start_ = std::max(0.0, start_);
+  end_ = std::min(length, offset);
+}
+
+void CurvedText::place(PathMeasure& path) {
+  for (Character& c : characters_) {
+    const PathPosition at = path.positionAt(c.middle);
+    CGAffineTransform t = CGAffineTransformMakeTranslation(-c.size.width / 2, -c.size.height / 2);
+    t = CGAffineTransformConcat(t, {1, 0, 0, -1, 0, 0});
+    t = CGAffineTransformConcat(t, CGAffineTransformMakeRotation(angleOf(at.direction)));
+    c.toPath = CGAffineTransformConcat(t, CGAffineTransformMakeTranslation(at.point.x, at.point.y));
+    height_ = std::max(height_, c.size.height);
+  }
+}
+
+NSRect CurvedText::drawnRect() const {
+  NSRect all = NSZeroRect;
+  for (const Character& c : characters_) {
+    all = NSUnionRect(all, CGRectApplyAffineTransform(drawnBounds(c.layout), c.toPath));
+  }
+  return all;
+}
+
+void CurvedText::draw(CGContext& context) const {
+  for (const Character& c : characters_) {
+    const CGContextStateScope state(context);
+    context.concatenate(c.toPath);
+    drawTextBackground(c.layout, {0, c.layout.end}, NSZeroPoint, context);
+    drawTextGlyphs(c.layout, {0, c.layout.end}, NSZeroPoint, context);
+  }
+}
