@@ -21,7 +21,9 @@ std::optional<NSRect> CGSVGPath::asRect() const {
 }
 
 void CGSVGPath::Reserve(size_t points) {
-  path_.reserve(points / 2, points);
+  // Elements take a byte each: room for as many as there can be spares growing later.
+  constexpr size_t kEnds = 2;
+  path_.reserve(points + kEnds, points);
 }
 
 void CGSVGPath::Rect(float x, float y, float width, float height) {

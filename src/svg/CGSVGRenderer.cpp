@@ -80,7 +80,12 @@ std::shared_ptr<ImageData> CGSVGRenderer::CreateImageData(std::string_view base6
 }
 
 std::shared_ptr<Path> CGSVGRenderer::CreatePath() {
-  return std::make_shared<CGSVGPath>();
+  constexpr size_t kPathsInBlock = 64;
+  if (paths_ == nullptr || paths_->size() == kPathsInBlock) {
+    paths_ = std::make_shared<std::vector<CGSVGPath>>();
+    paths_->reserve(kPathsInBlock);
+  }
+  return {paths_, &paths_->emplace_back()};
 }
 
 std::shared_ptr<Transform> CGSVGRenderer::CreateTransform() {

@@ -86,9 +86,9 @@ std::optional<Attribute> attributeNamed(std::string_view name) {
 }
 
 // A prefix that the document never declared stays a part of the name.
-bool isXLinkReference(const xml::XMLAttribute& attribute) {
-  return (attribute.Namespace() == xml::kXLinkNamespace && attribute.Name() == "href") ||
-         attribute.Name() == "xlink:href";
+bool isXLinkReference(std::string_view nameSpace, std::string_view name) {
+  return nameSpace.empty() ? name == "xlink:href"
+                           : nameSpace == xml::kXLinkNamespace && name == "href";
 }
 
 }  // namespace
@@ -96,13 +96,15 @@ bool isXLinkReference(const xml::XMLAttribute& attribute) {
 AttributeSet::AttributeSet(xml::XMLNode node) {
   for (xml::XMLAttribute attribute = node.FirstAttribute(); attribute;
        attribute = attribute.Next()) {
-    const std::optional<std::string_view> value = attribute.Value();
+    const auto [name, nameSpace, value] = attribute.Text();
     if (!value) continue;
-    if (isXLinkReference(attribute)) {
-      if (!has(Attribute::href)) set(Attribute::href, *value);
-    } else if (attribute.Namespace().empty()) {
-      if (const auto known = attributeNamed(attribute.Name())) set(*known, *value);
+    std::optional<Attribute> known;
+    if (isXLinkReference(nameSpace, name)) {
+      if (!has(Attribute::href)) known = Attribute::href;
+    } else if (nameSpace.empty()) {
+      known = attributeNamed(name);
     }
+    if (known) set(*known, *value);
   }
 }
 

@@ -78,23 +78,31 @@ class AttributeSet {
   /// Nothing when the attribute is missing.
   std::optional<std::string_view> get(Attribute attribute) const {
     if (!has(attribute)) return std::nullopt;
-    return values_[static_cast<size_t>(attribute)];
+    return text(attribute);
   }
   /// Without data when the attribute is missing.
   std::string_view text(Attribute attribute) const {
-    return has(attribute) ? values_[static_cast<size_t>(attribute)] : std::string_view{};
+    if (!has(attribute)) return {};
+    const Value& value = values_[static_cast<size_t>(attribute)];
+    return {value.data, value.size};
   }
 
   void set(Attribute attribute, std::string_view value) {
     present_ |= bit(attribute);
-    values_[static_cast<size_t>(attribute)] = value;
+    values_[static_cast<size_t>(attribute)] = {value.data(), value.size()};
   }
 
  private:
   static_assert(kAttributeCount <= 64);
 
+  struct Value {
+    const char* data;
+    size_t size;
+  };
+
   uint64_t present_ = 0;
-  std::array<std::string_view, kAttributeCount> values_;  // meaningful where present_ says so
+  // Meaningful where present_ says so. Not initialised: most attributes are missing.
+  std::array<Value, kAttributeCount> values_;
 };
 
 /// The id that a reference within the document names: what follows the "#", empty for any other

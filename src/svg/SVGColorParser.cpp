@@ -104,20 +104,20 @@ bool isNameByte(char c) {
 
 // What follows the "var(". The closing parenthesis is the last byte that is not whitespace, so
 // that a fallback may hold parentheses of its own.
-bool parseVariable(Cursor cursor, ColorVariable& variable) {
+bool parseVariable(Cursor cursor, Color& color) {
   skipSpace(cursor);
-  const char* name = cursor.pos;
+  const char* start = cursor.pos;
   if (!skipWord(cursor, "--")) return false;
   while (!cursor.atEnd() && isNameByte(*cursor.pos)) ++cursor.pos;
-  variable.first.assign(name, cursor.pos);
-  variable.second.clear();
+  const std::string_view name(start, static_cast<size_t>(cursor.pos - start));
   skipSpace(cursor);
   const bool hasFallback = skipChar(cursor, ',');
   std::string_view rest = trimmed(cursor.rest());
   if (!rest.ends_with(')')) return false;
   rest = trimmed(rest.substr(0, rest.size() - 1));
-  if (hasFallback) variable.second = rest;
-  return hasFallback || rest.empty();
+  if (!hasFallback && !rest.empty()) return false;
+  color = ColorVariable(name, rest);
+  return true;
 }
 
 bool parseNamedColor(std::string_view name, ColorArray& color) {
@@ -169,7 +169,7 @@ bool ParseColor(std::string_view text, Color& color, Variables variables) {
   } else if (skipWord(cursor, "rgb(")) {
     valid = parseRgbColor(cursor, value);
   } else if (skipWord(cursor, "var(")) {
-    return variables == Variables::allowed && parseVariable(cursor, color.emplace<ColorVariable>());
+    return variables == Variables::allowed && parseVariable(cursor, color);
   } else if (equalsIgnoringCase(trimmed(cursor.rest()), "currentcolor")) {
     color = ColorKeys::currentcolor;
     return true;

@@ -21,7 +21,7 @@ int wholeUnits(float size) {
 }  // namespace
 
 SVGDocumentImpl::SVGDocumentImpl(std::shared_ptr<SVGRenderer> renderer)
-    : renderer_(std::move(renderer)), root_(std::make_shared<Group>()) {}
+    : renderer_(std::move(renderer)), root_(memory_.makeShared<Group>()) {}
 
 int SVGDocumentImpl::Width() const {
   return wholeUnits(frame_.width);
@@ -43,7 +43,7 @@ void SVGDocumentImpl::TraverseSVGTree(xml::XMLNode root) {
   frame_ = parseFrame(attributes, LengthContext(viewBox_), frame_);
   if (!box) UpdateViewBox({0.0f, 0.0f, frame_.width, frame_.height});
   ratio_ = parseAspectRatio(attributes.text(Attribute::preserveAspectRatio));
-  SVGDocumentParser parser(*renderer_, elements_, LengthContext(viewBox_));
+  SVGDocumentParser parser(*renderer_, memory_, elements_, LengthContext(viewBox_));
   root_ = parser.ParseRoot(root, attributes);
 }
 

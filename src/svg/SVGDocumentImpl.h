@@ -42,6 +42,7 @@ class SVGDocumentImpl {
   ViewBox viewBox_;
   ViewBox frame_;  ///< x, y, width and height of the root
   AspectRatio ratio_;
+  ElementMemory memory_;
   std::shared_ptr<const Group> root_;
   ElementMap elements_;
 };

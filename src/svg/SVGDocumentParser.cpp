@@ -69,9 +69,10 @@ ViewBox parseFrame(const AttributeSet& attributes, const LengthContext& lengths,
           length(Attribute::height, LengthType::vertical, defaults.height)};
 }
 
-SVGDocumentParser::SVGDocumentParser(SVGRenderer& renderer, ElementMap& elements,
-                                     const LengthContext& lengths)
+SVGDocumentParser::SVGDocumentParser(SVGRenderer& renderer, ElementMemory& memory,
+                                     ElementMap& elements, const LengthContext& lengths)
     : renderer_(renderer),
+      memory_(memory),
       elements_(elements),
       lengths_(lengths),
       gradients_(renderer),
@@ -100,7 +101,7 @@ SVGDocumentParser::Handler SVGDocumentParser::handlerFor(std::string_view name) 
 std::shared_ptr<const Group> SVGDocumentParser::ParseRoot(xml::XMLNode root,
                                                           const AttributeSet& attributes) {
   declareReferences(root, 0);
-  auto group = std::make_shared<Group>();
+  auto group = memory_.makeShared<Group>();
   ParseGraphic(*group, attributes);
   enterId(group, attributes);
   clipRule_ = parseWindingRule(attributes, Attribute::clipRule).value_or(clipRule_);
@@ -145,7 +146,8 @@ void SVGDocumentParser::ParseChild(xml::XMLNode node) {
 
 void SVGDocumentParser::ParseGraphic(Element& element, const AttributeSet& attributes) {
   ParsePresentationAttributes(
-      attributes, {lengths_, gradients_.Gradients(), clips_.ClippingPaths(), renderer_}, element);
+      attributes, {lengths_, gradients_.Gradients(), clips_.ClippingPaths(), renderer_, memory_},
+      element);
 }
 
 void SVGDocumentParser::enterId(const std::shared_ptr<Element>& element,
@@ -160,7 +162,7 @@ void SVGDocumentParser::AddChildToCurrentGroup(std::shared_ptr<const Element> el
 }
 
 void SVGDocumentParser::parseGroup(xml::XMLNode node, const AttributeSet& attributes) {
-  auto group = std::make_shared<Group>();
+  auto group = memory_.makeShared<Group>();
   ParseGraphic(*group, attributes);
   enterId(group, attributes);
   AddChildToCurrentGroup(group);
@@ -168,7 +170,7 @@ void SVGDocumentParser::parseGroup(xml::XMLNode node, const AttributeSet& attrib
 }
 
 void SVGDocumentParser::parseViewportGroup(xml::XMLNode node, const AttributeSet& attributes) {
-  auto group = std::make_shared<Group>();
+  auto group = memory_.makeShared<Group>();
   ParseGraphic(*group, attributes);
   enterId(group, attributes);
   const ViewBox& outer = lengths_.Box();
@@ -185,13 +187,13 @@ void SVGDocumentParser::parseViewportGroup(xml::XMLNode node, const AttributeSet
 
 // The group that collects the children is dropped: what has no id can never be drawn.
 void SVGDocumentParser::parseDefs(xml::XMLNode node, const AttributeSet& attributes) {
-  auto group = std::make_shared<Group>();
+  auto group = memory_.makeShared<Group>();
   ParseGraphic(*group, attributes);
   ParseChildren(node, group);
 }
 
 void SVGDocumentParser::parseUse(xml::XMLNode /*node*/, const AttributeSet& attributes) {
-  auto reference = std::make_shared<Reference>();
+  auto reference = memory_.makeShared<Reference>();
   ParseGraphic(*reference, attributes);
   reference->style.transform = parsePlacement(attributes, lengths_, renderer_);
   reference->target = referencedId(attributes.text(Attribute::href));
@@ -202,7 +204,7 @@ void SVGDocumentParser::parseUse(xml::XMLNode /*node*/, const AttributeSet& attr
 }
 
 void SVGDocumentParser::parseImage(xml::XMLNode /*node*/, const AttributeSet& attributes) {
-  auto image = std::make_shared<Image>();
+  auto image = memory_.makeShared<Image>();
   image->image = createImage(attributes.text(Attribute::href), renderer_);
   if (image->image == nullptr) return;
   ParseGraphic(*image, attributes);
@@ -227,7 +229,7 @@ void SVGDocumentParser::parseClipPath(xml::XMLNode node, const AttributeSet& att
 }
 
 void SVGDocumentParser::ParseShape(xml::XMLNode node, const AttributeSet& attributes) {
-  auto graphic = std::make_shared<Graphic>();
+  auto graphic = memory_.makeShared<Graphic>();
   ParseGraphic(*graphic, attributes);
   std::shared_ptr<Path> path = renderer_.CreatePath();
   ParseGeometry(node.Name(), attributes, lengths_, *path);

@@ -29,8 +29,10 @@ ViewBox parseFrame(const AttributeSet& attributes, const LengthContext& lengths,
 /// refers to them (inside "defs", and symbols) are reachable through the map of ids alone.
 class SVGDocumentParser {
  public:
-  /// Every element with an id enters `elements`; the first of an id counts.
-  SVGDocumentParser(SVGRenderer& renderer, ElementMap& elements, const LengthContext& lengths);
+  /// Elements are made in `memory`, which must outlive them. Every one with an id enters
+  /// `elements`; the first of an id counts.
+  SVGDocumentParser(SVGRenderer& renderer, ElementMemory& memory, ElementMap& elements,
+                    const LengthContext& lengths);
 
   std::shared_ptr<const Group> ParseRoot(xml::XMLNode root, const AttributeSet& attributes);
 
@@ -55,6 +57,7 @@ class SVGDocumentParser {
   void AddChildToCurrentGroup(std::shared_ptr<const Element> element);
 
   SVGRenderer& renderer_;
+  ElementMemory& memory_;
   ElementMap& elements_;
   LengthContext lengths_;
   SVGGradientParser gradients_;

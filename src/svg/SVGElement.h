@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "svg/SVGElementMemory.h"
 #include "svg/SVGNameMap.h"
 #include "svg/SVGRenderer.h"
 #include "svg/SVGViewport.h"
@@ -23,18 +24,18 @@ using OptionalPaint = std::optional<Paint>;
 /// What an element says of the properties that its content inherits.
 struct InheritedProperties {
   std::optional<Color> color;
-  std::optional<Visibility> visibility;
   std::optional<OptionalPaint> fill;
-  std::optional<float> fillOpacity;
-  std::optional<WindingRule> fillRule;
   std::optional<OptionalPaint> stroke;
-  std::optional<float> strokeOpacity;
-  std::optional<float> lineWidth;
-  std::optional<LineCap> lineCap;
-  std::optional<LineJoin> lineJoin;
-  std::optional<float> miterLimit;
   std::optional<std::shared_ptr<const std::vector<float>>> dashArray;
   std::optional<float> dashOffset;
+  std::optional<float> fillOpacity;
+  std::optional<float> strokeOpacity;
+  std::optional<float> lineWidth;
+  std::optional<float> miterLimit;
+  std::optional<LineCap> lineCap;
+  std::optional<LineJoin> lineJoin;
+  std::optional<WindingRule> fillRule;
+  std::optional<Visibility> visibility;
 };
 
 /// The value of every inherited property at an element; SVG's initial values as constructed.
@@ -65,8 +66,8 @@ struct Element {
   virtual void Accept(ElementVisitor& visitor) const = 0;
 
   GraphicStyleImpl style;
-  std::unique_ptr<const InheritedProperties> properties;  ///< null when it says nothing
-  bool displayed = true;                                  ///< false hides the content too
+  ElementMemory::Pointer<InheritedProperties> properties;  ///< null when it says nothing
+  bool displayed = true;                                   ///< false hides the content too
 };
 
 struct Group : Element {

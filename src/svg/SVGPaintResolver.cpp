@@ -41,8 +41,8 @@ ColorArray PaintResolver::resolveColor(const Color& color, const ColorArray& cur
   if (const auto* plain = std::get_if<ColorArray>(&color)) return *plain;
   const auto* variable = std::get_if<ColorVariable>(&color);
   if (variable == nullptr) return currentColor;
-  const auto found = colors_.find(variable->first);
-  return found != colors_.end() ? found->second : fallbackColor(variable->second, currentColor);
+  const auto found = colors_.find(variable->name());
+  return found != colors_.end() ? found->second : fallbackColor(variable->fallback(), currentColor);
 }
 
 bool PaintResolver::resolvePaint(Paint& paint, const ColorArray& currentColor,

@@ -19,49 +19,55 @@ bool isFinite(Point p) {
   return std::isfinite(p.x) && std::isfinite(p.y);
 }
 
+bool startsNumber(const Cursor& cursor) {
+  return !cursor.atEnd() &&
+         (isDigit(*cursor.pos) || *cursor.pos == '.' || *cursor.pos == '-' || *cursor.pos == '+');
+}
+
+// The end of what a function has scanned; null when that is not valid. Cursors go in and positions
+// come out by value, in registers: how fast a number is read is how soon its position is known.
+using Position = const char*;
+
 class PathParser {
  public:
-  PathParser(std::string_view text, Path& path) : cursor_(text), path_(path) {}
-  bool parse();
+  explicit PathParser(Path& path) : path_(path) {}
+  bool parse(Cursor cursor);
 
  private:
-  using Segment = bool (PathParser::*)();
+  using Segment = Position (PathParser::*)(Cursor);
   static const std::array<Segment, 'z' - 'A' + 1> kSegments;
   static constexpr std::array<Segment, 'z' - 'A' + 1> makeSegments();
   static Segment segmentFor(char command);
 
-  bool parseRepetitions(Segment segment);
+  Position parseRepetitions(Segment segment, Cursor cursor);
 
   // Each parses one set of arguments of its command and adds what it says. Nothing is added when an
   // argument is missing or leaves the range of single precision.
-  bool moveTo();
-  bool lineTo();
-  bool horizontalTo();
-  bool verticalTo();
-  bool cubicTo();
-  bool smoothCubicTo();
-  bool quadTo();
-  bool smoothQuadTo();
-  bool arcTo();
-  bool closePath();
+  Position moveTo(Cursor cursor);
+  Position lineTo(Cursor cursor);
+  Position horizontalTo(Cursor cursor);
+  Position verticalTo(Cursor cursor);
+  Position cubicTo(Cursor cursor);
+  Position smoothCubicTo(Cursor cursor);
+  Position quadTo(Cursor cursor);
+  Position smoothQuadTo(Cursor cursor);
+  Position arcTo(Cursor cursor);
+  Position closePath(Cursor cursor);
 
-  bool scanArgument(float& number);
-  bool scanFlag(bool& flag);
-  bool scanPoint(Point& point);
+  template <size_t N>
+  Position scanPoints(Cursor cursor, std::array<Point, N>& points) const;
   // The first coordinate that a subpath gives to the path after a close command is its own start.
   void beginDrawing();
-  bool addLine(Point to);
-  bool addCubic(Point c1, Point c2, Point to);
-  bool addQuad(Point c, Point to);
+  void addLine(Point to);
+  void addCubic(Point c1, Point c2, Point to);
+  void addQuad(Point c, Point to);
   Point reflected() const;
 
   // What the control point before the current point belongs to.
   enum class Control { none, cubic, quad };
 
-  Cursor cursor_;
   Path& path_;
   bool relative_ = false;
-  bool firstArgument_ = true;
   bool closed_ = false;
   Point current_;
   Point start_;
@@ -94,61 +100,64 @@ PathParser::Segment PathParser::segmentFor(char command) {
   return command >= 'A' && command <= 'z' ? kSegments[static_cast<size_t>(command - 'A')] : nullptr;
 }
 
-bool PathParser::parse() {
-  skipSpace(cursor_);
-  if (cursor_.atEnd()) return true;
-  if (!IsMoveCmd(*cursor_.pos)) return false;
-  while (!cursor_.atEnd()) {
-    const char command = *cursor_.pos++;
+bool PathParser::parse(Cursor cursor) {
+  skipSpace(cursor);
+  if (cursor.atEnd()) return true;
+  if (!IsMoveCmd(*cursor.pos)) return false;
+  while (!cursor.atEnd()) {
+    const char command = *cursor.pos++;
     const Segment segment = segmentFor(command);
     if (segment == nullptr) return false;
     relative_ = command >= 'a';
-    firstArgument_ = true;
-    skipSpace(cursor_);
-    if (IsCloseCmd(command)) {
-      closePath();
-    } else if (!parseRepetitions(segment)) {
-      return false;
-    }
-    skipSpace(cursor_);
+    skipSpace(cursor);
+    cursor.pos = IsCloseCmd(command) ? closePath(cursor) : parseRepetitions(segment, cursor);
+    if (cursor.pos == nullptr) return false;
   }
   return true;
 }
 
 // A command's letter may be left out when it is that of the command before; after a move the
 // further points are lines.
-bool PathParser::parseRepetitions(Segment segment) {
-  const auto startsNumber = [this] {
-    return !cursor_.atEnd() &&
-           (isDigit(*cursor_.pos) || cursor_.at('.') || cursor_.at('-') || cursor_.at('+'));
-  };
-  do {
-    if (!(this->*segment)()) return false;
+Position PathParser::parseRepetitions(Segment segment, Cursor cursor) {
+  bool more = true;
+  while (more) {
+    cursor.pos = (this->*segment)(cursor);
+    if (cursor.pos == nullptr) return nullptr;
     if (segment == &PathParser::moveTo) segment = &PathParser::lineTo;
-    skipSpace(cursor_);
-  } while (cursor_.at(',') || startsNumber());
-  return true;
+    more = skipSeparator(cursor) == Separator::comma || startsNumber(cursor);
+  }
+  return cursor.pos;
 }
 
-// Before every argument but a command's first there may be whitespace and one comma.
-bool PathParser::scanArgument(float& number) {
-  if (!firstArgument_) skipSeparator(cursor_);
-  firstArgument_ = false;
-  return scanNumber(cursor_, number);
+// Between arguments there may be whitespace and one comma.
+template <size_t N>
+Position scanNumbers(Cursor cursor, std::array<float, N>& numbers) {
+  for (size_t i = 0; i < N; ++i) {
+    if (i > 0) skipSeparator(cursor);
+    if (!scanNumber(cursor, numbers[i])) return nullptr;
+  }
+  return cursor.pos;
 }
 
-bool PathParser::scanFlag(bool& flag) {
-  skipSeparator(cursor_);
-  flag = cursor_.at('1');
-  if (!flag && !cursor_.at('0')) return false;
-  ++cursor_.pos;
-  return true;
+Position scanFlag(Cursor cursor, bool& flag) {
+  skipSeparator(cursor);
+  flag = cursor.at('1');
+  return flag || cursor.at('0') ? cursor.pos + 1 : nullptr;
 }
 
-bool PathParser::scanPoint(Point& point) {
-  if (!scanArgument(point.x) || !scanArgument(point.y)) return false;
-  if (relative_) point = {current_.x + point.x, current_.y + point.y};
-  return isFinite(point);
+template <size_t N>
+Position PathParser::scanPoints(Cursor cursor, std::array<Point, N>& points) const {
+  for (size_t i = 0; i < N; ++i) {
+    float x = 0.0f;
+    float y = 0.0f;
+    if (i > 0) skipSeparator(cursor);
+    if (!scanNumber(cursor, x)) return nullptr;
+    skipSeparator(cursor);
+    if (!scanNumber(cursor, y)) return nullptr;
+    points[i] = relative_ ? Point{current_.x + x, current_.y + y} : Point{x, y};
+    if (!isFinite(points[i])) return nullptr;
+  }
+  return cursor.pos;
 }
 
 void PathParser::beginDrawing() {
@@ -156,118 +165,131 @@ void PathParser::beginDrawing() {
   closed_ = false;
 }
 
-bool PathParser::addLine(Point to) {
-  if (!isFinite(to)) return false;
+void PathParser::addLine(Point to) {
   beginDrawing();
   path_.LineTo(to.x, to.y);
   current_ = to;
   controlOf_ = Control::none;
-  return true;
 }
 
-bool PathParser::addCubic(Point c1, Point c2, Point to) {
+void PathParser::addCubic(Point c1, Point c2, Point to) {
   beginDrawing();
   path_.CurveTo(c1.x, c1.y, c2.x, c2.y, to.x, to.y);
   current_ = to;
   control_ = c2;
   controlOf_ = Control::cubic;
-  return true;
 }
 
-bool PathParser::addQuad(Point c, Point to) {
+void PathParser::addQuad(Point c, Point to) {
   beginDrawing();
   path_.CurveToV(c.x, c.y, to.x, to.y);
   current_ = to;
   control_ = c;
   controlOf_ = Control::quad;
-  return true;
 }
 
 Point PathParser::reflected() const {
   return {2.0f * current_.x - control_.x, 2.0f * current_.y - control_.y};
 }
 
-bool PathParser::moveTo() {
-  Point to;
-  if (!scanPoint(to)) return false;
-  path_.MoveTo(to.x, to.y);
-  current_ = start_ = to;
+Position PathParser::moveTo(Cursor cursor) {
+  std::array<Point, 1> to;
+  const Position end = scanPoints(cursor, to);
+  if (end == nullptr) return nullptr;
+  path_.MoveTo(to[0].x, to[0].y);
+  current_ = start_ = to[0];
   closed_ = false;
   controlOf_ = Control::none;
-  return true;
+  return end;
 }
 
-bool PathParser::lineTo() {
-  Point to;
-  return scanPoint(to) && addLine(to);
+Position PathParser::lineTo(Cursor cursor) {
+  std::array<Point, 1> to;
+  const Position end = scanPoints(cursor, to);
+  if (end != nullptr) addLine(to[0]);
+  return end;
 }
 
-bool PathParser::horizontalTo() {
+Position PathParser::horizontalTo(Cursor cursor) {
   float x = 0.0f;
-  return scanArgument(x) && addLine({relative_ ? current_.x + x : x, current_.y});
+  if (!scanNumber(cursor, x)) return nullptr;
+  if (relative_) x = current_.x + x;
+  if (!std::isfinite(x)) return nullptr;
+  addLine({x, current_.y});
+  return cursor.pos;
 }
 
-bool PathParser::verticalTo() {
+Position PathParser::verticalTo(Cursor cursor) {
   float y = 0.0f;
-  return scanArgument(y) && addLine({current_.x, relative_ ? current_.y + y : y});
+  if (!scanNumber(cursor, y)) return nullptr;
+  if (relative_) y = current_.y + y;
+  if (!std::isfinite(y)) return nullptr;
+  addLine({current_.x, y});
+  return cursor.pos;
 }
 
-bool PathParser::cubicTo() {
-  Point c1;
-  Point c2;
-  Point to;
-  return scanPoint(c1) && scanPoint(c2) && scanPoint(to) && addCubic(c1, c2, to);
+Position PathParser::cubicTo(Cursor cursor) {
+  std::array<Point, 3> p;
+  const Position end = scanPoints(cursor, p);
+  if (end != nullptr) addCubic(p[0], p[1], p[2]);
+  return end;
 }
 
-bool PathParser::smoothCubicTo() {
+Position PathParser::smoothCubicTo(Cursor cursor) {
   const Point c1 = controlOf_ == Control::cubic ? reflected() : current_;
-  Point c2;
-  Point to;
-  return scanPoint(c2) && scanPoint(to) && isFinite(c1) && addCubic(c1, c2, to);
+  std::array<Point, 2> p;
+  const Position end = isFinite(c1) ? scanPoints(cursor, p) : nullptr;
+  if (end != nullptr) addCubic(c1, p[0], p[1]);
+  return end;
 }
 
-bool PathParser::quadTo() {
-  Point c;
-  Point to;
-  return scanPoint(c) && scanPoint(to) && addQuad(c, to);
+Position PathParser::quadTo(Cursor cursor) {
+  std::array<Point, 2> p;
+  const Position end = scanPoints(cursor, p);
+  if (end != nullptr) addQuad(p[0], p[1]);
+  return end;
 }
 
-bool PathParser::smoothQuadTo() {
+Position PathParser::smoothQuadTo(Cursor cursor) {
   const Point c = controlOf_ == Control::quad ? reflected() : current_;
-  Point to;
-  return scanPoint(to) && isFinite(c) && addQuad(c, to);
+  std::array<Point, 1> to;
+  const Position end = isFinite(c) ? scanPoints(cursor, to) : nullptr;
+  if (end != nullptr) addQuad(c, to[0]);
+  return end;
 }
 
-bool PathParser::arcTo() {
-  Point radii;
-  float angle = 0.0f;
-  bool large = false;
-  bool sweep = false;
-  Point to;
-  if (!scanArgument(radii.x) || !scanArgument(radii.y) || !scanArgument(angle) ||
-      !scanFlag(large) || !scanFlag(sweep) || !scanPoint(to)) {
-    return false;
+Position PathParser::arcTo(Cursor cursor) {
+  std::array<float, 3> shape;  // the radii and the angle
+  std::array<bool, 2> flags;   // large arc, sweep
+  std::array<Point, 1> to;
+  cursor.pos = scanNumbers(cursor, shape);
+  for (bool& flag : flags) {
+    if (cursor.pos != nullptr) cursor.pos = scanFlag(cursor, flag);
   }
+  if (cursor.pos == nullptr) return nullptr;
+  skipSeparator(cursor);
+  const Position end = scanPoints(cursor, to);
+  if (end == nullptr) return nullptr;
   beginDrawing();
-  ArcToCurve(path_, current_.x, current_.y, radii.x, radii.y, angle,
-             large ? LargeArc::yes : LargeArc::no, sweep ? Sweep::yes : Sweep::no, to.x, to.y,
-             current_.x, current_.y);
+  ArcToCurve(path_, current_.x, current_.y, shape[0], shape[1], shape[2],
+             flags[0] ? LargeArc::yes : LargeArc::no, flags[1] ? Sweep::yes : Sweep::no, to[0].x,
+             to[0].y, current_.x, current_.y);
   controlOf_ = Control::none;
-  return true;
+  return end;
 }
 
-bool PathParser::closePath() {
+Position PathParser::closePath(Cursor cursor) {
   if (!closed_) path_.ClosePath();
   closed_ = true;
   current_ = start_;
   controlOf_ = Control::none;
-  return true;
+  return cursor.pos;
 }
 
 }  // namespace
 
 bool ParsePathString(std::string_view text, Path& path) {
-  return PathParser(text, path).parse();
+  return PathParser(path).parse(Cursor(text));
 }
 
 }  // namespace SVGNative::SVGStringParser

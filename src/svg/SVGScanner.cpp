@@ -59,27 +59,26 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
                                                    [](char a, char b) { return toLower(a) == b; });
 }
 
-bool scanAnyNumber(Cursor& cursor, float& number) {
-  Cursor scan = cursor;
+size_t scanAnyNumber(std::string_view text, float& number) {
+  Cursor scan(text);
   const bool negative = scan.at('-');
   if (negative || scan.at('+')) ++scan.pos;
   const bool hasInteger = digitAt(scan);
   float value = scanInteger(scan);
   if (skipChar(scan, '.')) {
-    if (!digitAt(scan)) return false;
+    if (!digitAt(scan)) return 0;
     addFraction(scan, value);
   } else if (!hasInteger) {
-    return false;
+    return 0;
   }
   if (skipChar(scan, 'e') || skipChar(scan, 'E')) {
     int exponent = 0;
-    if (!scanExponent(scan, exponent)) return false;
+    if (!scanExponent(scan, exponent)) return 0;
     if (exponent != 0) value *= std::pow(10.0f, static_cast<float>(exponent));
   }
-  if (!std::isfinite(value)) return false;
+  if (!std::isfinite(value)) return 0;
   number = negative ? -value : value;
-  cursor = scan;
-  return true;
+  return static_cast<size_t>(scan.pos - text.data());
 }
 
 }  // namespace SVGNative

@@ -78,17 +78,17 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower);
 /// byte that does not belong to the number; on failure it does not move.
 inline bool scanNumber(Cursor& cursor, float& number);
 
-/// The same for numbers of every kind, byte by byte.
-bool scanAnyNumber(Cursor& cursor, float& number);
+/// The same byte by byte, for numbers of every kind: the length of the number that `text` begins
+/// with, 0 for none.
+size_t scanAnyNumber(std::string_view text, float& number);
 
 inline bool scanNumber(Cursor& cursor, float& number) {
   constexpr ptrdiff_t kReadable = 9;
-  if (cursor.end - cursor.pos >= kReadable) {
-    const int length = scanShortNumber(cursor.pos, number);
-    cursor.pos += length;
-    if (length != 0) return true;
-  }
-  return scanAnyNumber(cursor, number);
+  size_t length = 0;
+  if (cursor.end - cursor.pos >= kReadable) length = scanShortNumber(cursor.pos, number);
+  if (length == 0) length = scanAnyNumber(cursor.rest(), number);
+  cursor.pos += length;
+  return length != 0;
 }
 
 }  // namespace SVGNative

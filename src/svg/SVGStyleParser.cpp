@@ -19,11 +19,17 @@ constexpr uint64_t maskOf(std::initializer_list<Attribute> attributes) {
   return mask;
 }
 
-constexpr uint64_t kInherited =
-    maskOf({Attribute::color, Attribute::visibility, Attribute::fill, Attribute::fillOpacity,
-            Attribute::fillRule, Attribute::stroke, Attribute::strokeOpacity,
-            Attribute::strokeWidth, Attribute::strokeLinecap, Attribute::strokeLinejoin,
-            Attribute::strokeMiterlimit, Attribute::strokeDasharray, Attribute::strokeDashoffset});
+// Most elements say nothing of most of these; asking for them together costs one test.
+constexpr uint64_t kOfElement =
+    maskOf({Attribute::opacity, Attribute::transform, Attribute::clipPath, Attribute::display});
+constexpr uint64_t kGeneral = maskOf({Attribute::color, Attribute::visibility});
+constexpr uint64_t kFill = maskOf({Attribute::fill, Attribute::fillOpacity, Attribute::fillRule});
+constexpr uint64_t kLine =
+    maskOf({Attribute::strokeLinecap, Attribute::strokeLinejoin, Attribute::strokeMiterlimit,
+            Attribute::strokeDasharray, Attribute::strokeDashoffset});
+constexpr uint64_t kStroke =
+    kLine | maskOf({Attribute::stroke, Attribute::strokeOpacity, Attribute::strokeWidth});
+constexpr uint64_t kInherited = kGeneral | kFill | kStroke;
 
 // The readers of one element's attributes; each leaves its output alone when there is nothing
 // valid to read.
@@ -36,6 +42,7 @@ struct StyleReader {
   void readPaint(Attribute attribute, std::optional<OptionalPaint>& paint) const;
   void ParseGraphicsProperties(Element& element) const;
   void ParseInheritedProperties(InheritedProperties& properties) const;
+  void parseGeneralProperties(InheritedProperties& properties) const;
   void ParseFillProperties(InheritedProperties& properties) const;
   void ParseStrokeProperties(InheritedProperties& properties) const;
   void parseLineStyle(InheritedProperties& properties) const;
@@ -84,6 +91,12 @@ void StyleReader::ParseGraphicsProperties(Element& element) const {
 }
 
 void StyleReader::ParseInheritedProperties(InheritedProperties& properties) const {
+  if (attributes.hasAny(kGeneral)) parseGeneralProperties(properties);
+  if (attributes.hasAny(kFill)) ParseFillProperties(properties);
+  if (attributes.hasAny(kStroke)) ParseStrokeProperties(properties);
+}
+
+void StyleReader::parseGeneralProperties(InheritedProperties& properties) const {
   Color color;
   if (attributes.has(Attribute::color) &&
       ParseColor(attributes.text(Attribute::color), color, Variables::allowed)) {
@@ -94,8 +107,6 @@ void StyleReader::ParseInheritedProperties(InheritedProperties& properties) cons
   if (visibility == "hidden" || visibility == "collapse") {
     properties.visibility = Visibility::hidden;
   }
-  ParseFillProperties(properties);
-  ParseStrokeProperties(properties);
 }
 
 void StyleReader::ParseFillProperties(InheritedProperties& properties) const {
@@ -110,6 +121,7 @@ void StyleReader::ParseStrokeProperties(InheritedProperties& properties) const {
   const std::optional<float> width =
       context.lengths.ParseLength(attributes, Attribute::strokeWidth, LengthType::diagonal);
   if (width && *width >= 0.0f) properties.lineWidth = width;
+  if (!attributes.hasAny(kLine)) return;
   parseLineStyle(properties);
   parseDashes(properties);
 }
@@ -154,11 +166,10 @@ void StyleReader::parseDashes(InheritedProperties& properties) const {
 void ParsePresentationAttributes(const AttributeSet& attributes, const StyleContext& context,
                                  Element& element) {
   const StyleReader reader{attributes, context};
-  reader.ParseGraphicsProperties(element);
+  if (attributes.hasAny(kOfElement)) reader.ParseGraphicsProperties(element);
   if (!attributes.hasAny(kInherited)) return;
-  auto properties = std::make_unique<InheritedProperties>();
-  reader.ParseInheritedProperties(*properties);
-  element.properties = std::move(properties);
+  element.properties = context.memory.makeUnique<InheritedProperties>();
+  reader.ParseInheritedProperties(*element.properties);
 }
 
 std::shared_ptr<Transform> parseTransformAttr(const AttributeSet& attributes, Attribute attribute,

@@ -17,6 +17,7 @@ struct StyleContext {
   const GradientMap& gradients;
   const ClippingPathMap& clippingPaths;
   SVGRenderer& renderer;
+  ElementMemory& memory;  ///< for what the element says
 };
 
 /// Reads the presentation attributes into the element's style, properties and display. An invalid

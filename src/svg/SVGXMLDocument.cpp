@@ -30,16 +30,8 @@ XMLAttribute XMLAttribute::Next() const {
   return XMLAttribute(library()->nextAttribute(attribute_));
 }
 
-std::string_view XMLAttribute::Name() const {
-  return library()->name(attribute_);
-}
-
-std::string_view XMLAttribute::Namespace() const {
-  return library()->namespaceOf(attribute_);
-}
-
-std::optional<std::string_view> XMLAttribute::Value() const {
-  return library()->value(attribute_);
+XMLAttributeText XMLAttribute::Text() const {
+  return library()->text(attribute_);
 }
 
 std::string_view XMLNode::Name() const {
@@ -53,7 +45,8 @@ XMLAttribute XMLNode::FirstAttribute() const {
 std::optional<std::string_view> XMLNode::GetAttribute(std::string_view name,
                                                       std::string_view nameSpace) const {
   for (XMLAttribute attribute = FirstAttribute(); attribute; attribute = attribute.Next()) {
-    if (attribute.Name() == name && attribute.Namespace() == nameSpace) return attribute.Value();
+    const XMLAttributeText text = attribute.Text();
+    if (text.name == name && text.nameSpace == nameSpace) return text.value;
   }
   return std::nullopt;
 }

@@ -15,18 +15,20 @@ namespace SVGNative::xml {
 
 inline constexpr std::string_view kXLinkNamespace = "http://www.w3.org/1999/xlink";
 
+struct XMLAttributeText {
+  std::string_view name;       ///< without its prefix
+  std::string_view nameSpace;  ///< the namespace's URI; empty for none
+  /// Nothing when the value contains a reference to an entity of the document: its text is unknown.
+  std::optional<std::string_view> value;
+};
+
 /// A view of an attribute; valid as long as its document.
 class XMLAttribute {
  public:
   explicit XMLAttribute(_xmlAttr* attribute) : attribute_(attribute) {}
   explicit operator bool() const { return attribute_ != nullptr; }
   XMLAttribute Next() const;
-  /// Without its prefix.
-  std::string_view Name() const;
-  /// The namespace's URI; empty for none.
-  std::string_view Namespace() const;
-  /// Nothing when the value contains a reference to an entity of the document: its text is unknown.
-  std::optional<std::string_view> Value() const;
+  XMLAttributeText Text() const;
 
  private:
   _xmlAttr* attribute_;

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <optional>
 #include <string_view>
 
-struct _xmlAttr;
-struct _xmlDoc;
-struct _xmlNode;
+#include "svg/SVGXMLDocument.h"
 
 namespace SVGNative::xml {
 
@@ -30,11 +27,7 @@ class XMLLibrary {
 
   virtual _xmlAttr* firstAttribute(const _xmlNode* node) const = 0;
   virtual _xmlAttr* nextAttribute(const _xmlAttr* attribute) const = 0;
-  virtual std::string_view name(const _xmlAttr* attribute) const = 0;
-  /// Empty for none.
-  virtual std::string_view namespaceOf(const _xmlAttr* attribute) const = 0;
-  /// Nothing when the value contains a reference to an entity.
-  virtual std::optional<std::string_view> value(const _xmlAttr* attribute) const = 0;
+  virtual XMLAttributeText text(const _xmlAttr* attribute) const = 0;
 };
 
 /// Name of the module's one exported function, of type XMLLibraryEntry.

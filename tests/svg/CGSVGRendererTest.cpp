@@ -3,6 +3,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "platform/graphics/NSBitmapImageRep.h"
 #include "support/Bitmaps.h"
@@ -123,6 +124,19 @@ TEST_F(CGSVGRendererTest, NothingComesOfSingularAndEndlessTransforms) {
       "<rect width='40' height='40' fill='none' stroke='url(#g)'/>"
       "<g transform='matrix(0 0 0 0 0 0)' opacity='.5'><rect width='40' height='40'/></g>");
   EXPECT_TRUE(bitmap_->usedRows().empty() || at(20, 20) == Pixel{});
+}
+
+TEST_F(CGSVGRendererTest, PathsOutliveTheirRendererAndEachOther) {
+  std::vector<std::shared_ptr<Path>> paths;
+  for (int i = 0; i < 200; ++i) {
+    const auto path = renderer_->CreatePath();
+    path->Rect(static_cast<float>(i), 0.0f, 5.0f, 10.0f);
+    if (i % 50 == 1) paths.push_back(path);
+  }
+  renderer_.reset();
+  for (size_t i = 0; i < paths.size(); ++i) {
+    EXPECT_EQ(paths[i]->Bounds(), Rect::FromSize(50.0f * static_cast<float>(i) + 1.0f, 0, 5, 10));
+  }
 }
 
 TEST_F(CGSVGRendererTest, PathsOfOneRectangleAreKnownAsSuch) {

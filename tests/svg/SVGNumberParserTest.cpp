@@ -131,20 +131,18 @@ TEST(NumberArithmeticTest, StaysNearTheTrueValueOnRandomTexts) {
 
 // Random texts of the bytes that matter, read the short way and byte by byte.
 TEST(NumberArithmeticTest, ShortNumbersAreReadAsAllOthers) {
-  constexpr std::string_view kBytes = "0123456789012345678900..--+eE, %x";
+  constexpr std::string_view kBytes = "0123456789012345678900...---+eE, %x/:\xb0\xff";
   std::mt19937 random(11);
   int shortOnes = 0;
   for (int i = 0; i < 300000; ++i) {
     std::string text(12, ' ');
     for (char& c : text) c = kBytes[random() % kBytes.size()];
     float number = -1.0f;
-    const int length = scanShortNumber(text.data(), number);
+    const size_t length = scanShortNumber(text.data(), number);
     if (length == 0) continue;
     ++shortOnes;
-    Cursor cursor(text);
     float expected = -2.0f;
-    ASSERT_TRUE(scanAnyNumber(cursor, expected)) << text;
-    ASSERT_EQ(cursor.pos - text.data(), length) << text;
+    ASSERT_EQ(scanAnyNumber(text, expected), length) << text;
     ASSERT_EQ(std::bit_cast<uint32_t>(number), std::bit_cast<uint32_t>(expected)) << text;
   }
   EXPECT_GT(shortOnes, 50000);

@@ -20,7 +20,12 @@ void CGPath::addQuadCurveToPoint(CGPoint control, CGPoint p) {
 
 void CGPath::addCurveToPoint(CGPoint control1, CGPoint control2, CGPoint p) {
   if (data_.empty()) return data_.move(p);
-  data_.cubic(control1, control2, p);
+  data_.verbs.push_back(PathVerb::cubic);
+  const size_t first = data_.points.size();
+  data_.points.resize(first + 3);
+  data_.points[first] = control1;
+  data_.points[first + 1] = control2;
+  data_.points[first + 2] = p;
 }
 
 void CGPath::closeSubpath() {

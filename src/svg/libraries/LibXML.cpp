@@ -14,6 +14,12 @@ std::string_view view(const xmlChar* text) {
   return text == nullptr ? "" : reinterpret_cast<const char*>(text);
 }
 
+std::optional<std::string_view> value(const xmlNode* text) {
+  if (text == nullptr) return "";
+  if (text->type != XML_TEXT_NODE || text->next != nullptr) return std::nullopt;
+  return view(text->content);
+}
+
 xmlNode* elementFrom(xmlNode* node) {
   while (node != nullptr && node->type != XML_ELEMENT_NODE) node = node->next;
   return node;
@@ -39,15 +45,9 @@ class LibXML : public SVGNative::xml::XMLLibrary {
 
   xmlAttr* firstAttribute(const xmlNode* node) const override { return node->properties; }
   xmlAttr* nextAttribute(const xmlAttr* attribute) const override { return attribute->next; }
-  std::string_view name(const xmlAttr* attribute) const override { return view(attribute->name); }
-  std::string_view namespaceOf(const xmlAttr* attribute) const override {
-    return attribute->ns == nullptr ? "" : view(attribute->ns->href);
-  }
-  std::optional<std::string_view> value(const xmlAttr* attribute) const override {
-    const xmlNode* text = attribute->children;
-    if (text == nullptr) return "";
-    if (text->type != XML_TEXT_NODE || text->next != nullptr) return std::nullopt;
-    return view(text->content);
+  SVGNative::xml::XMLAttributeText text(const xmlAttr* attribute) const override {
+    return {view(attribute->name), attribute->ns == nullptr ? "" : view(attribute->ns->href),
+            value(attribute->children)};
   }
 };
 
