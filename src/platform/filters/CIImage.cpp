@@ -82,13 +82,21 @@ class CopyOperation : public ImageOperation {
       const int64_t row = y + source.top - target.top;
       const int64_t nearestRow = std::clamp<int64_t>(row, 0, from.pixelsHigh() - 1);
       if (row != nearestRow && !extended) continue;
-      uint8_t* out = target.bitmap.writableRows(y, y + 1);
-      for (int64_t x = 0; x < target.bitmap.pixelsWide(); ++x, out += 4) {
-        const int64_t column = x + target.left - source.left;
-        const int64_t nearest = std::clamp<int64_t>(column, 0, from.pixelsWide() - 1);
-        if (column == nearest || extended) std::memcpy(out, from.row(nearestRow) + nearest * 4, 4);
-      }
+      copyRow(from.row(nearestRow), from.pixelsWide(), target.left - source.left, extended,
+              target.bitmap.writableRows(y, y + 1), target.bitmap.pixelsWide());
     }
+  }
+
+ private:
+  /// `count` pixels of a row of `width`, beginning with column `first`, which may lie outside.
+  static void copyRow(const uint8_t* row, int64_t width, int64_t first, bool extended, uint8_t* out,
+                      int64_t count) {
+    const int64_t begin = std::clamp<int64_t>(-first, 0, count);
+    const int64_t end = std::clamp<int64_t>(width - first, begin, count);
+    std::memcpy(out + 4 * begin, row + 4 * (first + begin), static_cast<size_t>(4 * (end - begin)));
+    if (!extended) return;
+    for (int64_t x = 0; x < begin; ++x) std::memcpy(out + 4 * x, row, 4);
+    for (int64_t x = end; x < count; ++x) std::memcpy(out + 4 * x, row + 4 * (width - 1), 4);
   }
 };
 

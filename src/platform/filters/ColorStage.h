@@ -6,12 +6,14 @@
 #include <functional>
 #include <variant>
 
+#include "platform/filters/CodeBatch.h"
+
 /// What colour filters do to straight linear colour. Each is applied to 8-bit codes and rounds to
 /// 8-bit codes again, so that filters in a row give what they would give one by one.
 
 /// Every channel by itself.
 struct CurveStage {
-  std::array<uint8_t, 256> codes;
+  CodeTable codes;
 };
 
 /// out[c] = rows[c][0] r + rows[c][1] g + rows[c][2] b + rows[c][3].
@@ -40,7 +42,6 @@ ColorStage makeColorControls(double saturation, double brightness, double contra
 ColorStage makeHueRotation(double angle);
 
 /// Linear light of up to kColorBatch pixels.
-constexpr size_t kColorBatch = 256;
 struct ColorBatch {
   size_t count = 0;
   float red[kColorBatch];

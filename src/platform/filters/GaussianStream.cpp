@@ -7,10 +7,11 @@
 
 namespace {
 
-/// Above this many pixels (at the lowest level) another halving is cheaper.
-constexpr double kWidestDirect = 4.4;
+/// From this many pixels (at the lowest level) on another halving is cheaper, and within half a
+/// code of the exact result.
+constexpr double kWidestDirect = 3;
 /// Where the Gaussian is cut off; what is left out shows nowhere by more than one code.
-constexpr double kCutOff = 3.7;
+constexpr double kCutOff = 3.5;
 
 int64_t floorHalf(int64_t x) {
   return x >> 1;
@@ -33,12 +34,13 @@ class HalvedStream : public RowStream {
 
   void produce(int64_t row, float* out) override {
     constexpr float kWeights[] = {6.0F / 16, 4.0F / 16, 1.0F / 16};
-    weighSymmetric(window_.rows(2 * row - 2, 5), kWeights, 2, sum_.data(), sum_.size());
+    weighSymmetric(window_.rows(2 * row - 2, 5), kWeights, 2, sum_.data(),
+                   window_.input().valueCount());
     halveRow(sum_.data() + 2 * channels(), channels(), out, columns_.count());
   }
 
  private:
-  std::vector<float> sum_;
+  AlignedFloats sum_;
   RowWindow window_;
 };
 
@@ -55,18 +57,18 @@ class DoubledStream : public RowStream {
     const float* const* rows = window_.rows(middle - 1, 3);
     if (row % 2 == 0) {
       constexpr float kOnRow[] = {0.75F, 0.125F};
-      weighSymmetric(rows, kOnRow, 1, sum_.data(), sum_.size());
+      weighSymmetric(rows, kOnRow, 1, sum_.data(), window_.input().valueCount());
     } else {
       constexpr float kBetween[] = {0, 0.5F};
       const float* const between[] = {rows[1], rows[1], rows[2]};
-      weighSymmetric(between, kBetween, 1, sum_.data(), sum_.size());
+      weighSymmetric(between, kBetween, 1, sum_.data(), window_.input().valueCount());
     }
     const auto odd = static_cast<size_t>(columns_.begin & 1);
     doubleRow(sum_.data() + channels(), channels(), odd, out, columns_.count());
   }
 
  private:
-  std::vector<float> sum_;
+  AlignedFloats sum_;
   RowWindow window_;
 };
 
@@ -86,13 +88,13 @@ class FilteredStream : public RowStream {
   void produce(int64_t row, float* out) override {
     const size_t radius = weights_.size() - 1;
     const float* const* rows = window_.rows(row - static_cast<int64_t>(radius), 2 * radius + 1);
-    weighSymmetric(rows, weights_.data(), radius, sum_.data(), sum_.size());
+    weighSymmetric(rows, weights_.data(), radius, sum_.data(), window_.input().valueCount());
     weighSymmetric(taps_.data(), weights_.data(), radius, out, valueCount());
   }
 
  private:
   std::vector<float> weights_;
-  std::vector<float> sum_;
+  AlignedFloats sum_;
   std::vector<const float*> taps_;
   RowWindow window_;
 };

@@ -25,7 +25,8 @@ class PixellateOperation : public ImageOperation {
 struct SiteGrid {
   double pitch = 1;
   NSPoint center;
-  NSPoint site(int64_t i, int64_t j) const;
+  /// How far point (i, j) is moved, in pixels.
+  NSPoint shift(int64_t i, int64_t j) const;
 };
 
 /// What the point nearest to a pixel does with it.

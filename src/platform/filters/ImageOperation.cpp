@@ -22,6 +22,7 @@ void runOperation(const ImageOperation& operation, const OperationSource& source
 
 SourceView::SourceView(const OperationSource& source, const OperationTarget& target)
     : bitmap_(*source.bitmap),
+      tables_(linearLightTables()),
       dx_(target.left - source.left),
       dy_(source.top - target.top),
       extended_(source.surround == Surround::kNearestPixel) {}
@@ -74,34 +75,38 @@ void SourceView::decodeLuma(int64_t x, int64_t row, size_t count, const LumaWeig
 }
 
 /// A pixel by the source's own columns and rows.
-std::array<float, 4> SourceView::pixel(int64_t column, int64_t row) const {
+const uint8_t* SourceView::pixel(int64_t column, int64_t row) const {
+  constexpr static uint8_t kTransparent[4] = {};
   const int64_t x = std::clamp<int64_t>(column, 0, bitmap_.pixelsWide() - 1);
   const int64_t y = std::clamp<int64_t>(row, 0, bitmap_.pixelsHigh() - 1);
-  if (!extended_ && (x != column || y != row)) return {};
-  std::array<float, 4> result;
-  decodePixels(bitmap_.row(y) + x * 4, 1, result.data());
-  return result;
+  if (!extended_ && (x != column || y != row)) return kTransparent;
+  return bitmap_.row(y) + x * 4;
 }
 
-std::array<float, 4> SourceView::sample(double x, double y) const {
+void SourceView::sample(double x, double y, float* out) const {
   const auto width = static_cast<double>(bitmap_.pixelsWide());
   const auto height = static_cast<double>(bitmap_.pixelsHigh());
   x += static_cast<double>(dx_);
   y += static_cast<double>(dy_);
-  if (!extended_ && !(x >= 0 && x < width && y >= 0 && y < height)) return {};
+  if (!extended_ && !(x >= 0 && x < width && y >= 0 && y < height)) {
+    std::fill_n(out, 4, 0.0F);
+    return;
+  }
   x = std::clamp(x, 0.0, width) - 0.5;
   y = std::clamp(y, 0.0, height) - 0.5;
-  const auto left = static_cast<int64_t>(std::floor(x));
-  const auto top = static_cast<int64_t>(std::floor(y));
-  const auto fx = static_cast<float>(x - static_cast<double>(left));
-  const auto fy = static_cast<float>(y - static_cast<double>(top));
-  const std::array<float, 4> corners[] = {pixel(left, top), pixel(left + 1, top),
-                                          pixel(left, top + 1), pixel(left + 1, top + 1)};
-  std::array<float, 4> result;
+  const double left = std::floor(x);
+  const double top = std::floor(y);
+  const auto column = static_cast<int64_t>(left);
+  const auto row = static_cast<int64_t>(top);
+  if (x == left && y == top) return decodePixel(tables_, pixel(column, row), out);
+  const auto fx = static_cast<float>(x - left);
+  const auto fy = static_cast<float>(y - top);
+  float corners[4][4];
+  for (int64_t i = 0; i < 4; ++i)
+    decodePixel(tables_, pixel(column + i % 2, row + i / 2), corners[i]);
   for (size_t c = 0; c < 4; ++c) {
     const float upper = corners[0][c] + (corners[1][c] - corners[0][c]) * fx;
     const float lower = corners[2][c] + (corners[3][c] - corners[2][c]) * fx;
-    result[c] = upper + (lower - upper) * fy;
+    out[c] = upper + (lower - upper) * fy;
   }
-  return result;
 }

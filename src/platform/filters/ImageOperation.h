@@ -54,16 +54,17 @@ class SourceView {
   void decodeLuma(int64_t x, int64_t row, size_t count, const LumaWeights& weights,
                   float* out) const;
   /// Bilinear sample between pixel centres, (0.5, 0.5) being that of the target's first pixel.
-  /// Transparent outside an unextended picture.
-  std::array<float, 4> sample(double x, double y) const;
+  /// Transparent outside an unextended picture. Writes 4 floats of linear light.
+  void sample(double x, double y, float* out) const;
 
  private:
   template <class Decode>
   void decodeSpan(int64_t x, int64_t row, size_t count, size_t channels, float* out,
                   const Decode& decode) const;
-  std::array<float, 4> pixel(int64_t column, int64_t row) const;
+  const uint8_t* pixel(int64_t column, int64_t row) const;
 
   const NSBitmapImageRep& bitmap_;
+  const LinearLightTables& tables_;
   int64_t dx_;
   int64_t dy_;
   bool extended_;

@@ -26,10 +26,7 @@ class CellRow {
     const size_t count = centers_.size();
     values_.resize(count * 4);
     colors_.resize(count);
-    for (size_t n = 0; n < count; ++n) {
-      const auto value = view.sample(centers_[n], y);
-      std::copy(value.begin(), value.end(), values_.begin() + static_cast<std::ptrdiff_t>(n * 4));
-    }
+    for (size_t n = 0; n < count; ++n) view.sample(centers_[n], y, values_.data() + n * 4);
     encodePixels(values_.data(), count, reinterpret_cast<uint8_t*>(colors_.data()));
     for (size_t n = 0; n < count; ++n)
       std::fill(out + begins_[n], out + begins_[n + 1], colors_[n]);

@@ -22,22 +22,22 @@ inline float log2Approximate(float x) {
   return static_cast<float>(exponent) + 2.88539008F * t * series;
 }
 
-/// For exponents from -126 to 127; lower ones give 2^-126.
+/// For x from -1e6 to 1e6; results stay between 2^-127 and 2^128. Clamped as a whole number: a
+/// choice between reals would split the loop.
 inline float exp2Approximate(float x) {
-  const float clamped = x > -126.0F ? (x < 127.0F ? x : 127.0F) : -126.0F;
   // Adding this leaves the nearest whole number in the low bits.
   constexpr float kRound = 12582912.0F;
-  const float whole = (clamped + kRound) - kRound;
-  const float f = (clamped - whole) * 0.693147181F;
+  const float whole = (x + kRound) - kRound;
+  const float f = (x - whole) * 0.693147181F;
   const float series =
       (((((1.0F / 720) * f + 1.0F / 120) * f + 1.0F / 24) * f + 1.0F / 6) * f + 0.5F) * f * f + f;
-  return (series + 1) * std::bit_cast<float>((static_cast<int32_t>(whole) + 127) * (1 << 23));
+  const auto unclamped = static_cast<int32_t>(whole);
+  const int32_t atLeast = unclamped > -126 ? unclamped : -126;
+  const int32_t exponent = atLeast < 127 ? atLeast : 127;
+  return (series + 1) * std::bit_cast<float>((exponent + 127) * (1 << 23));
 }
 
-/// x^exponent; 0 for x up to 1e-30.
+/// x^exponent for x from 0 on; 0 counts as 1e-30, so that there is nothing to choose between.
 inline float powerApproximate(float x, float exponent) {
-  constexpr float kSmallest = 1e-30F;
-  const float safe = x > kSmallest ? x : kSmallest;
-  const float power = exp2Approximate(exponent * log2Approximate(safe));
-  return x > kSmallest ? power : 0.0F;
+  return exp2Approximate(exponent * log2Approximate(x + 1e-30F));
 }

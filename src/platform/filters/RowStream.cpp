@@ -2,10 +2,15 @@
 
 #include <limits>
 
+AlignedFloats::AlignedFloats(size_t count) : storage_(count + kLine - 1) {
+  const size_t past = reinterpret_cast<uintptr_t>(storage_.data()) / sizeof(float) % kLine;
+  offset_ = (kLine - past) % kLine;
+}
+
 RowWindow::RowWindow(std::unique_ptr<RowStream> input, size_t rows)
     : input_(std::move(input)),
       capacity_(rows),
-      stride_(input_->valueCount()),
+      stride_(AlignedFloats::padded(input_->valueCount())),
       values_(stride_ * rows),
       held_(rows, std::numeric_limits<int64_t>::min()),
       pointers_(rows) {}

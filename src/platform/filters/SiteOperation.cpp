@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -12,9 +13,6 @@ namespace {
 /// pixel is one of the 3 x 3 around it.
 constexpr double kJitter = 0.6;
 constexpr double kDotRadius = 0.55;
-/// Pixels whose coordinates are taken relative to one origin, so that single precision will do.
-constexpr int64_t kChunk = 512;
-
 /// An integer hash that changes half of the bits for a change of any.
 uint32_t mixed(int64_t i, int64_t j) {
   uint32_t h = static_cast<uint32_t>(i) * 0x9E3779B1U ^ static_cast<uint32_t>(j) * 0x85EBCA77U;
@@ -25,102 +23,110 @@ uint32_t mixed(int64_t i, int64_t j) {
   return h ^ (h >> 15);
 }
 
-/// The sites around a stretch of a row, relative to its first pixel: 3 rows of `count` each.
-struct NearbySites {
-  std::vector<float> x;
-  std::vector<float> squaredDy;
-  size_t count = 0;
-  /// Where the cell of the second site begins, and cells per pixel.
-  float origin = 0;
-  float perPixel = 0;
+/// Neighbouring pixels, whose nearest sites are looked for together.
+constexpr size_t kLanes = 16;
+using Floats = float __attribute__((vector_size(4 * kLanes)));
+using Ints = int32_t __attribute__((vector_size(4 * kLanes)));
+
+/// What is known of the sites around a row of pixels. Cells are counted from the one left of the
+/// row's first pixel; `sites` holds three rows of `cells` each.
+struct SiteWindow {
+  size_t cells = 0;
+  float pitch = 1;
+  std::vector<float> x;          ///< from the left edge of the site's cell
+  std::vector<float> squaredDy;  ///< of its distance from the row of pixels
+  std::vector<int32_t> payload;  ///< what a pixel gets that is nearest to it
+  std::vector<int32_t> begin;    ///< first pixel of each cell, and the end of the last one
+  std::vector<float> offset;     ///< from the cell's left edge to that pixel's centre
 };
 
-/// For each pixel the index of its nearest site and its squared distance.
-VECTOR_CLONES void findNearest(const float* __restrict siteX, const float* __restrict squaredDy,
-                               size_t count, float origin, float perPixel,
-                               int32_t* __restrict nearest, float* __restrict squaredDistance,
-                               size_t pixelCount) {
-  const auto stride = static_cast<int32_t>(count);
-  const int32_t last = stride - 3;
-  for (size_t k = 0; k < pixelCount; ++k) {
-    const float x = static_cast<float>(static_cast<int32_t>(k)) + 0.5F;
-    const auto cell = static_cast<int32_t>((x - origin) * perPixel);
-    const int32_t first = cell < 0 ? 0 : (cell > last ? last : cell);
-    float best = std::numeric_limits<float>::max();
-    int32_t bestSite = 0;
-    for (int32_t row = 0; row < 3; ++row) {
-      for (int32_t column = 0; column < 3; ++column) {
-        const int32_t site = row * stride + first + column;
-        const float dx = siteX[site] - x;
-        const float d = dx * dx + squaredDy[site];
-        bestSite = d < best ? site : bestSite;
-        best = d < best ? d : best;
+/// Payload and squared distance of the site nearest to each pixel. Writes up to kLanes - 1 more
+/// than there are.
+VECTOR_CLONES void findNearest(const SiteWindow& window, int32_t* found, float* squaredDistance) {
+  constexpr Floats kSteps = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  const size_t cells = window.cells;
+  const float* siteX = window.x.data();
+  const float* squaredDy = window.squaredDy.data();
+  const int32_t* payload = window.payload.data();
+  const float shifts[] = {-window.pitch, 0, window.pitch};
+  for (size_t n = 1; n + 1 < cells; ++n) {
+    const auto end = static_cast<size_t>(window.begin[n + 1]);
+    float first = window.offset[n];
+    for (auto pixel = static_cast<size_t>(window.begin[n]); pixel < end; pixel += kLanes) {
+      const Floats x = kSteps + first;
+      Floats best = x - x + std::numeric_limits<float>::max();
+      Ints nearest = {};
+      for (size_t row = 0; row < 3; ++row) {
+        for (size_t side = 0; side < 3; ++side) {
+          const size_t site = row * cells + n - 1 + side;
+          const Floats dx = x - (siteX[site] + shifts[side]);
+          const Floats squared = dx * dx + squaredDy[site];
+          nearest = squared < best ? Ints{} + payload[site] : nearest;
+          best = squared < best ? squared : best;
+        }
       }
+      std::memcpy(found + pixel, &nearest, sizeof nearest);
+      std::memcpy(squaredDistance + pixel, &best, sizeof best);
+      first += kLanes;
     }
-    nearest[k] = bestSite;
-    squaredDistance[k] = best;
   }
 }
 
-/// The three rows of sites around a row of pixels; site n of a row is in column firstSite + n.
+VECTOR_CLONES void squareDistances(const float* __restrict y, float from, float* __restrict squared,
+                                   size_t count) {
+  for (size_t i = 0; i < count; ++i) squared[i] = (y[i] - from) * (y[i] - from);
+}
+
+/// How much of each pixel a dot of that radius covers.
+VECTOR_CLONES void coverPixels(float radius, const float* __restrict squaredDistance,
+                               float* __restrict coverage, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    const float depth = radius - std::sqrt(squaredDistance[i]) + 0.5F;
+    coverage[i] = depth > 0 ? (depth < 1 ? depth : 1.0F) : 0.0F;
+  }
+}
+
+/// The three rows of sites around a row of pixels, and their colours.
 class SiteRows {
  public:
-  SiteRows(const SiteGrid& grid, const SourceView& view, const OperationTarget& target)
-      : grid_(grid), view_(view), left_(target.left), top_(target.top) {
-    const auto width = static_cast<double>(target.bitmap.pixelsWide());
+  SiteRows(SiteShape shape, const SiteGrid& grid, const SourceView& view,
+           const OperationTarget& target)
+      : shape_(shape), grid_(grid), view_(view), left_(target.left), top_(target.top) {
+    const int64_t width = target.bitmap.pixelsWide();
     first_ = column(0.5) - 1;
-    count_ = static_cast<size_t>(column(width - 0.5) + 2 - first_);
-    for (Row& row : rows_) row.x.resize(count_), row.y.resize(count_);
-    values_.resize(3 * count_ * 4);
-    codes_.resize(3 * count_);
+    const size_t cells = static_cast<size_t>(column(static_cast<double>(width) - 0.5) + 2 - first_);
+    window_.cells = cells;
+    window_.pitch = static_cast<float>(grid.pitch);
+    window_.x.resize(3 * cells);
+    window_.squaredDy.resize(3 * cells);
+    window_.payload.resize(3 * cells);
+    values_.resize(3 * cells * 4);
+    for (Row& row : rows_) row.y.resize(cells);
+    placeCells(width);
   }
 
   /// Moves to the pixel row `y`.
-  void moveTo(int64_t y) {
-    y_ = static_cast<double>(y) + 0.5;
-    const auto middle = static_cast<int64_t>(
-        std::floor((static_cast<double>(top_) - y_ - grid_.center.y) / grid_.pitch + 0.5));
+  const SiteWindow& moveTo(int64_t y) {
+    const double up = static_cast<double>(top_ - y) - 0.5 - grid_.center.y;
+    const double cell = std::floor(up / grid_.pitch + 0.5);
+    const auto middle = static_cast<int64_t>(cell);
     for (int64_t j = middle - 1; j <= middle + 1; ++j) {
       const auto slot = static_cast<size_t>(((j % 3) + 3) % 3);
       if (rows_[slot].j != j) fill(slot, j);
+      const double from = up - static_cast<double>(j) * grid_.pitch;
+      squareDistances(rows_[slot].y.data(), static_cast<float>(from),
+                      window_.squaredDy.data() + slot * window_.cells, window_.cells);
     }
+    return window_;
   }
 
-  /// The sites around pixels `begin` to `end` - 1 of the row; answers the column of the first.
-  size_t around(int64_t begin, int64_t end, NearbySites& nearby) const {
-    const int64_t first = column(static_cast<double>(begin) + 0.5) - 1;
-    const int64_t last = column(static_cast<double>(end) - 0.5) + 1;
-    const auto offset = static_cast<size_t>(first - first_);
-    nearby.count = static_cast<size_t>(last - first + 1);
-    nearby.x.resize(3 * nearby.count);
-    nearby.squaredDy.resize(3 * nearby.count);
-    const auto origin = static_cast<double>(begin);
-    for (size_t slot = 0; slot < 3; ++slot) {
-      const Row& row = rows_[slot];
-      float* x = nearby.x.data() + slot * nearby.count;
-      float* squaredDy = nearby.squaredDy.data() + slot * nearby.count;
-      for (size_t n = 0; n < nearby.count; ++n) {
-        x[n] = static_cast<float>(row.x[offset + n] - origin);
-        const auto dy = static_cast<float>(row.y[offset + n] - y_);
-        squaredDy[n] = dy * dy;
-      }
-    }
-    nearby.origin = static_cast<float>(grid_.center.x - static_cast<double>(left_) - origin +
-                                       (static_cast<double>(first) + 0.5) * grid_.pitch);
-    nearby.perPixel = static_cast<float>(1 / grid_.pitch);
-    return offset;
-  }
-
-  size_t count() const { return count_; }
-  /// Linear light of all sites, and their codes.
+  /// Linear light of all sites; a payload of dots is a position here.
   const float* values() const { return values_.data(); }
-  const uint32_t* codes() const { return codes_.data(); }
 
  private:
   struct Row {
     int64_t j = std::numeric_limits<int64_t>::min();
-    std::vector<double> x;
-    std::vector<double> y;
+    std::vector<float> y;  // from the middle of the row's cells
   };
 
   int64_t column(double x) const {
@@ -128,84 +134,71 @@ class SiteRows {
         std::floor((static_cast<double>(left_) + x - grid_.center.x) / grid_.pitch + 0.5));
   }
 
+  /// Which pixels lie in which cell.
+  void placeCells(int64_t width) {
+    const double origin = grid_.center.x - static_cast<double>(left_) - 0.5 * grid_.pitch;
+    for (size_t n = 0; n <= window_.cells; ++n) {
+      const double edge =
+          origin + static_cast<double>(first_ + static_cast<int64_t>(n)) * grid_.pitch;
+      const double pixel = std::clamp(std::ceil(edge - 0.5), 0.0, static_cast<double>(width));
+      window_.begin.push_back(static_cast<int32_t>(pixel));
+      window_.offset.push_back(static_cast<float>(pixel + 0.5 - edge));
+    }
+    // Rounding must leave no pixel out.
+    window_.begin[1] = 0;
+    window_.begin[window_.cells - 1] = static_cast<int32_t>(width);
+  }
+
   void fill(size_t slot, int64_t j) {
     Row& row = rows_[slot];
     row.j = j;
-    float* values = values_.data() + slot * count_ * 4;
-    for (size_t n = 0; n < count_; ++n) {
-      const NSPoint site = grid_.site(first_ + static_cast<int64_t>(n), j);
-      row.x[n] = site.x - static_cast<double>(left_);
-      row.y[n] = static_cast<double>(top_) - site.y;
-      const auto value = view_.sample(row.x[n], row.y[n]);
-      std::copy(value.begin(), value.end(), values + n * 4);
+    const size_t cells = window_.cells;
+    float* values = values_.data() + slot * cells * 4;
+    for (size_t n = 0; n < cells; ++n) {
+      const int64_t i = first_ + static_cast<int64_t>(n);
+      const NSPoint shift = grid_.shift(i, j);
+      window_.x[slot * cells + n] = static_cast<float>(shift.x + 0.5 * grid_.pitch);
+      row.y[n] = static_cast<float>(shift.y);
+      const double x = grid_.center.x + static_cast<double>(i) * grid_.pitch + shift.x;
+      const double y = grid_.center.y + static_cast<double>(j) * grid_.pitch + shift.y;
+      view_.sample(x - static_cast<double>(left_), static_cast<double>(top_) - y, values + n * 4);
     }
-    encodePixels(values, count_, reinterpret_cast<uint8_t*>(codes_.data() + slot * count_));
+    int32_t* payload = window_.payload.data() + slot * cells;
+    if (shape_ == SiteShape::kCell) {
+      encodePixels(values, cells, reinterpret_cast<uint8_t*>(payload));
+    } else {
+      for (size_t n = 0; n < cells; ++n) payload[n] = static_cast<int32_t>(4 * (slot * cells + n));
+    }
   }
 
+  SiteShape shape_;
   const SiteGrid& grid_;
   const SourceView& view_;
   int64_t left_;
   int64_t top_;
   int64_t first_ = 0;
-  size_t count_ = 0;
-  double y_ = 0;
+  SiteWindow window_;
   Row rows_[3];
   std::vector<float> values_;
-  std::vector<uint32_t> codes_;
 };
 
-/// Paints one stretch of a row after another.
-class SitePainter {
- public:
-  SitePainter(const SiteRows& sites, double pitch)
-      : sites_(sites), dotRadius_(static_cast<float>(kDotRadius * pitch)) {}
-
-  void paint(SiteShape shape, int64_t begin, int64_t end, uint32_t* out) {
-    const size_t offset = sites_.around(begin, end, nearby_);
-    const auto count = static_cast<size_t>(end - begin);
-    findNearest(nearby_.x.data(), nearby_.squaredDy.data(), nearby_.count, nearby_.origin,
-                nearby_.perPixel, nearest_, squaredDistance_, count);
-    const auto stride = static_cast<int32_t>(nearby_.count);
-    const auto widening = static_cast<int32_t>(sites_.count() - nearby_.count);
-    for (size_t k = 0; k < count; ++k) {
-      const int32_t row = (nearest_[k] >= stride ? 1 : 0) + (nearest_[k] >= 2 * stride ? 1 : 0);
-      nearest_[k] += row * widening + static_cast<int32_t>(offset);
-    }
-    if (shape == SiteShape::kCell) {
-      for (size_t k = 0; k < count; ++k) out[begin + k] = sites_.codes()[nearest_[k]];
-    } else {
-      paintDots(count);
-      encodePixels(values_, count, reinterpret_cast<uint8_t*>(out + begin));
-    }
+/// Mixes each pixel from its dot's colour and white, both as opaque as the picture is there.
+void paintDots(const float* sites, const int32_t* found, const float* coverage, float* values,
+               size_t count) {
+  for (size_t k = 0; k < count; ++k) {
+    const float* site = sites + found[k];
+    const float gap = site[3] * (1 - coverage[k]);
+    for (size_t c = 0; c < 4; ++c) values[k * 4 + c] = site[c] * coverage[k] + gap;
   }
-
- private:
-  void paintDots(size_t count) {
-    for (size_t k = 0; k < count; ++k) {
-      const float* site = sites_.values() + static_cast<size_t>(nearest_[k]) * 4;
-      const float depth = dotRadius_ - std::sqrt(squaredDistance_[k]) + 0.5F;
-      const float coverage = std::clamp(depth, 0.0F, 1.0F);
-      const float gap = site[3] * (1 - coverage);
-      for (size_t c = 0; c < 4; ++c) values_[k * 4 + c] = site[c] * coverage + gap;
-    }
-  }
-
-  const SiteRows& sites_;
-  float dotRadius_;
-  NearbySites nearby_;
-  int32_t nearest_[kChunk];
-  float squaredDistance_[kChunk];
-  float values_[kChunk * 4];
-};
+}
 
 }  // namespace
 
-NSPoint SiteGrid::site(int64_t i, int64_t j) const {
+NSPoint SiteGrid::shift(int64_t i, int64_t j) const {
   const uint32_t random = mixed(i, j);
   const double u = (random & 0xFFFF) / 65536.0 - 0.5;
   const double v = (random >> 16) / 65536.0 - 0.5;
-  return {center.x + (static_cast<double>(i) + kJitter * u) * pitch,
-          center.y + (static_cast<double>(j) + kJitter * v) * pitch};
+  return {kJitter * u * pitch, kJitter * v * pitch};
 }
 
 int64_t SiteOperation::growth() const {
@@ -219,14 +212,21 @@ int64_t SiteOperation::reach() const {
 void SiteOperation::render(const OperationSource& source, const OperationTarget& target,
                            RowRange rows) const {
   const SourceView view(source, target);
-  SiteRows sites(grid_, view, target);
-  SitePainter painter(sites, grid_.pitch);
-  const int64_t width = target.bitmap.pixelsWide();
+  SiteRows sites(shape_, grid_, view, target);
+  const auto width = static_cast<size_t>(target.bitmap.pixelsWide());
+  std::vector<int32_t> found(width + kLanes);
+  std::vector<float> squaredDistance(width + kLanes);
+  std::vector<float> values(shape_ == SiteShape::kDot ? 4 * width : 0);
+  const auto dotRadius = static_cast<float>(kDotRadius * grid_.pitch);
   for (int64_t y = rows.first; y < rows.end; ++y) {
-    sites.moveTo(y);
-    auto* out = reinterpret_cast<uint32_t*>(target.bitmap.writableRows(y, y + 1));
-    for (int64_t x = 0; x < width; x += kChunk) {
-      painter.paint(shape_, x, std::min(x + kChunk, width), out);
+    findNearest(sites.moveTo(y), found.data(), squaredDistance.data());
+    uint8_t* out = target.bitmap.writableRows(y, y + 1);
+    if (shape_ == SiteShape::kCell) {
+      std::memcpy(out, found.data(), 4 * width);
+    } else {
+      coverPixels(dotRadius, squaredDistance.data(), squaredDistance.data(), width);
+      paintDots(sites.values(), found.data(), squaredDistance.data(), values.data(), width);
+      encodePixels(values.data(), width, out);
     }
   }
 }

@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "platform/filters/CodeBatch.h"
+#include "platform/filters/LinearLight.h"
+
+namespace {
+
+TEST(LinearLight, LightOfEveryCode) {
+  std::vector<uint8_t> codes(256);
+  std::iota(codes.begin(), codes.end(), uint8_t{0});
+  std::vector<float> lights(256);
+  lightsOfCodes(codes.data(), 256, lights.data());
+  for (size_t code = 0; code < 256; ++code) {
+    const double exact = linearFromCoded(static_cast<double>(code) / 255);
+    EXPECT_NEAR(lights[code], exact, 1.5e-6) << code;
+    // Whether a loop's vectors or its tail computed it, and in the table.
+    float alone;
+    lightsOfCodes(&codes[code], 1, &alone);
+    EXPECT_EQ(alone, lights[code]) << code;
+    EXPECT_EQ(linearLightTables().linear[code], lights[code]) << code;
+  }
+  std::vector<uint8_t> again(256);
+  codesOfLights(lights.data(), 256, again.data());
+  EXPECT_EQ(again, codes);
+}
+
+TEST(LinearLight, NearestCodeOfAnyLight) {
+  std::vector<float> lights;
+  for (int i = -2000; i <= 62000; ++i) lights.push_back(static_cast<float>(i) / 60000.0F);
+  lights.insert(lights.end(), {-1e30F, 1e30F, 1e-30F, std::numeric_limits<float>::infinity()});
+  std::vector<uint8_t> codes(lights.size());
+  codesOfLights(lights.data(), lights.size(), codes.data());
+  for (size_t i = 0; i < lights.size(); ++i) {
+    const double light = std::clamp(static_cast<double>(lights[i]), 0.0, 1.0);
+    EXPECT_NEAR(codes[i], 255 * codedFromLinear(light), 0.51) << lights[i];
+    uint8_t alone;
+    codesOfLights(&lights[i], 1, &alone);
+    EXPECT_EQ(alone, codes[i]) << lights[i];
+  }
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  uint8_t code = 99;
+  codesOfLights(&nan, 1, &code);
+  EXPECT_EQ(code, 0);
+}
+
+TEST(CodeBatch, EveryPremultipliedPixelSurvivesSplittingAndJoining) {
+  const LinearLightTables& tables = linearLightTables();
+  for (unsigned alpha = 0; alpha < 256; ++alpha) {
+    std::vector<uint32_t> pixels;
+    for (unsigned c = 0; c <= alpha; ++c) pixels.push_back(c | c << 8 | c << 16 | alpha << 24);
+    CodeBatch codes;
+    splitPixels(pixels.data(), pixels.size(), codes);
+    for (unsigned c = 0; c <= alpha; ++c) {
+      const auto premultiplied = static_cast<uint8_t>(c);
+      ASSERT_EQ(codes.channels[1][c],
+                straightCode(tables, premultiplied, static_cast<uint8_t>(alpha)));
+    }
+    CodeBatch stored = codes;
+    roundTrip(stored);
+    std::vector<uint32_t> joined(pixels.size());
+    joinPixels(stored, joined.data());
+    ASSERT_EQ(joined, pixels) << alpha;
+  }
+}
+
+TEST(CodeBatch, LookUpsInVectorsAndByteByByteAgree) {
+  std::mt19937 random(8);
+  CodeTable table;
+  for (uint8_t& code : table) code = static_cast<uint8_t>(random());
+  std::vector<uint8_t> bytes(1000);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  for (const KeptBytes kept : {KeptBytes::kNone, KeptBytes::kAlphas}) {
+    for (const size_t count : {0, 4, 60, 64, 68, 252, 1000}) {
+      std::vector<uint8_t> fast(count);
+      std::vector<uint8_t> plain(count);
+      lookUpBytes(table, kept, bytes.data(), count, fast.data());
+      lookUpBytesScalar(table, kept, bytes.data(), count, plain.data());
+      EXPECT_EQ(fast, plain) << count;
+      for (size_t i = 3; i < count; i += 4) {
+        EXPECT_EQ(plain[i], kept == KeptBytes::kAlphas ? bytes[i] : table[bytes[i]]);
+      }
+    }
+  }
+}
+
+}  // namespace
