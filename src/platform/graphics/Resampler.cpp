@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -44,28 +45,27 @@ Resampler::Resampler(const NSBitmapImageRep& source, const ResampleMapping& mapp
 }
 
 void Resampler::buildColumns() {
-  // Windows move in one direction, so the outermost pixels need the outermost columns.
-  FilterWindow window;
-  horizontal_.window(visible_.x0, window);
-  firstColumn_ = window.first;
-  int64_t endColumn = window.end();
-  horizontal_.window(visible_.x1 - 1, window);
-  firstColumn_ = std::min(firstColumn_, window.first);
-  endColumn = std::max(endColumn, window.end());
-  columnCount_ = endColumn - firstColumn_;
-
   copies_ = horizontal_.cellSize() == 1 && vertical_.cellSize() == 1;
   windows_.reserve(static_cast<size_t>(visible_.width()));
+  // Windows do not follow one another strictly: where a pixel falls on a cell, the window is one
+  // cell, and those of both its neighbours reach over it.
+  firstColumn_ = std::numeric_limits<int64_t>::max();
+  int64_t endColumn = 0;
+  FilterWindow window;
   for (int64_t x = 0; x < visible_.width(); ++x) {
     horizontal_.window(visible_.x0 + x, window);
+    firstColumn_ = std::min(firstColumn_, window.first);
+    endColumn = std::max(endColumn, window.end());
     copies_ = copies_ && window.weights.size() == 1 && window.first == firstColumn_ + x;
     const size_t padding = -window.weights.size() % kTapGroup;
-    windows_.push_back({static_cast<uint32_t>(window.first - firstColumn_),
+    windows_.push_back({static_cast<uint32_t>(window.first),
                         static_cast<uint32_t>(window.weights.size() + padding),
                         static_cast<uint32_t>(columnWeights_.size())});
     columnWeights_.insert(columnWeights_.end(), window.weights.begin(), window.weights.end());
     columnWeights_.insert(columnWeights_.end(), padding, 0.0F);
   }
+  columnCount_ = endColumn - firstColumn_;
+  for (ColumnWindow& w : windows_) w.first -= static_cast<uint32_t>(firstColumn_);
 }
 
 /// The vertical cells that hold used rows of the bitmap.

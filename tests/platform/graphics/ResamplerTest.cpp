@@ -202,6 +202,26 @@ TEST(Resampler, PartOfTheDestinationIsThatPartOfTheWhole) {
   }
 }
 
+TEST(Resampler, PartsMayBeginOnAnyPixel) {
+  // Where a pixel falls on the middle of a source pixel its filter is that one pixel, and the
+  // filters of its neighbours reach farther on both sides.
+  const auto source = randomBitmap(12, 9, 15);
+  for (const bool mirrored : {false, true}) {
+    ResampleMapping mapping = wholeMapping(*source, 36, 45);
+    mapping.mirroredX = mirrored;
+    const auto whole = resample(*source, mapping, {0, 0, 36, 45});
+    for (int32_t x0 = 0; x0 < 36; ++x0) {
+      for (int32_t x1 = x0 + 1; x1 <= 36; ++x1) {
+        const auto part = resample(*source, mapping, {x0, 20, x1, 25});
+        for (int64_t y = 0; y < 5; ++y) {
+          ASSERT_EQ(std::memcmp(part->row(y), whole->row(20 + y) + x0 * 4, part->bytesPerRow()), 0)
+              << x0 << " to " << x1;
+        }
+      }
+    }
+  }
+}
+
 TEST(Resampler, RowsMayBeAskedForInAnyOrder) {
   const auto source = randomBitmap(700, 900, 6);
   const auto mapping = wholeMapping(*source, 6, 7);
