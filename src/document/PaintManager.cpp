@@ -131,14 +131,13 @@ void PaintManager::raiseRefreshControl(int64_t control) {
 void PaintManager::raiseRefreshControl(int64_t control, Selection changed) {
   // A change of the topmost draw does not undo that something below it changed before.
   _imageRefreshControl = std::max(_imageRefreshControl, control);
-  if (control == kRebuildBuffer) {
-    for (const auto& draw : changed) areas_.noteChange(draw);
-  }
+  // Also the topmost draw, which may be in a buffer that is stale already.
+  for (const auto& draw : changed) areas_.noteChange(draw);
 }
 
 void PaintManager::respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBase>> draws) {
   if (draws.size() == 1 && draws[0] != nullptr && draws[0] == toppestDraw()) {
-    raiseRefreshControl(kRefreshFullImage, {});
+    raiseRefreshControl(kRefreshFullImage, draws);
     return;
   }
   // The top-level draws that changed: those given, and the groups of those given.

@@ -8,6 +8,7 @@
 #include "draw/image/DrawPDF.h"
 #include "draw/image/DrawSVG.h"
 #include "draw/raster/DrawBrushes.h"
+#include "draw/raster/DrawFill.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectShape.h"
 #include "platform/graphics/NSShadow.h"
@@ -26,23 +27,29 @@ bool paintsAroundItsPath(const DrawBase& draw) {
                                             &DrawBezierPath::kClass, &DrawPen::kClass,
                                             &DrawEraser::kClass,     &DrawAirbrush::kClass,
                                             &DrawImage2::kClass,     &DrawPDF::kClass,
-                                            &DrawSVG::kClass};
+                                            &DrawSVG::kClass,        &DrawClear::kClass};
   return draw.isKindOfClass(DrawRectShape::kClass) ||
          std::any_of(std::begin(kClasses), std::end(kClasses),
                      [&](const NSClass* c) { return draw.isMemberOfClass(*c); });
 }
 
-/// How far joins, caps, heads, outlines and the shift of odd line widths reach beyond the path.
+/// How far joins, caps, heads, outlines and shifts to whole pixels reach beyond the path.
 CGFloat overhang(const DrawBase& draw) {
-  constexpr CGFloat kSquareCap = 1.5, kHead = 4;
-  if (!draw.drawStroke() && !draw.hasStrokeOutline()) return 1;
+  constexpr CGFloat kSquareCap = 1.5, kHead = 4, kShift = 2;
+  if (!draw.drawStroke() && !draw.hasStrokeOutline()) return kShift;
   const NSBezierPath& path = *draw.bezierPath();
   const CGFloat outline =
       draw.enableStrokeOutline() ? std::max<CGFloat>(draw.strokeOutlineWidth(), 0) : 0;
   const bool miters = path.lineJoinStyle() == LineJoin::miter || outline > 0;
   const CGFloat reach = std::max(kSquareCap, miters ? path.miterLimit() : 0);
   const CGFloat line = path.lineWidth() * std::max(reach / 2, draw.arrowStyle() != 0 ? kHead : 0);
-  return 1 + line + reach * outline;
+  return kShift + line + reach * outline;
+}
+
+/// Whether the draw may replace pixels by a layer, which does so all over the canvas.
+bool copiesLayers(const DrawBase& draw) {
+  return draw.copyWhenComposite() && (draw.hasStrokeOutline() || draw.enableShadow() ||
+                                      draw.enableInnerShadow() || draw.enableReflection());
 }
 
 /// What renderedRect leaves out: it takes lines with heads as they are before they are turned.
@@ -94,9 +101,7 @@ std::optional<NSRect> PaintedAreas::areaOf(const DrawBase& draw) {
     }
     return area;
   }
-  // An outline that is copied replaces the pixels around it, too.
-  const bool copiesLayer = draw.copyWhenComposite() && draw.hasStrokeOutline();
-  if (copiesLayer || !paintsAroundItsPath(draw)) return std::nullopt;
+  if (copiesLayers(draw) || !paintsAroundItsPath(draw)) return std::nullopt;
   if (draw.bezierPath() == nullptr || draw.bezierPath()->isEmpty()) return NSZeroRect;
   const NSRect rect = NSUnionRect(draw.renderedRect(), turnedLine(draw));
   const CGFloat margin = overhang(draw);
@@ -146,12 +151,15 @@ std::optional<std::vector<NSRect>> PaintedAreas::takeStaleRects(const DrawArray&
   }
   if (painted_.size() == inOrder_.size()) return stale;
   // The rest has left the buffer.
+  bool known = true;
   std::erase_if(painted_, [&](const auto& entry) {
-    const bool gone = entry.second.seen != round_;
-    if (gone && entry.second.area) addDisjoint(stale, *entry.second.area);
-    return gone;
+    const auto& [area, seen] = entry.second;
+    if (seen == round_) return false;
+    known = known && area.has_value();
+    if (area) addDisjoint(stale, *area);
+    return true;
   });
-  return stale;
+  return known ? std::optional(stale) : std::nullopt;
 }
 
 bool PaintedAreas::touches(size_t index, std::span<const NSRect> rects) const {

@@ -1,6 +1,8 @@
 #include "support/RandomDraws.h"
 
+#include "draw/image/DrawImage2.h"
 #include "draw/raster/DrawBrushes.h"
+#include "draw/raster/DrawFill.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawMessages.h"
 #include "draw/shapes/DrawRectShape.h"
@@ -8,6 +10,7 @@
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSShadow.h"
+#include "support/Bitmaps.h"
 
 namespace {
 
@@ -64,11 +67,21 @@ std::shared_ptr<DrawBase> RandomDraws::box() {
       draw = std::make_shared<DrawFixedShape>(below(kFixedOutlineCount));
       draw->init();
       break;
+    case 6:
+      if (oneIn(4)) return clearedArea();
+      [[fallthrough]];
     default:
       draw = made<DrawRectangle>();
   }
   const NSPoint origin = point();
   draw->setBezierPathWithBounds({origin, {3.0 + below(60), 3 + below(600) / 10.0}});
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::clearedArea() {
+  auto draw = made<DrawClear>();
+  const NSPoint origin = point();
+  draw->bezierPath()->appendBezierPathWithOvalInRect({origin, {3.0 + below(60), 20}});
   return draw;
 }
 
@@ -114,6 +127,15 @@ std::shared_ptr<DrawBase> RandomDraws::spray() {
     draw->bezierPath()->moveToPoint(p);
     draw->bezierPath()->lineToPoint(p);
   }
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::picture() {
+  const auto draw = DrawImage2::initWithImage(
+      randomBitmap(1 + below(30), 1 + below(30), static_cast<unsigned>(random_())));
+  if (oneIn(2)) draw->setXRadius(4, 6);
+  const NSPoint origin = point();
+  draw->setBezierPathWithBounds({origin, {3.0 + below(60), 3 + below(600) / 10.0}});
   return draw;
 }
 
@@ -163,8 +185,8 @@ void RandomDraws::addEffects(DrawBase& draw) {
 }
 
 std::shared_ptr<DrawBase> RandomDraws::next() {
-  const unsigned kind = below(8);
-  const auto draw = kind < 4 ? box() : kind < 7 ? polyline() : spray();
+  const unsigned kind = below(9);
+  const auto draw = kind < 4 ? box() : kind < 7 ? polyline() : kind < 8 ? spray() : picture();
   addPaint(*draw);
   addEffects(*draw);
   description_ = std::string(draw->className()) + (draw->enableShadow() ? " shadow" : "") +

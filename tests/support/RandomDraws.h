@@ -6,8 +6,8 @@
 
 #include "draw/core/DrawBase.h"
 
-/// Draws of all kinds of shapes, lines and strokes with attributes by chance, somewhere on a square
-/// canvas or across its edges. The same ones for the same seed.
+/// Draws of all kinds of shapes, lines, strokes and pictures with attributes by chance, somewhere
+/// on a square canvas or across its edges. The same ones for the same seed.
 class RandomDraws {
  public:
   RandomDraws(unsigned seed, double side) : random_(seed), side_(side) {}
@@ -31,6 +31,8 @@ class RandomDraws {
   std::shared_ptr<DrawBase> box();
   std::shared_ptr<DrawBase> polyline();
   std::shared_ptr<DrawBase> spray();
+  std::shared_ptr<DrawBase> picture();
+  std::shared_ptr<DrawBase> clearedArea();
   void addPaint(DrawBase& draw);
   void addEffects(DrawBase& draw);
 
