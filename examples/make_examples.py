@@ -10,6 +10,7 @@ sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
 from keyed_archive import Float32  # noqa: E402
 from landscape import landscape  # noqa: E402
 from make_pdfs import pdf  # noqa: E402
+from fills_example import fills  # noqa: E402
 from paint_document import PaintDocument  # noqa: E402
 from picture_documents import png, two_gray_jpeg  # noqa: E402
 
@@ -178,6 +179,7 @@ def text():
 
 EXAMPLES = {"background": background, "composition": composition, "filters": filters,
             "pictures": pictures, "poster": poster, "text": text}
+EXAMPLES["fills"] = fills
 
 
 def main():

@@ -7,6 +7,7 @@
 
 #include "draw/raster/FillKernels.h"
 #include "draw/raster/ImageMask.h"
+#include "draw/raster/MaskKernels.h"
 #include "draw/raster/RegionBorder.h"
 #include "platform/graphics/NSBezierPath.h"
 #include "platform/graphics/NSBitmapImageRep.h"
@@ -107,39 +108,57 @@ void ImageFill::searchPoints() {
   bFillAll_ = false;
   x1_ = x2_ = xStart_;
   y1_ = y2_ = yStart_;
-  searchRow(yStart_, xStart_, xStart_ + 1);
-  while (!pending_.empty()) {
-    const Span span = pending_.back();
-    pending_.pop_back();
-    if (span.y > 0) searchRow(span.y - 1, span.x0, span.x1);
-    if (span.y + 1 < h_) searchRow(span.y + 1, span.x0, span.x1);
+  // As if reached from below, where nothing was taken.
+  searchRow({xStart_, xStart_, yStart_ + 1, -1, 0, 0}, -1, xStart_, xStart_ + 1);
+  // By generations, which keeps to neighbouring rows and the list of spans short.
+  for (std::vector<Span> generation; !reached_.empty(); generation.clear()) {
+    generation.swap(reached_);
+    for (const Span& span : generation) {
+      searchRow(span, span.dy, span.x0, span.x1);
+      // Back where the search came from only what lies to the left and right of that is new.
+      searchRow(span, -span.dy, span.x0, std::min(span.from0, span.x1));
+      searchRow(span, -span.dy, std::max(span.from1, span.x0), span.x1);
+    }
   }
   if (!bFillNeeded_) bFillNeeded_ = regionDiffersFromSeed();
+  paintRegion();
 }
 
-/// Takes the stretches of a row that can be reached from the pixels [x0, x1) of a neighbour.
-void ImageFill::searchRow(int32_t y, int32_t x0, int32_t x1) {
+/// Row by row, because the search jumps about.
+void ImageFill::paintRegion() {
+  if (imgDst_ == nullptr) return;
+  const auto width = static_cast<size_t>(x2_ - x1_ + 1);
+  std::vector<uint8_t> mask(width);
+  for (int32_t y = y1_; y <= y2_; ++y) {
+    selectMarks(mask.data(), search_.get() + indexOf(x1_, y), width, kInRegion);
+    auto* row = reinterpret_cast<uint32_t*>(imgDst_->writableRows(y, y + 1));
+    fillMasked(row + x1_, mask.data(), width, fillColorPixel());
+  }
+}
+
+/// Takes the stretches of the row next to a span, in the direction `dy`, that can be reached from
+/// its pixels [x0, x1).
+void ImageFill::searchRow(const Span& from, int32_t dy, int32_t x0, int32_t x1) {
+  const int32_t y = from.y + dy;
+  if (y < 0 || y >= h_ || x0 >= x1) return;
   const uint8_t* row = search_.get() + indexOf(0, y);
   const uint8_t* end = row + x1;
   for (const uint8_t* p = firstZero(row + x0, end); p < end; p = firstZero(p, end)) {
     const uint8_t* start = p == row + x0 ? startOfZeros(row, p) : p;
     p = firstNonZero(p, row + w_);
-    takeSpan({static_cast<int32_t>(start - row), static_cast<int32_t>(p - row), y});
+    takeSpan({static_cast<int32_t>(start - row), static_cast<int32_t>(p - row), y, dy, from.x0,
+              from.x1});
   }
 }
 
-void ImageFill::takeSpan(Span span) {
+void ImageFill::takeSpan(const Span& span) {
   const auto length = static_cast<size_t>(span.x1 - span.x0);
   std::memset(search_.get() + indexOf(span.x0, span.y), kInRegion, length);
-  if (imgDst_ != nullptr) {
-    auto* row = reinterpret_cast<uint32_t*>(imgDst_->writableRows(span.y, span.y + 1));
-    std::fill_n(row + span.x0, length, fillColorPixel());
-  }
   x1_ = std::min(x1_, span.x0);
   x2_ = std::max(x2_, span.x1 - 1);
   y1_ = std::min(y1_, span.y);
   y2_ = std::max(y2_, span.y);
-  pending_.push_back(span);
+  reached_.push_back(span);
 }
 
 bool ImageFill::regionDiffersFromSeed() const {

@@ -60,9 +60,10 @@ class ImageFill : public NSObject {
   bool isFillAllRect() const { return bFillAll_; }
 
  private:
-  /// Pixels [x0, x1) of a row.
+  /// Pixels [x0, x1) of a row, reached from the row y - dy, whose pixels [from0, from1) were taken
+  /// before.
   struct Span {
-    int32_t x0, x1, y;
+    int32_t x0, x1, y, dy, from0, from1;
   };
 
   bool measureTolerances();
@@ -76,8 +77,9 @@ class ImageFill : public NSObject {
   void prepareFillImage(uint32_t tolerance);
   void fillAll();
   void searchPoints();
-  void takeSpan(Span span);
-  void searchRow(int32_t y, int32_t x0, int32_t x1);
+  void takeSpan(const Span& span);
+  void searchRow(const Span& from, int32_t dy, int32_t x0, int32_t x1);
+  void paintRegion();
   bool regionDiffersFromSeed() const;
 
   std::shared_ptr<NSBitmapImageRep> imgSrc_;
@@ -98,5 +100,5 @@ class ImageFill : public NSObject {
   // The region's bounds, all inclusive, rows from the top.
   int32_t x1_ = 0, x2_ = 0, y1_ = 0, y2_ = 0;
   /// Parts of the region whose neighbours have not been looked at.
-  std::vector<Span> pending_;
+  std::vector<Span> reached_;
 };

@@ -125,6 +125,8 @@ TEST(DrawFill, OfAMask) {
     EXPECT_FALSE(fill->enableStroke());
     EXPECT_TRUE(fill->drawFill());
     EXPECT_FALSE(fill->drawStroke());
+    EXPECT_TRUE(fill->hasBorder());
+    EXPECT_FALSE(fill->hasControlKnob());
   }
 }
 
