@@ -131,6 +131,8 @@ def good():
     a.top = {"color": a.color((1, 0, 0)), "list": a.array([1, "two"]), "nil": None, "n": 3}
     plain = a.to_bytes()
     yield "colors", colors()
+    yield "paths", paths()
+    yield "gradients", gradients()
     yield "pictures", pictures()
     yield "through_xml", through_xml(plain)
     yield "rewritten", subprocess.run(
@@ -208,6 +210,114 @@ def colors():
         "icc truncated": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=adobe[:200]),
         "icc header": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=adobe[:20]),
         "icc empty": custom("0.5 0.4 0.3 1", legacy="0 1 0\0", icc=b"")}
+    return a.to_bytes()
+
+
+SQUARE = [("M", 1, 2), ("L", 5, 2), ("L", 5, 6), ("L", 1, 6), ("Z",)]
+
+
+def paths():
+    """Paths, shadows and transforms of several writers, and such as none writes."""
+    a = KeyedArchive()
+
+    def raw(blob=b"", **fields):
+        return a.obj(["NSBezierPath", "NSObject"], {"NSSegments": blob, **fields})
+
+    def transform(blob):
+        return a.obj(["NSAffineTransform", "NSObject"], {"NSTransformStruct": blob})
+
+    floats = lambda *values: struct.pack(f">{len(values)}f", *values)
+    move = b"\0" + floats(1, 2)
+    line = b"\1" + floats(3, 4)
+    curve = b"".join(b"\2" + floats(x, x + 1) for x in (5, 6, 7))
+    quad = b"\4" + floats(4, 2) + b"\4" + floats(7, 5)
+    a.top = {
+        "plain": a.bezier_path([]),
+        "square": a.bezier_path(SQUARE),
+        "bare close": a.bezier_path(SQUARE, move_after_close=False),
+        "everything": a.bezier_path(
+            [("M", 0.1, -3), ("C", 1, 2, 3, 4, 5, 6)], line_width=2.5, cap=1, join=2, winding=1,
+            miter=4.0, flatness=0.25, dash=(6, 3.5), phase=1.25),
+        "defaults written": a.bezier_path(SQUARE, write_defaults=True, flatness=Float32(0.6)),
+        "other names": a.bezier_path(SQUARE, cap=2, join=1, keys=KeyedArchive.PATH_KEYS_ALT),
+        "any names": raw(move + line, MyEndCapKind=1, theJoin=Float32(2), FillWindingX=True,
+                         LineDashes=a.array([4, 2.5])),
+        "known names first": raw(move + line, aCap=2, NSCapStyle=1, NSDashPatterns=floats(7, 8),
+                                 ADash=a.array([1])),
+        "dash in an array": raw(move + line, NSDashPatterns=a.array([3, Float32(1.5), True]),
+                                NSDashPhase=2),
+        "dash data object": raw(move + line, NSDashPatterns=a.data(floats(2, 1))),
+        "dash cut": raw(move + line, NSDashPatterns=floats(2, 1) + b"\x40"),
+        "phase alone": raw(move + line, NSDashPhase=3.0),
+        "styles out of range": raw(move + line, NSCapStyle=3, NSJoinStyle=-1, NSWindingRule=1 << 40),
+        "quadratic": raw(move + quad),
+        "segments in an object": raw(a.data(move + line)),
+        "line first": raw(line + move + line),
+        "curve first": raw(curve + line),
+        "unknown kind": raw(move + line + b"\5" + floats(9, 9) + line),
+        "short tail": raw(move + line + line[:8]),
+        "curve cut": raw(move + line + curve[:18]),
+        "curve of other kinds": raw(move + line + curve[:18] + line),
+        "shadow": a.shadow(3, -4, 5, a.color((0, 1, 0, 0.25))),
+        "shadow alone": a.shadow(),
+        "shadow by size": a.obj(["NSShadow", "NSObject"], {"NSShadowOffset": a.size(6, -7)}),
+        "shadow of nonsense": a.shadow(float("nan"), float("inf"), -3.0),
+        "transform": transform(floats(1, 2, 3, 4, 5, 6)),
+        "diagonal": transform(floats(2, 3, 5, 6)),
+        "translation": transform(b"\1" + floats(7, 8)),
+        "scale": transform(b"\2" + floats(7, 8)),
+        "identity": a.obj(["NSAffineTransform", "NSObject"], {}),
+        "transform cut": transform(floats(1, 2))}
+    return a.to_bytes()
+
+
+def gradients():
+    """The same gradient, red at 0.25 to blue at 0.75, in every form that might be its own, and
+    forms that leave something out."""
+    a = KeyedArchive()
+    red, blue, green = a.color((1, 0, 0)), a.color((0, 0, 1)), a.color((0, 1, 0))
+    stops = [(red, 0.25), (blue, 0.75)]
+    colors = a.array([red, blue])
+
+    def raw(**fields):
+        return a.obj(["NSGradient", "NSObject"], fields)
+
+    def groups(code, count, before):
+        """Locations among the components of their colours: grey, RGB or CMYK with alpha."""
+        components = {3: ((1, 1), (0.25, 1)), 5: ((1, 0, 0, 1), (0, 0, 1, 1)),
+                      6: ((0, 1, 1, 0, 1), (1, 1, 0, 0, 1))}[count]
+        values = [v for (_, at), c in zip(stops, components)
+                  for v in ((at, *c) if before else (*c, at))]
+        return struct.pack(code[0] + str(len(values)) + code[1], *values)
+
+    same = {
+        "documented": a.gradient(stops),
+        "unsorted": a.gradient(stops[::-1]),
+        "current names": a.gradient(stops, ("colors", "locations", "space")),
+        "any names": a.gradient(stops, ("x1", "x2", "x3")),
+        "without space": a.gradient(stops, space=None),
+        "numbered": raw(NSColor0=red, NSColor1=blue, NSLocation0=0.25, NSLocation1=0.75),
+        "dotted": raw(**{"NSColor.0": red, "NSColor.1": blue, "NSLocation.0": a.number(0.25),
+                         "NSLocation.1": 0.75}),
+        "dictionaries": raw(stops=a.array([a.dictionary({"c": blue, "at": 0.75}),
+                                           a.dictionary({"c": red, "at": 0.25})])),
+        "other arrays beside": raw(names=a.array(["a", "b"]), numbers=a.array([1.0, 2.0, 3.0]),
+                                   fields=colors, at=a.array([0.25, 0.75]))}
+    for code in (">d", "<d", ">f", "<f"):
+        same["data " + code] = a.gradient(stops, locations="data:" + code)
+        # Locations after CMYK, and CMYK in floats, cannot be told from other readings.
+        for count in (3, 5, 6) if code[1] == "d" else (3, 5):
+            for before in (True, False)[:1 if count == 6 else 2]:
+                same[f"groups of {count} {code} {before}"] = raw(
+                    NSColors=colors, _componentArray=groups(code, count, before))
+    a.top = {**{"same " + name: gradient for name, gradient in same.items()},
+             "evenly": a.gradient([(red, 0), (blue, 0), (green, 0)], locations="none"),
+             "components only": raw(NSColors=colors, data=struct.pack("<8d", *[9.0] * 8)),
+             "locations too many": raw(NSColors=colors, NSLocations=a.array([0.1, 0.2, 0.3])),
+             "outside": a.gradient([(red, -3), (blue, 7)]),
+             "one": a.gradient([(green, 0.5)]),
+             "colors and others": raw(NSColors=a.array([red, "text", blue])),
+             "nothing": raw(), "no colors": raw(NSColors=a.array([1, 2]))}
     return a.to_bytes()
 
 

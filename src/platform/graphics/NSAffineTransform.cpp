@@ -15,7 +15,7 @@ constexpr const char* kTransformStructKey = "NSTransformStruct";
 
 CGAffineTransform rotation(CGFloat degrees) {
   const CGFloat quarters = degrees / 90;
-  if (quarters != std::floor(quarters)) {
+  if (!std::isfinite(quarters) || quarters != std::floor(quarters)) {
     return CGAffineTransformMakeRotation(degrees * std::numbers::pi / 180);
   }
   constexpr CGFloat kSine[4] = {0, 1, 0, -1};

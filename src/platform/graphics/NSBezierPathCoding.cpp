@@ -3,13 +3,18 @@
 #include <cmath>
 
 #include "platform/foundation/BigEndian.h"
+#include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSCoder.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSNumber.h"
 #include "platform/graphics/NSBezierPath.h"
 
 namespace {
 
 constexpr const char* kSegments = "NSSegments";
 constexpr const char* kLineWidth = "NSLineWidth";
+constexpr const char* kCapStyle = "NSCapStyle";
+constexpr const char* kJoinStyle = "NSJoinStyle";
 constexpr const char* kFlatness = "NSFlatness";
 constexpr const char* kMiterLimit = "NSMiterLimit";
 constexpr const char* kWindingRule = "NSWindingRule";
@@ -89,11 +94,50 @@ std::vector<uint8_t> segments(const PathData& path) {
   return bytes;
 }
 
-/// Some writers spell the cap and join keys with "Line".
-int64_t integerUnder(NSCoder& coder, const char* key, const char* otherKey, int64_t limit) {
-  const char* name = coder.containsValueForKey(key) ? key : otherKey;
-  const int64_t value = coder.decodeIntegerForKey(name);
-  return value < 0 || value > limit ? 0 : value;
+/// The record's keys with `part` in their name, `key` itself first.
+std::vector<std::string> keysLike(NSCoder& coder, const char* key, std::string_view part) {
+  std::vector<std::string> keys;
+  if (coder.containsValueForKey(key)) keys.emplace_back(key);
+  for (std::string& other : coder.decodableKeys()) {
+    if (other != key && other.find(part) != std::string::npos) keys.push_back(std::move(other));
+  }
+  return keys;
+}
+
+/// Writers do not agree on the names of styles.
+template <class Style>
+Style styleUnder(NSCoder& coder, const char* key, std::string_view part, Style last) {
+  for (const std::string& name : keysLike(coder, key, part)) {
+    if (const auto number = coder.decodeNumberForKey(name)) {
+      const int64_t value = number->integerValue();
+      return value < 0 || value > static_cast<int64_t>(last) ? Style{} : static_cast<Style>(value);
+    }
+  }
+  return {};
+}
+
+/// A dash pattern as big-endian floats, or as an array of numbers.
+std::vector<CGFloat> dashUnder(NSCoder& coder, const std::string& key) {
+  std::vector<CGFloat> dash;
+  if (const auto data = coder.decodeDataForKey(key)) {
+    const auto bytes = data->bytes();
+    for (size_t i = 0; i + 4 <= bytes.size(); i += 4) {
+      dash.push_back(loadBigEndianFloat(&bytes[i]));
+    }
+  } else if (const auto array = coder.decodeObjectOfClass<NSArray>(key)) {
+    for (const auto& object : *array) {
+      const auto* number = dynamic_cast<const NSNumber*>(object.get());
+      if (number != nullptr) dash.push_back(number->doubleValue());
+    }
+  }
+  return dash;
+}
+
+std::vector<CGFloat> decodeDash(NSCoder& coder) {
+  for (const std::string& key : keysLike(coder, kDashPatterns, "Dash")) {
+    if (auto dash = dashUnder(coder, key); !dash.empty()) return dash;
+  }
+  return {};
 }
 
 CGFloat doubleUnder(NSCoder& coder, const char* key, CGFloat absent) {
@@ -111,24 +155,19 @@ bool NSBezierPath::initWithCoder(NSCoder& coder) {
   // Old writers widened a float 0.6.
   if (std::fabs(flatness_ - kDefaultFlatness) < 1e-6) flatness_ = kDefaultFlatness;
   miterLimit_ = doubleUnder(coder, kMiterLimit, 10);
-  cap_ = static_cast<LineCap>(integerUnder(coder, "NSCapStyle", "NSLineCapStyle", 2));
-  join_ = static_cast<LineJoin>(integerUnder(coder, "NSJoinStyle", "NSLineJoinStyle", 2));
-  windingRule_ = static_cast<WindingRule>(integerUnder(coder, kWindingRule, kWindingRule, 1));
-  if (coder.containsValueForKey(kDashPatterns)) {
-    const auto bytes = coder.decodeBytesForKey(kDashPatterns);
-    for (size_t i = 0; i + 4 <= bytes.size(); i += 4) {
-      dash_.push_back(loadBigEndianFloat(&bytes[i]));
-    }
-    dashPhase_ = doubleUnder(coder, kDashPhase, 0);
-  }
+  cap_ = styleUnder(coder, kCapStyle, "Cap", LineCap::square);
+  join_ = styleUnder(coder, kJoinStyle, "Join", LineJoin::bevel);
+  windingRule_ = styleUnder(coder, kWindingRule, "Winding", WindingRule::evenOdd);
+  dash_ = decodeDash(coder);
+  if (!dash_.empty()) dashPhase_ = doubleUnder(coder, kDashPhase, 0);
   return true;
 }
 
 void NSBezierPath::encodeWithCoder(NSCoder& coder) const {
   if (!isEmpty()) coder.encodeBytes(segments(data_), kSegments);
   if (lineWidth_ != 1) coder.encodeDouble(lineWidth_, kLineWidth);
-  if (cap_ != LineCap::butt) coder.encodeInteger(static_cast<int64_t>(cap_), "NSCapStyle");
-  if (join_ != LineJoin::miter) coder.encodeInteger(static_cast<int64_t>(join_), "NSJoinStyle");
+  if (cap_ != LineCap::butt) coder.encodeInteger(static_cast<int64_t>(cap_), kCapStyle);
+  if (join_ != LineJoin::miter) coder.encodeInteger(static_cast<int64_t>(join_), kJoinStyle);
   if (miterLimit_ != 10) coder.encodeDouble(miterLimit_, kMiterLimit);
   if (flatness_ != kDefaultFlatness) coder.encodeDouble(flatness_, kFlatness);
   if (windingRule_ != WindingRule::nonZero) {

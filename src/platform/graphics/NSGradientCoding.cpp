@@ -68,10 +68,15 @@ Locations numbersIn(const NSArray& array) {
   return numbers;
 }
 
+/// Whether bytes read as numbers make sense as locations.
 bool areLocations(const Locations& locations) {
+  // Numbers read in the wrong byte order come out as tiny ones.
+  constexpr CGFloat kLeast = 1e-9;
   CGFloat previous = 0;
   for (const CGFloat location : locations) {
-    if (!(location >= previous && location <= 1)) return false;
+    if (!(location >= previous && location <= 1) || (location > 0 && location < kLeast)) {
+      return false;
+    }
     previous = location;
   }
   return true;
@@ -107,6 +112,20 @@ std::optional<Locations> locationsIn(std::span<const uint8_t> bytes, size_t coun
   return std::nullopt;
 }
 
+/// What stands under "<prefix>0", "<prefix>1" and so on, or under "<prefix>.0", ...: as many as
+/// `decode` finds something under.
+template <class Value, class Decode>
+std::vector<Value> underNumberedKeys(const std::string& prefix, Decode decode) {
+  std::vector<Value> values;
+  for (const char* separator : {"", "."}) {
+    while (auto value = decode(prefix + separator + std::to_string(values.size()))) {
+      values.push_back(std::move(*value));
+    }
+    if (!values.empty()) break;
+  }
+  return values;
+}
+
 std::optional<Locations> decodeLocations(NSCoder& coder, size_t count) {
   for (const std::string& key : keysInOrder(coder, kLocationsKeys)) {
     if (const auto array = coder.decodeObjectOfClass<NSArray>(key)) {
@@ -116,7 +135,11 @@ std::optional<Locations> decodeLocations(NSCoder& coder, size_t count) {
       if (auto locations = locationsIn(data->bytes(), count)) return locations;
     }
   }
-  return std::nullopt;
+  Locations numbered = underNumberedKeys<CGFloat>("NSLocation", [&](const std::string& key) {
+    const auto number = coder.decodeNumberForKey(key);
+    return number ? std::optional(number->doubleValue()) : std::nullopt;
+  });
+  return numbered.size() == count ? std::optional(std::move(numbered)) : std::nullopt;
 }
 
 Colors decodeColors(NSCoder& coder) {
@@ -126,16 +149,11 @@ Colors decodeColors(NSCoder& coder) {
       if (!colors.empty()) return colors;
     }
   }
-  // One key per colour: NSColor0, NSColor1, ...
-  Colors colors;
-  for (const char* prefix : {"NSColor", "NSColor."}) {
-    while (auto color =
-               coder.decodeObjectOfClass<NSColor>(prefix + std::to_string(colors.size()))) {
-      colors.push_back(std::move(color));
-    }
-    if (!colors.empty()) break;
-  }
-  return colors;
+  using Color = Colors::value_type;
+  return underNumberedKeys<Color>("NSColor", [&](const std::string& key) {
+    auto color = coder.decodeObjectOfClass<NSColor>(key);
+    return color ? std::optional(std::move(color)) : std::nullopt;
+  });
 }
 
 std::vector<NSGradient::Stop> decodeStopObjects(NSCoder& coder) {
