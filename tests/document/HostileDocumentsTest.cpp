@@ -36,5 +36,5 @@ TEST(HostileDocuments, AreDrawnOrLeftOut) {
         nullptr);
     ++count;
   }
-  EXPECT_GT(count, 80);
+  EXPECT_GT(count, 120);
 }

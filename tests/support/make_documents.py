@@ -5,6 +5,7 @@ Written without any code of the engine; what a reader must make of them stands i
 """
 import itertools
 import os
+import struct
 import sys
 
 from fill_documents import clears, fills, hostile_fills
@@ -216,6 +217,30 @@ def hostile():
     for name, dash in (("zeros", (0, 0)), ("tiny", (1e-30, 1e-30)), ("negative", (-1, -1)), ("odd", (3, 0, 1)),
                        ("many", (1,) * 5000)):
         yield f"dashes {name}", drawn(settings={"dash": dash})
+    for name, dash in (("0 5", (0, 5)), ("5 0", (5, 0)), ("1e9", (1e9, 1e9)), ("-1 5", (-1, 5)), ("1e9 -1", (1e9, -1))):
+        for cap in (0, 1, 2):
+            yield f"dashes {name} cap {cap}", drawn(settings={"dash": dash, "cap": cap, "phase": -1e9})
+    for width in (0, -1, 1e-9, 1e9):
+        for style in (0, 1, 2, 99, -1):
+            yield f"width {width:g} arrow {style}", drawn(
+                "DrawBrokenLine", square[:3], {"line_width": width}, ArrowStyle=style, outline_stroke=(1e9, BLUE))
+    for name, elements in (("no length", [("M", 5, 5), ("L", 5, 5)]), ("far", [("M", -3e38, 0), ("L", 3e38, 1)]),
+                           ("nan", [("M", nan, 5), ("L", 9, nan)]), ("closed", [("M", 5, 5), ("Z",)]),
+                           ("curve", [("M", 5, 5), ("C", 5, 5, 5, 5, 5, 5)])):
+        for style in (1, 2):
+            yield f"arrow {style} {name}", drawn("DrawBrokenLine", elements, {"line_width": 4}, ArrowStyle=style,
+                                                 shadow=None, reflection=(1, 0))
+    for name, text in (("1e300", "{{1e300, -1e300}, {1e300, 1e300}}"), ("nan", "{{nan, nan}, {nan, nan}}"),
+                       ("negative", "{{9, 9}, {-1e9, -5}}"), ("no", "none"), ("flat", "{{5, 5}, {0, 1e300}}")):
+        doc = canvas(64, 64)
+        for class_name in DRAW_CLASSES:
+            doc.add(class_name, outline=doc.rectangle(8, 8, 16, 16), stroke=RED, fill=BLUE, rotation=30,
+                    ControlBounds=doc.archive.add(text), XRadius=Float32(nan), YRadius=Float32(1e30),
+                    PointsCount=-1, InnerSize=doc.archive.add("{1e300, nan}"), Radius=Float32(-inf))
+        yield f"control bounds {name}", doc
+    # Most of its lines cross the canvas.
+    yield "10 million elements", raw_segments(b"\0" * 9 + b"".join(
+        b"\1" + struct.pack(">2f", i * 7919 % 64, i * 104729 % 61) for i in range(1000)) * 10000)
     yield "width 0", drawn(settings={"line_width": 0})
     yield "no first move", drawn(elements=square[1:])
     yield "only closes", drawn(elements=[("Z",)] * 50)
@@ -233,11 +258,12 @@ def hostile():
             doc.add("DrawEllipse", outline=doc.oval(4, 4, 50, 50), fill_gradient=(gradient, {"radial": radial}),
                     stroke_gradient=(gradient, {"radial": radial, "center": (1e30, -1e30)}))
         yield f"gradient {name}", doc
-    doc = canvas(64, 64)
-    colors = [doc.color(RED), doc.color(BLUE)]
-    many = doc.archive.gradient([(colors[i % 2], (i * 7919 % 100000) / 100000) for i in range(100000)])
-    doc.add("DrawEllipse", outline=doc.oval(4, 4, 50, 50), fill_gradient=(many, {}))
-    yield "gradient of 100000 stops", doc
+    for name, location in (("", lambda i: (i * 7919 % 100000) / 100000), (" equal", lambda i: 0.5)):
+        doc = canvas(64, 64)
+        colors = [doc.color(RED), doc.color(BLUE)]
+        many = doc.archive.gradient([(colors[i % 2], location(i)) for i in range(100000)])
+        doc.add("DrawEllipse", outline=doc.oval(4, 4, 50, 50), fill_gradient=(many, {}))
+        yield "gradient of 100000 stops" + name, doc
 
     for name, shadow in (("blur 1e9", (1, 1, 1e9)), ("blur nan", (1, 1, nan)), ("blur -5", (1, 1, -5)),
                          ("offset 1e30", (1e30, -1e30, 3)), ("offset nan", (nan, 0, 3))):

@@ -42,10 +42,12 @@ inline constexpr size_t kMaxFlattenedPoints = 16'000'000;
 /// that a curve with coordinates of 1e300 can ask for.
 inline constexpr int kMaxCurveSteps = 2000;
 
-/// Pixels that all edges of one shape may run through, counted inside the clip: some seconds of
-/// work. The densest scribble over the largest canvas crosses each pixel a dozen times at most;
-/// a shape beyond that is not drawn.
-inline constexpr int64_t kMaxEdgePixels = int64_t{1} << 32;
+/// Pixels that all edges of one shape may run through, counted inside the clip: this many, or so
+/// many times the pixels of the shape's box if that is more. The densest scribble over the largest
+/// canvas crosses each pixel a dozen times, and a second or two of work cover a small canvas with
+/// hundreds of layers; a shape beyond that is not drawn.
+inline constexpr int64_t kMaxEdgePixels = int64_t{1} << 28;
+inline constexpr int64_t kMaxEdgesPerPixel = 16;
 
 /// Edges held back for drawing in bands (512 MiB). Boxes for which that is too many are larger
 /// than 60 million pixels; a shape with more edges than this in such a box is not drawn.

@@ -30,6 +30,8 @@ void ScanConverter::begin(const PixelBox& box, const CoverRule& rule) {
   inContour_ = false;
   tooLarge_ = false;
   heldPixels_ = 0;
+  maxEdgePixels_ =
+      std::max(limits::kMaxEdgePixels, limits::kMaxEdgesPerPixel * box.width() * box.height());
   held_.clear();
   holding_ = box.width() * box.height() > kTilePixels;
   if (!holding_) tile_.reset(box.width(), box.height());
@@ -63,7 +65,7 @@ void ScanConverter::addPolyline(std::span<const GridPoint> points) {
   if (tooLarge_) return;
   if (!holding_) {
     tile_.addPolyline(points);
-    tooLarge_ = tile_.work() > limits::kMaxEdgePixels;
+    tooLarge_ = tile_.work() > maxEdgePixels_;
     return;
   }
   for (size_t i = 1; i < points.size(); ++i) hold({points[i - 1], points[i]});
@@ -92,7 +94,7 @@ void ScanConverter::hold(const Edge& edge) {
   if (held_.size() >= std::max(kHeldAlways, worthHolding)) {
     accumulateHeld();
     tile_.addEdge(edge.from, edge.to);
-  } else if (held_.size() >= limits::kMaxHeldEdges || heldPixels_ > limits::kMaxEdgePixels) {
+  } else if (held_.size() >= limits::kMaxHeldEdges || heldPixels_ > maxEdgePixels_) {
     tooLarge_ = true;
   } else {
     held_.push_back(edge);
@@ -111,7 +113,7 @@ bool ScanConverter::finish(CoverageSink& sink) {
   closeContour();
   // Every strip looks at every held edge.
   heldPixels_ += static_cast<int64_t>(held_.size()) * (box_.width() / kStripWidth);
-  tooLarge_ = tooLarge_ || heldPixels_ > limits::kMaxEdgePixels;
+  tooLarge_ = tooLarge_ || heldPixels_ > maxEdgePixels_;
   if (!holding_) {
     if (tooLarge_) {
       tile_.discard();

@@ -29,7 +29,8 @@ class ScanConverter {
 
   /// Hands the coverage of everything added to `sink`: one sweep from top to bottom, or, for
   /// boxes wider than kStripWidth, one per strip from left to right.
-  /// False, without drawing, when the shape went beyond limits::kMaxEdgePixels or kMaxHeldEdges.
+  /// False, without drawing, when the shape went beyond what limits::kMaxEdgePixels and
+  /// kMaxHeldEdges allow.
   bool finish(CoverageSink& sink);
 
   static constexpr int32_t kStripWidth = 65536;
@@ -52,7 +53,8 @@ class ScanConverter {
   CellTile tile_;
   bool holding_ = false;  ///< edges go to held_, not to the tile
   bool tooLarge_ = false;
-  int64_t heldPixels_ = 0;  ///< that held edges run through
+  int64_t heldPixels_ = 0;     ///< that held edges run through
+  int64_t maxEdgePixels_ = 0;  ///< that all edges may run through
 
   bool inContour_ = false;
   GridPoint start_;
