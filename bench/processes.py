@@ -99,6 +99,39 @@ def background_pictures(folder, program):
     line("    peak memory / its peak memory", f"{peak / theirs_peak:.2f}", "")
 
 
+def svg_text(body):
+    return ('<svg xmlns="http://www.w3.org/2000/svg" width="1000" height="1000" viewBox="0 0 1000 1000">'
+            f'{body}</svg>').encode()
+
+
+def paths():
+    """2,000 closed curves of some 100 units, half of them stroked too: what drawing programs export."""
+    pick = random.Random(1)
+    near = lambda: f"{pick.uniform(-60, 60):.2f},{pick.uniform(-60, 60):.2f}"
+    body = []
+    for i in range(2000):
+        steps = "".join(f"c {near()} {near()} {near()}" if k % 2 == 0 else f"l {near()}" for k in range(8))
+        stroke = ' stroke="#333" stroke-width="2"' if i % 2 == 0 else ""
+        body.append(f'<path fill="#{pick.getrandbits(24):06x}"{stroke} '
+                    f'd="M{pick.uniform(0, 1000):.2f} {pick.uniform(0, 1000):.2f}{steps}z"/>\n')
+    return svg_text("".join(body))
+
+
+def gradients():
+    """200 large translucent shapes, each with a gradient of its own."""
+    pick = random.Random(2)
+    body = []
+    for i in range(200):
+        stops = "".join(f'<stop offset="{offset}" stop-color="#{pick.getrandbits(24):06x}" '
+                        f'stop-opacity="{pick.uniform(0.5, 1):.2f}"/>' for offset in (0, 0.4, 1))
+        x, y = pick.randint(0, 700), pick.randint(0, 700)
+        body.append(f'<linearGradient x2=".7" y2="1" id="g{i}">{stops}</linearGradient>'
+                    f'<rect width="300" height="200" x="{x}" y="{y}" fill="url(#g{i})"/>' if i % 2 == 0 else
+                    f'<radialGradient fx=".3" id="g{i}">{stops}</radialGradient>'
+                    f'<ellipse rx="150" ry="110" cx="{x}" cy="{y}" fill="url(#g{i})"/>')
+    return svg_text("".join(body))
+
+
 def main():
     program = lambda name: os.path.join(BIN, name)
     thumbnailer = program("paint-thumbnailer")
@@ -133,6 +166,12 @@ def main():
             ours = min(ours, measure([thumbnailer, "-s", "256", document, out], 20)[0])
             theirs = min(theirs, measure([rsvg, "-w", "256", "-o", out, svg], 10)[0])
         line("800 x 600, 20 shapes, to 256 / rsvg-convert", f"{ours / theirs:.2f}", "at most 0.4")
+        for name, data in (("2,000 paths", paths()), ("200 gradients", gradients())):
+            with open(svg, "wb") as file:
+                file.write(data)
+            ours, _ = measure([program("paintdoc"), "render", svg, out], 10)
+            theirs, _ = measure([rsvg, "-o", out, svg], 10)
+            line(f"SVG of {name} at 1000 x 1000 / rsvg-convert", f"{ours / theirs:.2f}", "at most 0.7")
 
 
 if __name__ == "__main__":

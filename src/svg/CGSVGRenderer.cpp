@@ -225,14 +225,12 @@ void CGSVGRenderer::DrawGradientToContext(const GradientImpl& gradient, float op
 
 void CGSVGRenderer::DrawImage(const ImageData& image, const GraphicStyleImpl& graphicStyle,
                               const Rect& clipArea, const Rect& fillArea) {
-  if (context_ == nullptr) return;
-  const std::shared_ptr<NSBitmapImageRep> bitmap =
-      static_cast<const CGSVGImageData&>(image).bitmap();
-  if (bitmap == nullptr) return;
   save(graphicStyle, Layering::never);
-  context_->clip(toNSRect(clipArea));
-  context_->concatenate({1, 0, 0, -1, 0, CGFloat{fillArea.y.min} + fillArea.y.max});
-  context_->draw(*bitmap, toNSRect(fillArea));
+  if (const auto& bitmap = static_cast<const CGSVGImageData&>(image).bitmap()) {
+    context_->clip(toNSRect(clipArea));
+    context_->concatenate({1, 0, 0, -1, 0, CGFloat{fillArea.y.min} + fillArea.y.max});
+    context_->draw(*bitmap, toNSRect(fillArea));
+  }
   Restore();
 }
 

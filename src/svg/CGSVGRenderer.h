@@ -14,7 +14,7 @@ namespace SVGNative {
 class CGSVGRenderer : public SVGRenderer {
  public:
   /// Keeps the context until it gets another one, or null. Drawing without a context is a mistake
-  /// of the caller: Save ends the process, DrawPath and DrawImage do nothing.
+  /// of the caller: Save and DrawImage end the process, DrawPath does nothing.
   void SetGraphicsContext(std::shared_ptr<CGContext> context);
 
   std::shared_ptr<ImageData> CreateImageData(std::string_view base64,

@@ -182,12 +182,12 @@ bool ParseColor(std::string_view text, Color& color, Variables variables) {
 
 PaintResult ParsePaint(std::string_view text, const GradientMap& gradients,
                        const ColorArray* currentColor, Paint& paint) {
-  text = trimmed(text);
-  if (text.empty()) return PaintResult::empty;
-  if (text == "none") return PaintResult::none;
+  const std::string_view word = trimmed(text);
+  if (word.empty()) return PaintResult::empty;
+  if (word == "none") return PaintResult::none;
   constexpr std::string_view kReference = "url(#";
-  if (text.starts_with(kReference)) {
-    return parseReference(text.substr(kReference.size()), gradients, currentColor, paint);
+  if (word.starts_with(kReference)) {
+    return parseReference(word.substr(kReference.size()), gradients, currentColor, paint);
   }
   Color color;
   if (!ParseColor(text, color, Variables::allowed)) return PaintResult::invalid;

@@ -16,7 +16,7 @@ using GradientMap = NameMap<std::shared_ptr<GradientImpl>>;
 /// Texts of attribute values to values. Every function takes the whole value and answers whether
 /// it is valid; what it then leaves in its output, where nothing else is said, is unspecified and
 /// the caller keeps the attribute's default. Numbers are single precision. Whitespace around a
-/// value is allowed everywhere.
+/// value is allowed everywhere but after a colour that begins with "#".
 namespace SVGStringParser {
 
 enum class Unitless { refused, allowed };

@@ -43,6 +43,12 @@ TEST_F(CGSVGRendererDeathTest, SaveWithoutAContext) {
               "CGSVGRenderer: .*context_ != nullptr");
 }
 
+TEST_F(CGSVGRendererDeathTest, DrawingAnImageWithoutAContext) {
+  const auto image = renderer_->CreateImageData("", ImageEncoding::png);
+  EXPECT_EXIT(renderer_->DrawImage(*image, {}, {}, {}), testing::KilledBySignal(SIGABRT),
+              "CGSVGRenderer: .*context_ != nullptr");
+}
+
 TEST_F(CGSVGRendererTest, DrawingAPathWithoutAContextDoesNothing) {
   const auto path = renderer_->CreatePath();
   path->Rect(0, 0, 10, 10);

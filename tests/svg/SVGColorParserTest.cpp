@@ -156,6 +156,8 @@ INSTANTIATE_TEST_SUITE_P(
                     PaintCase{"nones", PaintResult::invalid},
                     PaintCase{"red", PaintResult::paint, Expected::color},
                     PaintCase{"rad", PaintResult::invalid},
+                    PaintCase{" #f80", PaintResult::paint, Expected::color},
+                    PaintCase{"#f80 ", PaintResult::invalid},
                     PaintCase{"currentColor", PaintResult::paint, Expected::key},
                     PaintCase{"var(--a)", PaintResult::paint, Expected::other},
                     PaintCase{"url(#g)", PaintResult::paint, Expected::gradient},
