@@ -18,9 +18,34 @@ inline void load(const float* p, Vector& v) {
   std::memcpy(&v, p, sizeof v);
 }
 
-void halveSingle(const float* in, float* out, size_t count) {
-  for (size_t i = 0; i < count; ++i, in += 2) {
-    out[i] = ((in[-2] + in[2]) + 4 * (in[-1] + in[1]) + 6 * in[0]) * (1.0F / 16);
+/// Sums of kSums vectors from element `i` on.
+template <size_t kSums>
+inline __attribute__((always_inline)) void weighAt(const float* const* taps, const float* weights,
+                                                   size_t radius, size_t i, float* out) {
+  Wide sums[kSums];
+  for (size_t s = 0; s < kSums; ++s) {
+    load(taps[radius] + i + s * kWide, sums[s]);
+    sums[s] *= weights[0];
+  }
+  for (size_t k = 1; k <= radius; ++k) {
+    const float* before = taps[radius - k] + i;
+    const float* after = taps[radius + k] + i;
+    for (size_t s = 0; s < kSums; ++s) {
+      Wide a, b;
+      load(before + s * kWide, a);
+      load(after + s * kWide, b);
+      sums[s] += weights[k] * (a + b);
+    }
+  }
+  std::memcpy(out + i, sums, sizeof sums);
+}
+
+VECTOR_CLONES void halveSingle(const float* __restrict in, float* __restrict out, size_t count) {
+  const float* even = in;
+  const float* odd = in - 1;
+  for (size_t i = 0; i < count; ++i) {
+    const float sides = even[2 * i - 2] + even[2 * i + 2];
+    out[i] = (sides + 4 * (odd[2 * i] + odd[2 * i + 2]) + 6 * even[2 * i]) * (1.0F / 16);
   }
 }
 
@@ -60,11 +85,24 @@ void doublePixels(const float* in, size_t odd, float* out, size_t count) {
   }
 }
 
-void doubleSingle(const float* in, size_t odd, float* out, size_t count) {
-  for (size_t x = odd; x < count + odd; ++x, ++out) {
-    const float* p = in + x / 2;
-    *out = x % 2 == 0 ? (p[-1] + p[1]) * 0.125F + p[0] * 0.75F : (p[0] + p[1]) * 0.5F;
+VECTOR_CLONES void doublePairs(const float* __restrict in, float* __restrict out, size_t pairs) {
+  const float* before = in - 1;
+  for (size_t i = 0; i < pairs; ++i) {
+    out[2 * i] = (before[i] + in[i + 1]) * 0.125F + in[i] * 0.75F;
+    out[2 * i + 1] = (in[i] + in[i + 1]) * 0.5F;
   }
+}
+
+void doubleSingle(const float* in, size_t odd, float* out, size_t count) {
+  if (count == 0) return;
+  if (odd == 1) {
+    *out++ = (in[0] + in[1]) * 0.5F;
+    ++in;
+    --count;
+  }
+  doublePairs(in, out, count / 2);
+  const float* last = in + count / 2;
+  if (count % 2 == 1) out[count - 1] = (last[-1] + last[1]) * 0.125F + last[0] * 0.75F;
 }
 
 }  // namespace
@@ -86,23 +124,9 @@ VECTOR_CLONES void weighSymmetric(const float* const* taps, const float* weights
   constexpr size_t kSums = 4;
   size_t i = 0;
   for (; i + kSums * kWide <= count; i += kSums * kWide) {
-    Wide sums[kSums];
-    for (size_t s = 0; s < kSums; ++s) {
-      load(taps[radius] + i + s * kWide, sums[s]);
-      sums[s] *= weights[0];
-    }
-    for (size_t k = 1; k <= radius; ++k) {
-      const float* before = taps[radius - k] + i;
-      const float* after = taps[radius + k] + i;
-      for (size_t s = 0; s < kSums; ++s) {
-        Wide a, b;
-        load(before + s * kWide, a);
-        load(after + s * kWide, b);
-        sums[s] += weights[k] * (a + b);
-      }
-    }
-    std::memcpy(out + i, sums, sizeof sums);
+    weighAt<kSums>(taps, weights, radius, i, out);
   }
+  for (; i + kWide <= count; i += kWide) weighAt<1>(taps, weights, radius, i, out);
   for (; i < count; ++i) {
     float sum = weights[0] * taps[radius][i];
     for (size_t k = 1; k <= radius; ++k) {

@@ -25,8 +25,6 @@ class PixellateOperation : public ImageOperation {
 struct SiteGrid {
   double pitch = 1;
   NSPoint center;
-  /// How far point (i, j) is moved, in pixels.
-  NSPoint shift(int64_t i, int64_t j) const;
 };
 
 /// What the point nearest to a pixel does with it.

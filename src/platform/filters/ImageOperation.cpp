@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+
+#include "platform/TargetClones.h"
 
 void runOperation(const ImageOperation& operation, const OperationSource& source,
                   const OperationTarget& target) {
@@ -20,9 +23,46 @@ void runOperation(const ImageOperation& operation, const OperationSource& source
   if (!rows.empty()) operation.render(source, target, rows);
 }
 
+namespace {
+
+constexpr size_t kSampleBatch = 64;
+
+/// Samples along one axis: the pixel centre before each, how far it lies from there to the next,
+/// and whether it lies on the picture.
+struct AxisPlaces {
+  int32_t whole[kSampleBatch];
+  float fraction[kSampleBatch];
+  int32_t inside[kSampleBatch];
+};
+
+VECTOR_CLONES void placeSamples(const double* __restrict x, size_t count, double shift, double size,
+                                AxisPlaces& places) {
+  for (size_t i = 0; i < count; ++i) {
+    const double at = x[i] + shift;
+    places.inside[i] = (at >= 0 ? 1 : 0) & (at < size ? 1 : 0);
+    const double beyond = at > 0 ? at : 0.0;
+    // Half a pixel more instead of less, so that truncation rounds down.
+    const double clamped = (beyond < size ? beyond : size) + 0.5;
+    const auto whole = static_cast<int32_t>(clamped);
+    places.whole[i] = whole - 1;
+    places.fraction[i] = static_cast<float>(clamped - static_cast<double>(whole));
+  }
+}
+
+VECTOR_CLONES void mixCorners(const float (*__restrict lights)[4 * kSampleBatch],
+                              const float (*__restrict fractions)[4 * kSampleBatch],
+                              float* __restrict out, size_t count) {
+  for (size_t i = 0; i < count; ++i) {
+    const float upper = lights[0][i] + (lights[1][i] - lights[0][i]) * fractions[0][i];
+    const float lower = lights[2][i] + (lights[3][i] - lights[2][i]) * fractions[0][i];
+    out[i] = upper + (lower - upper) * fractions[1][i];
+  }
+}
+
+}  // namespace
+
 SourceView::SourceView(const OperationSource& source, const OperationTarget& target)
     : bitmap_(*source.bitmap),
-      tables_(linearLightTables()),
       dx_(target.left - source.left),
       dy_(source.top - target.top),
       extended_(source.surround == Surround::kNearestPixel) {}
@@ -67,6 +107,13 @@ void SourceView::decode(int64_t x, int64_t row, size_t count, float* out) const 
   decodeSpan(x, row, count, 4, out, decodePixels);
 }
 
+void SourceView::decodeChannel(int64_t x, int64_t row, size_t count, size_t channel,
+                               float* out) const {
+  decodeSpan(x, row, count, 1, out, [&](const uint8_t* pixels, size_t length, float* values) {
+    ::decodeChannel(pixels, length, channel, values);
+  });
+}
+
 void SourceView::decodeLuma(int64_t x, int64_t row, size_t count, const LumaWeights& weights,
                             float* out) const {
   decodeSpan(x, row, count, 1, out, [&](const uint8_t* pixels, size_t length, float* values) {
@@ -83,30 +130,36 @@ const uint8_t* SourceView::pixel(int64_t column, int64_t row) const {
   return bitmap_.row(y) + x * 4;
 }
 
-void SourceView::sample(double x, double y, float* out) const {
-  const auto width = static_cast<double>(bitmap_.pixelsWide());
-  const auto height = static_cast<double>(bitmap_.pixelsHigh());
-  x += static_cast<double>(dx_);
-  y += static_cast<double>(dy_);
-  if (!extended_ && !(x >= 0 && x < width && y >= 0 && y < height)) {
-    std::fill_n(out, 4, 0.0F);
-    return;
+void SourceView::sample(const double* x, const double* y, size_t count, float* out) const {
+  for (size_t begin = 0; begin < count; begin += kSampleBatch) {
+    const size_t length = std::min(kSampleBatch, count - begin);
+    sampleBatch(x + begin, y + begin, length, out + 4 * begin);
   }
-  x = std::clamp(x, 0.0, width) - 0.5;
-  y = std::clamp(y, 0.0, height) - 0.5;
-  const double left = std::floor(x);
-  const double top = std::floor(y);
-  const auto column = static_cast<int64_t>(left);
-  const auto row = static_cast<int64_t>(top);
-  if (x == left && y == top) return decodePixel(tables_, pixel(column, row), out);
-  const auto fx = static_cast<float>(x - left);
-  const auto fy = static_cast<float>(y - top);
-  float corners[4][4];
-  for (int64_t i = 0; i < 4; ++i)
-    decodePixel(tables_, pixel(column + i % 2, row + i / 2), corners[i]);
-  for (size_t c = 0; c < 4; ++c) {
-    const float upper = corners[0][c] + (corners[1][c] - corners[0][c]) * fx;
-    const float lower = corners[2][c] + (corners[3][c] - corners[2][c]) * fx;
-    out[c] = upper + (lower - upper) * fy;
+}
+
+void SourceView::sampleBatch(const double* x, const double* y, size_t count, float* out) const {
+  AxisPlaces columns;
+  AxisPlaces rows;
+  placeSamples(x, count, static_cast<double>(dx_), static_cast<double>(bitmap_.pixelsWide()),
+               columns);
+  placeSamples(y, count, static_cast<double>(dy_), static_cast<double>(bitmap_.pixelsHigh()), rows);
+  uint32_t corners[4][kSampleBatch];
+  float fractions[2][4 * kSampleBatch];
+  for (size_t i = 0; i < count; ++i) {
+    for (int corner = 0; corner < 4; ++corner) {
+      std::memcpy(&corners[corner][i],
+                  pixel(columns.whole[i] + corner % 2, rows.whole[i] + corner / 2), 4);
+    }
+    std::fill_n(fractions[0] + 4 * i, 4, columns.fraction[i]);
+    std::fill_n(fractions[1] + 4 * i, 4, rows.fraction[i]);
+  }
+  float lights[4][4 * kSampleBatch];
+  for (int corner = 0; corner < 4; ++corner) {
+    decodePixels(reinterpret_cast<const uint8_t*>(corners[corner]), count, lights[corner]);
+  }
+  mixCorners(lights, fractions, out, 4 * count);
+  if (extended_) return;
+  for (size_t i = 0; i < count; ++i) {
+    if (!columns.inside[i] || !rows.inside[i]) std::fill_n(out + 4 * i, 4, 0.0F);
   }
 }

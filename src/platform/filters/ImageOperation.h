@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <memory>
 
@@ -51,20 +52,28 @@ class SourceView {
 
   /// `count` pixels from (x, row) on, as linear light (see LinearLight.h).
   void decode(int64_t x, int64_t row, size_t count, float* out) const;
+  /// One of red, green and blue (0 to 2), of a picture that is opaque everywhere.
+  void decodeChannel(int64_t x, int64_t row, size_t count, size_t channel, float* out) const;
   void decodeLuma(int64_t x, int64_t row, size_t count, const LumaWeights& weights,
                   float* out) const;
-  /// Bilinear sample between pixel centres, (0.5, 0.5) being that of the target's first pixel.
-  /// Transparent outside an unextended picture. Writes 4 floats of linear light.
-  void sample(double x, double y, float* out) const;
+  /// Bilinear samples between pixel centres, (0.5, 0.5) being that of the target's first pixel.
+  /// Transparent outside an unextended picture. Writes 4 floats of linear light for
+  /// each of `count` places.
+  /// pixelAt answers the pixel that such a place lies in.
+  void sample(const double* x, const double* y, size_t count, float* out) const;
+  const uint8_t* pixelAt(double x, double y) const {
+    return pixel(static_cast<int64_t>(std::floor(x)) + dx_,
+                 static_cast<int64_t>(std::floor(y)) + dy_);
+  }
 
  private:
   template <class Decode>
   void decodeSpan(int64_t x, int64_t row, size_t count, size_t channels, float* out,
                   const Decode& decode) const;
   const uint8_t* pixel(int64_t column, int64_t row) const;
+  void sampleBatch(const double* x, const double* y, size_t count, float* out) const;
 
   const NSBitmapImageRep& bitmap_;
-  const LinearLightTables& tables_;
   int64_t dx_;
   int64_t dy_;
   bool extended_;

@@ -146,6 +146,26 @@ void decodePixels(const uint8_t* pixels, size_t count, float* out) {
   }
 }
 
+VECTOR_CLONES void decodeChannel(const uint8_t* __restrict pixels, size_t count, size_t channel,
+                                 float* __restrict out) {
+  const auto* words = reinterpret_cast<const uint32_t*>(pixels);
+  const auto shift = static_cast<uint32_t>(8 * channel);
+  for (size_t i = 0; i < count; ++i) {
+    out[i] = lightOfCode(static_cast<float>(static_cast<int32_t>(words[i] >> shift & 0xFF)));
+  }
+}
+
+VECTOR_CLONES void encodeChannels(const float* __restrict red, const float* __restrict green,
+                                  const float* __restrict blue, size_t count,
+                                  uint32_t* __restrict out) {
+  for (size_t i = 0; i < count; ++i) {
+    const auto r = static_cast<uint32_t>(static_cast<int32_t>(codeOfLight(red[i])));
+    const auto g = static_cast<uint32_t>(static_cast<int32_t>(codeOfLight(green[i])));
+    const auto b = static_cast<uint32_t>(static_cast<int32_t>(codeOfLight(blue[i])));
+    out[i] = r | g << 8 | b << 16 | 0xFF000000U;
+  }
+}
+
 void decodeLuma(const uint8_t* pixels, size_t count, const LumaWeights& weights, float* out) {
   float batch[kBatch * 4];
   for (size_t begin = 0; begin < count; begin += kBatch) {

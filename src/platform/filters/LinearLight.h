@@ -53,7 +53,12 @@ inline void decodePixel(const LinearLightTables& tables, const uint8_t* in, floa
 }
 /// Writes 4 floats for each of `count` pixels.
 void decodePixels(const uint8_t* pixels, size_t count, float* out);
+/// Writes one of red, green and blue (0 to 2) of opaque pixels.
+void decodeChannel(const uint8_t* pixels, size_t count, size_t channel, float* out);
 /// Writes the weighted sum of the premultiplied linear colours of each pixel.
 void decodeLuma(const uint8_t* pixels, size_t count, const LumaWeights& weights, float* out);
+/// Writes `count` opaque pixels from the lights of their channels.
+void encodeChannels(const float* red, const float* green, const float* blue, size_t count,
+                    uint32_t* out);
 /// Writes `count` pixels: colours clamped to 0 to alpha, alpha to 0 to 1, rounded to nearest.
 void encodePixels(const float* values, size_t count, uint8_t* out);

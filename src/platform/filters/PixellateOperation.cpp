@@ -17,24 +17,45 @@ class CellRow {
       const double edge = centerX + (first_ + static_cast<double>(n)) * scale;
       if (n > 0 && edge >= static_cast<double>(width) + 0.5) break;
       centers_.push_back(edge + 0.5 * scale);
+      onPixels_ = onPixels_ && isOnPixel(centers_.back());
       begins_.push_back(std::clamp(static_cast<int64_t>(std::ceil(edge - 0.5)), int64_t{0}, width));
     }
     begins_.push_back(width);
   }
 
   void write(const SourceView& view, double y, uint32_t* out) {
-    const size_t count = centers_.size();
-    values_.resize(count * 4);
-    colors_.resize(count);
-    for (size_t n = 0; n < count; ++n) view.sample(centers_[n], y, values_.data() + n * 4);
-    encodePixels(values_.data(), count, reinterpret_cast<uint8_t*>(colors_.data()));
-    for (size_t n = 0; n < count; ++n)
+    colors_.resize(centers_.size());
+    if (onPixels_ && isOnPixel(y)) {
+      copyPixels(view, y);
+    } else {
+      samplePixels(view, y);
+    }
+    for (size_t n = 0; n < colors_.size(); ++n) {
       std::fill(out + begins_[n], out + begins_[n + 1], colors_[n]);
+    }
   }
 
  private:
+  static bool isOnPixel(double x) { return x - 0.5 == std::floor(x); }
+
+  void copyPixels(const SourceView& view, double y) {
+    for (size_t n = 0; n < colors_.size(); ++n) {
+      std::memcpy(&colors_[n], view.pixelAt(centers_[n], y), sizeof colors_[n]);
+    }
+  }
+
+  void samplePixels(const SourceView& view, double y) {
+    const size_t count = colors_.size();
+    values_.resize(count * 4);
+    rows_.assign(count, y);
+    view.sample(centers_.data(), rows_.data(), count, values_.data());
+    encodePixels(values_.data(), count, reinterpret_cast<uint8_t*>(colors_.data()));
+  }
+
   double first_;
+  bool onPixels_ = true;
   std::vector<double> centers_;
+  std::vector<double> rows_;
   std::vector<int64_t> begins_;
   std::vector<float> values_;
   std::vector<uint32_t> colors_;

@@ -14,13 +14,38 @@ namespace {
 constexpr double kJitter = 0.6;
 constexpr double kDotRadius = 0.55;
 /// An integer hash that changes half of the bits for a change of any.
-uint32_t mixed(int64_t i, int64_t j) {
+inline uint32_t mixed(int32_t i, int32_t j) {
   uint32_t h = static_cast<uint32_t>(i) * 0x9E3779B1U ^ static_cast<uint32_t>(j) * 0x85EBCA77U;
   h ^= h >> 15;
   h *= 0x2C1B3C6DU;
   h ^= h >> 12;
   h *= 0x297A2D39U;
   return h ^ (h >> 15);
+}
+
+/// Where the sites (first, j), (first + 1, j), ... lie: from the left edge of their cell, and from
+/// its middle upwards.
+VECTOR_CLONES void displaceSites(int32_t first, int32_t j, double pitch, float* __restrict x,
+                                 float* __restrict y, size_t count) {
+  const double scale = kJitter * pitch / 65536;
+  for (size_t n = 0; n < count; ++n) {
+    const uint32_t random = mixed(first + static_cast<int32_t>(n), j);
+    const auto u = static_cast<double>(static_cast<int32_t>(random & 0xFFFF) - 32768);
+    const auto v = static_cast<double>(static_cast<int32_t>(random >> 16) - 32768);
+    x[n] = static_cast<float>(u * scale + 0.5 * pitch);
+    y[n] = static_cast<float>(v * scale);
+  }
+}
+
+/// The same sites in pixels, y downwards; the first one's cell has its middle at (left, top).
+VECTOR_CLONES void placeSites(const float* __restrict x, const float* __restrict y, double pitch,
+                              double left, double top, double* __restrict placeX,
+                              double* __restrict placeY, size_t count) {
+  for (size_t n = 0; n < count; ++n) {
+    const auto cell = static_cast<double>(static_cast<int32_t>(n)) - 0.5;
+    placeX[n] = left + cell * pitch + static_cast<double>(x[n]);
+    placeY[n] = top - static_cast<double>(y[n]);
+  }
 }
 
 /// Neighbouring pixels, whose nearest sites are looked for together.
@@ -102,6 +127,8 @@ class SiteRows {
     window_.payload.resize(3 * cells);
     values_.resize(3 * cells * 4);
     for (Row& row : rows_) row.y.resize(cells);
+    sampleX_.resize(cells);
+    sampleY_.resize(cells);
     placeCells(width);
   }
 
@@ -154,15 +181,14 @@ class SiteRows {
     row.j = j;
     const size_t cells = window_.cells;
     float* values = values_.data() + slot * cells * 4;
-    for (size_t n = 0; n < cells; ++n) {
-      const int64_t i = first_ + static_cast<int64_t>(n);
-      const NSPoint shift = grid_.shift(i, j);
-      window_.x[slot * cells + n] = static_cast<float>(shift.x + 0.5 * grid_.pitch);
-      row.y[n] = static_cast<float>(shift.y);
-      const double x = grid_.center.x + static_cast<double>(i) * grid_.pitch + shift.x;
-      const double y = grid_.center.y + static_cast<double>(j) * grid_.pitch + shift.y;
-      view_.sample(x - static_cast<double>(left_), static_cast<double>(top_) - y, values + n * 4);
-    }
+    const double x = grid_.center.x + static_cast<double>(first_) * grid_.pitch;
+    const double y = grid_.center.y + static_cast<double>(j) * grid_.pitch;
+    displaceSites(static_cast<int32_t>(first_), static_cast<int32_t>(j), grid_.pitch,
+                  window_.x.data() + slot * cells, row.y.data(), cells);
+    placeSites(window_.x.data() + slot * cells, row.y.data(), grid_.pitch,
+               x - static_cast<double>(left_), static_cast<double>(top_) - y, sampleX_.data(),
+               sampleY_.data(), cells);
+    view_.sample(sampleX_.data(), sampleY_.data(), cells, values);
     int32_t* payload = window_.payload.data() + slot * cells;
     if (shape_ == SiteShape::kCell) {
       encodePixels(values, cells, reinterpret_cast<uint8_t*>(payload));
@@ -180,6 +206,8 @@ class SiteRows {
   SiteWindow window_;
   Row rows_[3];
   std::vector<float> values_;
+  std::vector<double> sampleX_;
+  std::vector<double> sampleY_;
 };
 
 /// Mixes each pixel from its dot's colour and white, both as opaque as the picture is there.
@@ -193,13 +221,6 @@ void paintDots(const float* sites, const int32_t* found, const float* coverage, 
 }
 
 }  // namespace
-
-NSPoint SiteGrid::shift(int64_t i, int64_t j) const {
-  const uint32_t random = mixed(i, j);
-  const double u = (random & 0xFFFF) / 65536.0 - 0.5;
-  const double v = (random >> 16) / 65536.0 - 0.5;
-  return {kJitter * u * pitch, kJitter * v * pitch};
-}
 
 int64_t SiteOperation::growth() const {
   return static_cast<int64_t>(std::ceil(1.5 * grid_.pitch));

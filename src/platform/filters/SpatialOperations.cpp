@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/TargetClones.h"
+#include "platform/filters/CodeBatch.h"
 
 namespace {
 
@@ -21,8 +22,10 @@ template <class Function>
 void forEachStrip(int64_t width, int64_t margin, const Function& function) {
   const int64_t strip = std::max<int64_t>(512, 16 * margin);
   const int64_t strips = std::max<int64_t>(1, (width + strip / 2) / strip);
-  for (int64_t i = 0; i < strips; ++i) {
-    function(ColumnRange{width * i / strips, width * (i + 1) / strips});
+  constexpr int64_t kVectors = 64;
+  const int64_t step = (width / strips + kVectors - 1) / kVectors * kVectors;
+  for (int64_t begin = 0; begin < width; begin += step) {
+    function(ColumnRange{begin, std::min(begin + step, width)});
   }
 }
 
@@ -32,6 +35,24 @@ RowStreamFactory pixelRows(const SourceView& view) {
         columns, Channels::kFour,
         [&](int64_t row, int64_t x, size_t count, float* out) { view.decode(x, row, count, out); });
   };
+}
+
+RowStreamFactory channelRows(const SourceView& view, size_t channel) {
+  return [&view, channel](ColumnRange columns) {
+    return std::make_unique<FunctionStream>(
+        columns, Channels::kOne,
+        [&view, channel](int64_t row, int64_t x, size_t count, float* out) {
+          view.decodeChannel(x, row, count, channel, out);
+        });
+  };
+}
+
+bool isOpaque(const NSBitmapImageRep& bitmap) {
+  const auto width = static_cast<size_t>(bitmap.pixelsWide());
+  for (int64_t y = 0; y < bitmap.pixelsHigh(); ++y) {
+    if (!allOpaque(reinterpret_cast<const uint32_t*>(bitmap.row(y)), width)) return false;
+  }
+  return true;
 }
 
 RowStreamFactory lumaRows(const SourceView& view, const LumaWeights& weights) {
@@ -89,6 +110,10 @@ int64_t BlurOperation::growth() const {
 void BlurOperation::render(const OperationSource& source, const OperationTarget& target,
                            RowRange rows) const {
   const SourceView view(source, target);
+  if (source.surround == Surround::kNearestPixel && isOpaque(*source.bitmap)) {
+    renderOpaque(view, target, rows);
+    return;
+  }
   forEachStrip(target.bitmap.pixelsWide(), plan_.margin(), [&](ColumnRange strip) {
     const auto stream = makeGaussianStream(plan_, strip, pixelRows(view));
     std::vector<float> values(stream->valueCount());
@@ -96,6 +121,25 @@ void BlurOperation::render(const OperationSource& source, const OperationTarget&
       stream->produce(y, values.data());
       encodePixels(values.data(), strip.count(),
                    target.bitmap.writableRows(y, y + 1) + 4 * strip.begin);
+    }
+  });
+}
+
+/// Where everything is opaque there are three channels to blur instead of four.
+void BlurOperation::renderOpaque(const SourceView& view, const OperationTarget& target,
+                                 RowRange rows) const {
+  forEachStrip(target.bitmap.pixelsWide(), plan_.margin(), [&](ColumnRange strip) {
+    const size_t stride = AlignedFloats::padded(strip.count());
+    AlignedFloats values(3 * stride);
+    float* const channels[] = {values.data(), values.data() + stride, values.data() + 2 * stride};
+    std::unique_ptr<RowStream> streams[3];
+    for (size_t c = 0; c < 3; ++c) {
+      streams[c] = makeGaussianStream(plan_, strip, channelRows(view, c));
+    }
+    for (int64_t y = rows.first; y < rows.end; ++y) {
+      for (size_t c = 0; c < 3; ++c) streams[c]->produce(y, channels[c]);
+      auto* out = reinterpret_cast<uint32_t*>(target.bitmap.writableRows(y, y + 1));
+      encodeChannels(channels[0], channels[1], channels[2], strip.count(), out + strip.begin);
     }
   });
 }

@@ -16,6 +16,8 @@ class BlurOperation : public ImageOperation {
               RowRange rows) const override;
 
  private:
+  void renderOpaque(const SourceView& view, const OperationTarget& target, RowRange rows) const;
+
   GaussianPlan plan_;
   double sigma_;
 };
