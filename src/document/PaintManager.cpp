@@ -140,15 +140,22 @@ void PaintManager::respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBa
     raiseRefreshControl(kRefreshFullImage, draws);
     return;
   }
+  std::vector<const DrawBase*> given;
+  for (const auto& draw : draws) given.push_back(draw.get());
+  std::sort(given.begin(), given.end());
+  const auto isGiven = [&](const std::shared_ptr<DrawBase>& draw) {
+    return std::binary_search(given.begin(), given.end(), draw.get());
+  };
   // The top-level draws that changed: those given, and the groups of those given.
   DrawArray changed;
   bool listed = false;
-  for (const auto& draw : draws) {
-    if (containsDraw(draw.get())) {
+  for (const auto& draw : aryDraw_) {
+    if (isGiven(draw)) {
       changed.push_back(draw);
       listed = true;
-    } else if (const DrawGroup* group = groupForDraw(draw.get())) {
-      changed.push_back(aryDraw_[*indexOfDraw(group)]);
+    } else if (draw->isKindOfClass(DrawGroup::kClass)) {
+      const DrawArray& inside = static_cast<const DrawGroup&>(*draw).draws();
+      if (std::any_of(inside.begin(), inside.end(), isGiven)) changed.push_back(draw);
     }
   }
   const auto isTopmost = [this](const auto& draw) { return draw == aryDraw_.back(); };
