@@ -6,6 +6,7 @@ resident set.
 """
 import os
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -132,6 +133,36 @@ def gradients():
     return svg_text("".join(body))
 
 
+def first_text(folder, program):
+    """What the first text box of a process costs, with the system's font caches in memory, and how often
+    its font file is opened."""
+    boxes = {"a text box": "Hello, world", "a page of text": "The quick brown fox jumps over the lazy dog. " * 60,
+             "three scripts and an emoji": "Hello, \u5e9e\u7f8e, \u05d0\u05d1, \U0001F600"}
+    paths = {}
+    for name, string in {"no text": "", **boxes}.items():
+        doc = PaintDocument(640, 480, background=(1, 1, 1))
+        doc.add("DrawText", outline=doc.rectangle(20, 20, 600, 440), Text=doc.text((string, doc.style("Helvetica", 14))))
+        paths[name] = os.path.join(folder, name + ".paintdoc")
+        with open(paths[name], "wb") as file:
+            file.write(doc.to_bytes())
+    cost = {name: float("inf") for name in paths}
+    command = lambda name: [program("paint-thumbnailer"), "-s", "256", paths[name], os.path.join(folder, "out.png")]
+    for _ in range(10):  # in turns, so that all see the same machine
+        for name in paths:
+            cost[name] = min(cost[name], measure(command(name), 10)[0])
+    for name in boxes:
+        target = "at most 6" if name == "a text box" else ""
+        line(f"{name} over the same document without, ms", f"{1e3 * (cost[name] - cost['no text']):.1f}", target)
+    if shutil.which("strace") is None:
+        print("strace is not installed: opened font files are left out")
+        return
+    trace = subprocess.run(["strace", "-f", "-e", "trace=openat"] + command("three scripts and an emoji"),
+                           capture_output=True, text=True, check=True).stderr
+    opened = re.findall(r'"([^"]*\.(?:ttf|otf|ttc))"', trace)
+    most = max((opened.count(font) for font in opened), default=0)
+    line(f"opens of one font file, at most ({len(set(opened))} files)", str(most), "at most 1")
+
+
 def main():
     program = lambda name: os.path.join(BIN, name)
     thumbnailer = program("paint-thumbnailer")
@@ -152,6 +183,7 @@ def main():
             line("    peak memory beyond two canvas bitmaps, MB", f"{extra:.0f}", "at most 32")
 
         background_pictures(folder, program)
+        first_text(folder, program)
 
         rsvg = shutil.which("rsvg-convert")
         if rsvg is None:

@@ -13,11 +13,15 @@
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "platform/foundation/NSKeyedUnarchiver.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/graphics/CGContext.h"
 #include "platform/graphics/GraphicsClasses.h"
+#include "platform/graphics/NSColor.h"
+#include "platform/graphics/NSShadow.h"
 #include "platform/text/FontRegistry.h"
 #include "platform/text/NSTextStorage.h"
 #include "platform/text/TextClasses.h"
 #include "platform/text/TextDecorations.h"
+#include "platform/text/TextDrawing.h"
 #include "platform/text/TextLayout.h"
 #include "platform/text/TextRanges.h"
 
@@ -74,6 +78,13 @@ std::shared_ptr<NSParagraphStyle> paragraphStyle(Bytes& bytes) {
   return style;
 }
 
+std::shared_ptr<NSShadow> shadow(Bytes& bytes) {
+  auto shadow = std::make_shared<NSShadow>();
+  shadow->setShadowOffset({bytes.length(), bytes.length()});
+  shadow->setShadowBlurRadius(bytes.length());
+  return shadow;
+}
+
 NSAttributedString::Attributes attributes(Bytes& bytes) {
   constexpr const char* kFonts[] = {"Box-Regular", "BoxTall-Regular", "Helvetica-Bold", "x"};
   constexpr const char* kNumbers[] = {NSKernAttributeName,        NSLigatureAttributeName,
@@ -90,6 +101,11 @@ NSAttributedString::Attributes attributes(Bytes& bytes) {
     }
   }
   result->setObject(NSNumber::numberWithInteger(bytes.unit()), NSUnderlineStyleAttributeName);
+  if (bytes.next() % 4 == 0) result->setObject(shadow(bytes), NSShadowAttributeName);
+  if (bytes.next() % 4 == 0) {
+    result->setObject(NSColor::colorWithSRGBRed(1, 0.5, 0, bytes.next() / 255.0),
+                      NSBackgroundColorAttributeName);
+  }
   return result;
 }
 
@@ -142,6 +158,27 @@ void checkLayout(const TextLayout& layout) {
   require(end == layout.end && end <= layout.text->text.size());
 }
 
+/// Draws the layout upright and turned, and checks that pixels stay premultiplied.
+void checkDrawing(const TextLayout& layout) {
+  constexpr int64_t kSide = 48;
+  const auto bitmap = NSBitmapImageRep::create(kSide, kSide);
+  CGContext context(bitmap);
+  context.concatenate({1, 0, 0, -1, 0, kSide});
+  for (int turns = 0; turns < 2; ++turns) {
+    drawTextBackground(layout, {0, layout.end}, {1.3, 2}, context);
+    drawTextGlyphs(layout, {0, layout.end}, {1.3, 2}, context);
+    context.concatenate(CGAffineTransformMakeRotation(0.5));
+  }
+  drawnBounds(layout);
+  for (int64_t y = 0; y < kSide; ++y) {
+    const uint8_t* row = bitmap->row(y);
+    for (int64_t x = 0; x < kSide; ++x) {
+      const uint8_t* p = row + 4 * x;
+      require(p[0] <= p[3] && p[1] <= p[3] && p[2] <= p[3]);
+    }
+  }
+}
+
 void useTestFonts() {
   static const bool done = [] {
     registerTextClasses();
@@ -161,7 +198,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto text = archive ? decodedText(data, size) : builtText(Bytes(data, size));
   if (text == nullptr) return 0;
   const auto styled = makeStyledText(*text);
-  checkLayout(layoutText(styled, {{100, 2000}, 0}));
+  const TextLayout layout = layoutText(styled, {{100, 2000}, 0});
+  checkLayout(layout);
+  checkDrawing(layout);
   checkLayout(layoutText(styled, {{1.7976931348623157e308, 1.7976931348623157e308}, 5}));
   composedCharacterRanges(text->units());
   const auto copy =

@@ -2,8 +2,15 @@
 #include "document/PaintManager.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
+#include "platform/text/FontRegistry.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  // What happens to be installed plays no part.
+  static const bool fonts = [] {
+    FontRegistry::useFontFiles({PAINT_SOURCE_DIR "/tests/fixtures/fonts/Box.ttf"});
+    return true;
+  }();
+  static_cast<void>(fonts);
   const auto file = NSData::dataWithBytes({data, size});
   double resolution = 0;
   int64_t error = 0;

@@ -43,20 +43,25 @@ CurvedText::CurvedText(const NSAttributedString& text, const NSBezierPath& path,
   PathMeasure line(path);
   const double length = static_cast<double>(line.length());
   if (!(length > 0) || !std::isfinite(length)) return;
-  measure(text);
+  measure(text, length, alignment);
   fit(length, alignment);
   place(line);
 }
 
-void CurvedText::measure(const NSAttributedString& text) {
+void CurvedText::measure(const NSAttributedString& text, double length, NSTextAlignment alignment) {
+  const bool fromStart =
+      alignment != NSTextAlignment::right && alignment != NSTextAlignment::center;
+  const double enough = fromStart ? length / kClosest + kLengthTolerance : HUGE_VAL;
   const std::u16string_view units(text.units());
-  // A character may have many units, so that this only bounds the search for them.
+  // A character may have many units: this only bounds the search for them.
   const auto head = units.substr(0, 16 * kMaxCharacters);
+  double width = 0;
   for (const NSRange& range : composedCharacterRanges(head)) {
-    if (characters_.size() == kMaxCharacters) break;
+    if (characters_.size() == kMaxCharacters || width > enough) break;
     if (endsParagraph(units[range.location])) continue;
     Character c{text.attributedSubstringFromRange(range)->unlimitedLayout(), {}, 0, {}};
     c.size = c.layout.used.size;
+    width += c.size.width;
     characters_.push_back(std::move(c));
   }
 }

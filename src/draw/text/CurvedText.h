@@ -21,7 +21,7 @@ struct TextLayout;
 class CurvedText {
  public:
   /// Of a longer text the rest is left out: none of that length can be read along a path.
-  static constexpr size_t kMaxCharacters = 5000;
+  static constexpr size_t kMaxCharacters = 2000;
 
   CurvedText(const NSAttributedString& text, const NSBezierPath& path, NSTextAlignment alignment);
   ~CurvedText();
@@ -42,7 +42,8 @@ class CurvedText {
  private:
   struct Character;
 
-  void measure(const NSAttributedString& text);
+  /// Of text that starts with the path, what lies far beyond its end is not looked at.
+  void measure(const NSAttributedString& text, double length, NSTextAlignment alignment);
   /// Decides what has a place: a stretch of the path of `length` to be filled.
   void fit(double length, NSTextAlignment alignment);
   void place(PathMeasure& path);

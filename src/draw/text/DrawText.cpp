@@ -1,6 +1,6 @@
 #include "draw/text/DrawText.h"
 
-#include <cmath>
+#include <unordered_map>
 
 #include "draw/core/DrawAttributes.h"
 #include "draw/core/PaintManagerContext.h"
@@ -173,12 +173,39 @@ void DrawText::encodeWithCoder(NSCoder& coder) const {
   if (_textGradient != nullptr) coder.encodeObject(_textGradient, "TextGradient");
 }
 
-void DrawText::adoptText(const std::shared_ptr<NSAttributedString>& text) {
-  if (text == nullptr) return;
-  // A document may name one text in a thousand boxes: it is copied when one of them changes it.
-  auto storage = std::dynamic_pointer_cast<NSTextStorage>(text);
-  textStorage_ = storage != nullptr ? std::move(storage) : copyOf(*text);
-}
+namespace {
+
+constexpr const char* kSharedTexts = "DrawTextSharedTexts";
+
+/// The texts of one archive as text storages. A document may name one text in a thousand boxes: it
+/// is copied when one of them changes it.
+class SharedTexts : public NSObject {
+ public:
+  static SharedTexts& of(NSCoder& coder) {
+    auto texts = std::dynamic_pointer_cast<SharedTexts>(coder.associatedObject(kSharedTexts));
+    if (texts == nullptr) {
+      texts = std::make_shared<SharedTexts>();
+      coder.setAssociatedObject(kSharedTexts, texts);
+    }
+    return *texts;
+  }
+
+  std::shared_ptr<NSTextStorage> storage(const std::shared_ptr<NSAttributedString>& text) {
+    if (auto own = std::dynamic_pointer_cast<NSTextStorage>(text)) return own;
+    Entry& entry = entries_[text.get()];
+    if (entry.storage == nullptr) entry = {text, copyOf(*text)};
+    return entry.storage;
+  }
+
+ private:
+  struct Entry {
+    std::shared_ptr<NSAttributedString> text;  ///< kept: its address is the key
+    std::shared_ptr<NSTextStorage> storage;
+  };
+  std::unordered_map<const NSAttributedString*, Entry> entries_;
+};
+
+}  // namespace
 
 bool DrawText::initWithCoder(NSCoder& coder) {
   if (!DrawRoundRectangle::initWithCoder(coder)) return false;
@@ -186,7 +213,9 @@ bool DrawText::initWithCoder(NSCoder& coder) {
       coder.containsValueForKey("Opacity") ? coder.decodeFloatForKey("Opacity") : kNotSet;
   // The box has the size that its text had where it was saved.
   _autoResize = coder.decodeBoolForKey("AutoResize");
-  adoptText(coder.decodeObjectOfClass<NSAttributedString>("Text"));
+  if (const auto text = coder.decodeObjectOfClass<NSAttributedString>("Text")) {
+    textStorage_ = SharedTexts::of(coder).storage(text);
+  }
   const auto context = paintMangerContext(coder);
   if (context != nullptr && context->savedVersion() > kLastWithoutTextGradient) {
     decodeTextGradient(coder);

@@ -193,7 +193,6 @@ class DrawText : public DrawRoundRectangle {
   NSPoint relativeGradientCenter(const NSRect& target) const;
   NSRect visiblePart() const;
   CGFloat overhang() const;
-  void adoptText(const std::shared_ptr<NSAttributedString>& text);
   void decodeTextGradient(NSCoder& coder);
   void takeTextGradientFromFill();
   void editFonts(const EditFont& edit);

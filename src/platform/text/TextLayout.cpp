@@ -13,6 +13,13 @@
 
 namespace {
 
+/// Units that are laid out at first into an area of limited height, and the factor by which more of
+/// them are when it is not full then.
+constexpr size_t kFirstUnits = 8192;
+constexpr size_t kMoreUnits = 8;
+/// Characters next to a cut, whose shapes and breaks depend on what follows.
+constexpr size_t kCutUnits = 1024;
+
 /// A paragraph of the text: units [start, end) and the characters up to `next` that end it.
 struct ParagraphRange {
   size_t start;
@@ -35,9 +42,10 @@ ParagraphRange paragraphAt(std::u16string_view text, size_t start) {
 /// Sets one text into one area.
 class Typesetter {
  public:
-  Typesetter(std::shared_ptr<const StyledText> text, const LayoutArea& area)
+  /// Sets the first units of the text.
+  Typesetter(std::shared_ptr<const StyledText> text, size_t units, const LayoutArea& area)
       : styled_(*text),
-        text_(std::u16string_view(styled_.text).substr(0, limits::kMaxLaidOutUnits)),
+        text_(std::u16string_view(styled_.text).substr(0, units)),
         area_(area),
         itemizer_(styled_) {
     layout_.text = std::move(text);
@@ -189,5 +197,14 @@ void Typesetter::measureUsed() {
 }  // namespace
 
 TextLayout layoutText(std::shared_ptr<const StyledText> text, const LayoutArea& area) {
-  return Typesetter(std::move(text), area).run();
+  const size_t all = std::min(text->text.size(), limits::kMaxLaidOutUnits);
+  if (area.size.height < kUnboundedSide) {
+    // Of a text that does not fit only the beginning is looked at. Where it was cut plays no part
+    // in lines that end well before.
+    for (size_t units = kFirstUnits; units < all; units *= kMoreUnits) {
+      TextLayout layout = Typesetter(text, units, area).run();
+      if (layout.end + kCutUnits < units) return layout;
+    }
+  }
+  return Typesetter(std::move(text), all, area).run();
 }

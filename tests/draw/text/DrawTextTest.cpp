@@ -1,4 +1,6 @@
+#include <atomic>
 #include <thread>
+#include <vector>
 
 #include "TextDrawSupport.h"
 #include "draw/core/PaintManagerContext.h"
@@ -393,10 +395,34 @@ TEST_F(DrawTextTest, AttributesTravelFromBoxToBox) {
 TEST_F(DrawTextTest, ATextInManyBoxesIsCopiedWhenOneChangesIt) {
   const auto first = box("plain"), second = box("turned");
   ASSERT_EQ(first->textStorage(), second->textStorage());
+  EXPECT_EQ(box("mutable string")->textStorage(), box("the same mutable string")->textStorage());
   const auto copy = roundTrip(first);
   second->setTextColor(NSColor::redColor());
   EXPECT_EQ(DrawnDraw(*first).at(11, 42), kBlack);
   EXPECT_EQ(maxDifference(*DrawnDraw(*copy).bitmap, *DrawnDraw(*first).bitmap), 0);
+}
+
+TEST_F(DrawTextTest, SeveralThreadsDrawAtOnce) {
+  const auto drawAll = [] {
+    std::vector<std::shared_ptr<NSBitmapImageRep>> pictures;
+    for (const char* name : {"text boxes", "curved text"}) {
+      pictures.push_back(madeDocument(name)->fullImage());
+    }
+    return pictures;
+  };
+  const auto expected = drawAll();
+  std::vector<std::thread> threads;
+  std::atomic<int> different{0};
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      const auto pictures = drawAll();
+      for (size_t k = 0; k < expected.size(); ++k) {
+        if (maxDifference(*pictures[k], *expected[k]) != 0) ++different;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(different, 0);
 }
 
 TEST(LayoutManagerForDrawText, IsOneOnTheMainThreadAndPrivateElsewhere) {

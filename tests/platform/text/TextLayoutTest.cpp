@@ -491,3 +491,24 @@ TEST_F(TextLayoutTest, SizesThatAreNoSizesDoNoHarm) {
   EXPECT_EQ(layoutText(huge, {{100, 100}, 0}).lines.size(), 0u);
   EXPECT_EQ(layoutText(huge, {{1e300, 1e300}, 0}).used.size.height, 1e9);
 }
+
+// Only the beginning of a text that is too long for its area is laid out.
+TEST_F(TextLayoutTest, TheBeginningOfALongTextIsSetLikeTheWhole) {
+  std::u16string text;
+  for (int i = 0; text.size() < 100000; ++i) text += std::u16string(1 + i * 7 % 11, u'a') + u' ';
+  const auto justified = [](Style& s) { s.setAlignment(NSTextAlignment::justified); };
+  for (const double width : {47.0, 333.0, 3000.0}) {
+    const auto styled = styledText({{text, boxStyle(justified)}});
+    const TextLayout whole = layoutText(styled, {{width, 1e300}, 0});
+    for (const double height : {5.0, 200.0, 1000.0, 20000.0}) {
+      const TextLayout part = layoutText(styled, {{width, height}, 0});
+      ASSERT_EQ(part.lines.size(), std::min(whole.lines.size(), static_cast<size_t>(height / 10)));
+      for (size_t i = 0; i < part.lines.size(); ++i) {
+        EXPECT_EQ(part.lines[i].start, whole.lines[i].start);
+        EXPECT_EQ(part.lines[i].usedWidth, whole.lines[i].usedWidth);
+      }
+      EXPECT_EQ(part.end,
+                part.lines.empty() ? 0 : part.lines.back().start + part.lines.back().length);
+    }
+  }
+}
