@@ -11,9 +11,9 @@ namespace {
 /// Positions of a glyph inside a pixel, in each direction.
 constexpr int64_t kSteps = 4;
 /// Distance from a glyph's origin that masks may reach, in ems: further ones are cut there.
-constexpr int32_t kReach = static_cast<int32_t>(4 * GlyphMasks::kLargestEm);
-/// Glyphs of this many faces and sizes are kept at a time.
-constexpr size_t kMaxSets = 64;
+constexpr int32_t kReach = static_cast<int32_t>(16 * GlyphMasks::kLargestEm);
+/// Masks kept at a time, a few kilobytes each at most but for very wide glyphs.
+constexpr size_t kMaxMasks = 8192;
 
 /// A device coordinate in whole steps. Far outside everything it may be any.
 int64_t steps(double v) {
@@ -40,11 +40,15 @@ bool GlyphMasks::serves(const FontFace& face, const CGAffineTransform& toDevice)
 void GlyphMasks::use(const FontFace& face, const CGAffineTransform& toDevice) {
   face_ = &face;
   toDevice_ = toDevice;
-  if (sets_.size() >= kMaxSets) sets_.clear();
+  if (made_ >= kMaxMasks) {
+    sets_.clear();
+    made_ = 0;
+  }
   current_ = &sets_[{&face, toDevice.a, toDevice.b, toDevice.c, toDevice.d}];
 }
 
 AlphaMask GlyphMasks::make(uint32_t glyph, NSPoint fraction) {
+  ++made_;
   CGAffineTransform place = toDevice_;
   place.tx = fraction.x;
   place.ty = fraction.y;

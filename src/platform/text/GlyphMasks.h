@@ -50,6 +50,7 @@ class GlyphMasks {
 
   PathRenderer renderer_;
   std::map<Key, Masks> sets_;
+  size_t made_ = 0;
   const FontFace* face_ = nullptr;
   CGAffineTransform toDevice_;
   Masks* current_ = nullptr;
