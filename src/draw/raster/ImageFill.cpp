@@ -17,6 +17,11 @@ namespace {
 
 constexpr uint8_t kInRegion = 2;
 
+/// Of the inclusive range [first, last].
+size_t lengthOf(int32_t first, int32_t last) {
+  return static_cast<size_t>(last) - static_cast<size_t>(first) + 1;
+}
+
 std::unique_ptr<uint8_t[]> byteMap(size_t count) {
   return std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[count]);
 }
@@ -127,7 +132,7 @@ void ImageFill::searchPoints() {
 /// Row by row, because the search jumps about.
 void ImageFill::paintRegion() {
   if (imgDst_ == nullptr) return;
-  const auto width = static_cast<size_t>(x2_ - x1_ + 1);
+  const size_t width = lengthOf(x1_, x2_);
   std::vector<uint8_t> mask(width);
   for (int32_t y = y1_; y <= y2_; ++y) {
     selectMarks(mask.data(), search_.get() + indexOf(x1_, y), width, kInRegion);
@@ -170,8 +175,7 @@ bool ImageFill::regionDiffersFromSeed() const {
 
 std::shared_ptr<ImageMask> ImageFill::imageMask() const {
   if (!hasRegion()) return nullptr;
-  const auto width = static_cast<size_t>(x2_ - x1_ + 1);
-  const auto height = static_cast<size_t>(y2_ - y1_ + 1);
+  const size_t width = lengthOf(x1_, x2_), height = lengthOf(y1_, y2_);
   std::vector<uint8_t> data(width * height);
   for (size_t y = 0; y < height; ++y) {
     const uint8_t* row = search_.get() + indexOf(x1_, y1_ + static_cast<int32_t>(y));

@@ -106,6 +106,26 @@ TEST(DrawFill, RecordsOfAllAges) {
   }
 }
 
+TEST(DrawFill, AreComposedIntoTheDocument) {
+  const auto image = madeDocument("fills")->fullImage();
+  struct Case {
+    int64_t x, y;
+    Pixel expected;
+  };
+  const Case cases[] = {
+      {2, 3, kRed},    {3, 4, kWhite},  // a mask and its hole
+      {10, 3, kRed},   {13, 5, kRed},
+      {14, 3, kWhite},  // a path
+      {10, 13, kRed},  {11, 14, kWhite},
+      {13, 15, kRed},  // lines
+      {18, 18, kBlue}, {25, 23, {255, 0, 0, 128}},
+      {25, 3, kWhite}, {25, 18, kWhite},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(pixelAt(*image, c.x, 31 - c.y), c.expected) << c.x << ", " << c.y;
+  }
+}
+
 TEST(DrawFill, OfAMask) {
   EXPECT_EQ(DrawFill::initWithImageMask(nullptr), nullptr);
   const auto ring = DrawFill::initWithImageMask(maskOf(kRing, 5, 6));
