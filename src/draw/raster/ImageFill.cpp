@@ -53,6 +53,8 @@ bool ImageFill::measureTolerances() {
 
 void ImageFill::setFillColor(const NSColor* color) {
   const uint32_t pixel = fillPixel(color);
+  if (pixel == fillColorPixel()) return;
+  paintRegion();
   rFill_ = static_cast<uint8_t>(pixel);
   gFill_ = static_cast<uint8_t>(pixel >> 8);
   bFill_ = static_cast<uint8_t>(pixel >> 16);
@@ -70,14 +72,6 @@ bool ImageFill::seedHasFillColor() const {
          0;
 }
 
-void ImageFill::prepareFillImage(uint32_t tolerance) {
-  if (imgDst_ == nullptr) {
-    InitImageRep(imgSrc_->size(), &imgDst_);
-  } else if (toleranceSearch_ > tolerance) {
-    imgDst_->clear();
-  }
-}
-
 void ImageFill::fillWithTolerance(uint32_t tolerance) {
   tolerance = std::min(tolerance, 255U);
   if (tolerance == toleranceSearch_) return;
@@ -87,7 +81,9 @@ void ImageFill::fillWithTolerance(uint32_t tolerance) {
   }
   if (search_ == nullptr) search_ = byteMap(pixelCount());
   if (search_ == nullptr) return;
-  prepareFillImage(tolerance);
+  // A smaller region starts anew; a larger one is painted over the old.
+  if (imgDst_ != nullptr && toleranceSearch_ > tolerance) imgDst_->clear();
+  bPainted_ = false;
   bFillNeeded_ = !seedHasFillColor();
   toleranceSearch_ = tolerance;
   if (maxTolerance_ <= tolerance) return fillAll();
@@ -97,10 +93,6 @@ void ImageFill::fillWithTolerance(uint32_t tolerance) {
 
 void ImageFill::fillAll() {
   std::memset(search_.get(), kInRegion, pixelCount());
-  if (imgDst_ != nullptr) {
-    auto* pixels = reinterpret_cast<uint32_t*>(imgDst_->writableRows(0, h_));
-    std::fill_n(pixels, pixelCount(), fillColorPixel());
-  }
   x1_ = y1_ = 0;
   x2_ = w_ - 1;
   y2_ = h_ - 1;
@@ -126,12 +118,17 @@ void ImageFill::searchPoints() {
     }
   }
   if (!bFillNeeded_) bFillNeeded_ = regionDiffersFromSeed();
-  paintRegion();
 }
 
-/// Row by row, because the search jumps about.
+const std::shared_ptr<NSBitmapImageRep>& ImageFill::fillImage() {
+  paintRegion();
+  return imgDst_;
+}
+
 void ImageFill::paintRegion() {
-  if (imgDst_ == nullptr) return;
+  if (bPainted_) return;
+  bPainted_ = true;
+  if (imgDst_ == nullptr && !InitImageRep(imgSrc_->size(), &imgDst_)) return;
   const size_t width = lengthOf(x1_, x2_);
   std::vector<uint8_t> mask(width);
   for (int32_t y = y1_; y <= y2_; ++y) {

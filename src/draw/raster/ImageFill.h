@@ -29,7 +29,7 @@ class ImageFill : public NSObject {
   /// The colour of further fills: its straight components as bytes; null is four zeros.
   void setFillColor(const NSColor* color);
   /// Finds the region of the pixels whose channels, as stored, differ by at most `tolerance` (0 to
-  /// 255) from the seed's, and paints it. Asked for the tolerance of the last search it does
+  /// 255) from the seed's. Asked for the tolerance of the last search it does
   /// nothing.
   void fillWithTolerance(uint32_t tolerance);
 
@@ -51,8 +51,9 @@ class ImageFill : public NSObject {
   int32_t inputWidth() const { return w_; }
   int32_t inputHeight() const { return h_; }
   /// A bitmap of the source's size with the fill colour in the region and transparency elsewhere.
-  /// Null without a region, or without memory for it.
-  const std::shared_ptr<NSBitmapImageRep>& fillImage() const { return imgDst_; }
+  /// Null without a region, or without memory for it. Painted when it is asked for: whoever only
+  /// wants the mask does not pay for it.
+  const std::shared_ptr<NSBitmapImageRep>& fillImage();
   /// Whether filling changes a pixel. When the whole bitmap is the region this only says that the
   /// bitmap has more than one colour.
   bool isFillNeeded() const { return bFillNeeded_; }
@@ -74,11 +75,11 @@ class ImageFill : public NSObject {
   bool hasRegion() const { return search_ != nullptr; }
   uint32_t fillColorPixel() const;
   bool seedHasFillColor() const;
-  void prepareFillImage(uint32_t tolerance);
   void fillAll();
   void searchPoints();
   void takeSpan(const Span& span);
   void searchRow(const Span& from, int32_t dy, int32_t x0, int32_t x1);
+  /// Paints what was found since the last painting, in the colour it was found with.
   void paintRegion();
   bool regionDiffersFromSeed() const;
 
@@ -97,6 +98,7 @@ class ImageFill : public NSObject {
   std::unique_ptr<uint8_t[]> search_;
   uint32_t toleranceSearch_ = 256;
   std::shared_ptr<NSBitmapImageRep> imgDst_;
+  bool bPainted_ = true;
   // The region's bounds, all inclusive, rows from the top.
   int32_t x1_ = 0, x2_ = 0, y1_ = 0, y2_ = 0;
   /// Parts of the region whose neighbours have not been looked at.

@@ -94,7 +94,7 @@ PixelRows inverted(PixelRows rows) {
   return rows;
 }
 
-void expectRegion(const ImageFill& fill, const Reference& expected) {
+void expectRegion(ImageFill& fill, const Reference& expected) {
   const int64_t w = fill.inputWidth(), h = fill.inputHeight();
   const NSRect rect = fill.fillRect();
   EXPECT_EQ(rect,
@@ -305,6 +305,13 @@ TEST(ImageFill, NewColoursApplyToNewSearches) {
   fill->fillWithTolerance(999);
   EXPECT_EQ(fill->tolerance(), 255U);
   EXPECT_EQ(rowsOf(*fill->fillImage(), kRed), PixelRows{"###"});
+  // Each colour stays where it was filled, whether or not anyone looked in between.
+  fill->fillWithTolerance(0);
+  fill->setFillColor(NSColor::blueColor().get());
+  fill->setFillColor(NSColor::greenColor().get());
+  EXPECT_EQ(rowsOf(*fill->fillImage(), kRed), PixelRows{"#.."});
+  fill->fillWithTolerance(1);
+  EXPECT_EQ(rowsOf(*fill->fillImage(), {0, 255, 0, 255}), PixelRows{"##."});
 }
 
 TEST(DrawMagicSelection, SelectsWhatAFillWouldReach) {
