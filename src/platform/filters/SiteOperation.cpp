@@ -13,6 +13,12 @@ namespace {
 /// pixel is one of the 3 x 3 around it.
 constexpr double kJitter = 0.6;
 constexpr double kDotRadius = 0.55;
+/// A row of sites whose middle is farther away than this, in pitches, has none that is nearest. For
+/// a pixel v above the middle of its own row, the sites of the row below are at least 0.7 + v away,
+/// and that of its own cell at most 0.8 to the side and v + 0.3 down, which is nearer from v = 0.3
+/// on.
+constexpr double kFarRow = 1.3001;
+
 /// An integer hash that changes half of the bits for a change of any.
 inline uint32_t mixed(int32_t i, int32_t j) {
   uint32_t h = static_cast<uint32_t>(i) * 0x9E3779B1U ^ static_cast<uint32_t>(j) * 0x85EBCA77U;
@@ -52,6 +58,7 @@ VECTOR_CLONES void placeSites(const float* __restrict x, const float* __restrict
 constexpr size_t kLanes = 16;
 using Floats = float __attribute__((vector_size(4 * kLanes)));
 using Ints = int32_t __attribute__((vector_size(4 * kLanes)));
+using Pixel = float __attribute__((vector_size(16)));
 
 /// What is known of the sites around a row of pixels. Cells are counted from the one left of the
 /// row's first pixel; `sites` holds three rows of `cells` each.
@@ -63,6 +70,7 @@ struct SiteWindow {
   std::vector<int32_t> payload;  ///< what a pixel gets that is nearest to it
   std::vector<int32_t> begin;    ///< first pixel of each cell, and the end of the last one
   std::vector<float> offset;     ///< from the cell's left edge to that pixel's centre
+  bool tooFar[3] = {};           ///< rows of sites none of which can be nearest
 };
 
 /// Payload and squared distance of the site nearest to each pixel. Writes up to kLanes - 1 more
@@ -82,6 +90,7 @@ VECTOR_CLONES void findNearest(const SiteWindow& window, int32_t* found, float* 
       Floats best = x - x + std::numeric_limits<float>::max();
       Ints nearest = {};
       for (size_t row = 0; row < 3; ++row) {
+        if (window.tooFar[row]) continue;
         for (size_t side = 0; side < 3; ++side) {
           const size_t site = row * cells + n - 1 + side;
           const Floats dx = x - (siteX[site] + shifts[side]);
@@ -141,6 +150,7 @@ class SiteRows {
       const auto slot = static_cast<size_t>(((j % 3) + 3) % 3);
       if (rows_[slot].j != j) fill(slot, j);
       const double from = up - static_cast<double>(j) * grid_.pitch;
+      window_.tooFar[slot] = std::fabs(from) > kFarRow * grid_.pitch;
       squareDistances(rows_[slot].y.data(), static_cast<float>(from),
                       window_.squaredDy.data() + slot * window_.cells, window_.cells);
     }
@@ -214,9 +224,10 @@ class SiteRows {
 void paintDots(const float* sites, const int32_t* found, const float* coverage, float* values,
                size_t count) {
   for (size_t k = 0; k < count; ++k) {
-    const float* site = sites + found[k];
-    const float gap = site[3] * (1 - coverage[k]);
-    for (size_t c = 0; c < 4; ++c) values[k * 4 + c] = site[c] * coverage[k] + gap;
+    Pixel site;
+    std::memcpy(&site, sites + found[k], sizeof site);
+    const Pixel value = site * coverage[k] + site[3] * (1 - coverage[k]);
+    std::memcpy(values + 4 * k, &value, sizeof value);
   }
 }
 
