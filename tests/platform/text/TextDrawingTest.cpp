@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 
 #include "TextSupport.h"
 #include "platform/foundation/NSNumber.h"
@@ -264,7 +265,12 @@ class RealFontTest : public testing::Test {
       "/usr/share/fonts/truetype/liberation2/LiberationSans-Regular.ttf";
   static constexpr const char* kEmoji = "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf";
 
-  void SetUp() override { FontRegistry::useFontFiles({kSans, kEmoji}); }
+  void SetUp() override {
+    for (const char* file : {kSans, kEmoji}) {
+      ASSERT_TRUE(std::filesystem::exists(file)) << "install the packages of the tests: ./dev test";
+    }
+    FontRegistry::useFontFiles({kSans, kEmoji});
+  }
 
   static TextStyle style(double size) {
     TextStyle s;
