@@ -1,6 +1,7 @@
 #include "draw/image/DrawFilter.h"
 
 #include "draw/image/DrawFilter2.h"
+#include "platform/foundation/NSDictionary.h"
 
 const NSClass DrawFilter::kClass{"DrawFilter", &DrawImage::kClass, NSAllocate<DrawFilter>};
 
@@ -18,6 +19,18 @@ void DrawFilter::setImage(std::shared_ptr<NSBitmapImageRep> image) {
 
 std::shared_ptr<NSBitmapImageRep> DrawFilter::imageForDrawing() {
   return effectOf(image_, KeepEffect::always);
+}
+
+std::shared_ptr<NSDictionary> DrawFilter::drawAttributes() const {
+  auto attributes = std::make_shared<NSMutableDictionary>(*DrawImage::drawAttributes());
+  putFilterAttributes(*attributes);
+  return attributes;
+}
+
+bool DrawFilter::setDrawAttributes(const NSDictionary& attributes) {
+  if (!canSetDrawAttributes(&attributes)) return false;
+  const bool applied = DrawImage::setDrawAttributes(attributes);
+  return applyFilterAttributes(attributes) || applied;
 }
 
 bool DrawFilter::initWithCoder(NSCoder& coder) {

@@ -17,6 +17,8 @@ class DrawFilter : public DrawImage, public ImageFilterMembers {
   /// A DrawFilter2 with the same bitmap, common attributes, filter, settings and scissor.
   std::shared_ptr<DrawImage2> convertedDraw() const override;
 
+  std::shared_ptr<NSDictionary> drawAttributes() const override;
+  bool setDrawAttributes(const NSDictionary& attributes) override;
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
 };

@@ -336,6 +336,12 @@ TEST_F(Filters, AttributesTravel) {
   EXPECT_EQ(settingsOf(*to), "inputRadius 2.50");
   EXPECT_EQ(maxDifference(*to->imageForDrawing(), *from->imageForDrawing()), 0);
   EXPECT_GT(maxDifference(*to->imageForDrawing(), *before), 40);
+
+  DrawFilter legacy;
+  legacy.setFilterSettings(oneSetting("inputScale", 3).get());
+  DrawFilter other;
+  EXPECT_TRUE(other.setDrawAttributes(*legacy.drawAttributes()));
+  EXPECT_EQ(settingsOf(other), "inputScale 3.00");
 }
 
 TEST_F(Filters, TheEffectIsKeptUntilSomethingChanges) {

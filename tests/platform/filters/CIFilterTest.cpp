@@ -3,6 +3,8 @@
 
 #include <cmath>
 #include <limits>
+#include <thread>
+#include <vector>
 
 #include "platform/filters/CIFilter.h"
 #include "platform/foundation/NSNumber.h"
@@ -86,6 +88,28 @@ TEST(CIFilter, ExtremeSettingsAreClamped) {
           EXPECT_LE(std::max({p[0], p[1], p[2]}), p[3]) << name << " " << value;
         }
       }
+    }
+  }
+}
+
+TEST(CIFilter, SeveralThreadsGetTheSamePixels) {
+  const auto bitmap = randomBitmap(300, 40, 9);
+  const auto all = [&] {
+    std::vector<std::shared_ptr<NSBitmapImageRep>> results;
+    for (const std::string_view name : kNames) {
+      if (name == "CIAffineClamp") continue;
+      results.push_back(filtered(bitmap, name, {{"inputAngle", 1}, {"inputShadowAmount", 0.5}}));
+    }
+    return results;
+  };
+  std::vector<std::vector<std::shared_ptr<NSBitmapImageRep>>> results(4);
+  std::vector<std::thread> threads;
+  for (auto& result : results) threads.emplace_back([&] { result = all(); });
+  for (std::thread& thread : threads) thread.join();
+  const auto alone = all();
+  for (const auto& result : results) {
+    for (size_t i = 0; i < alone.size(); ++i) {
+      EXPECT_EQ(maxDifference(*result[i], *alone[i]), 0) << i;
     }
   }
 }
