@@ -186,6 +186,51 @@ void draw(const Values& values) {
   }
 }
 
+/// The bitmap after `paint` has drawn with black.
+template <class Paint>
+std::shared_ptr<NSBitmapImageRep> painted(Paint paint) {
+  auto bitmap = NSBitmapImageRep::create(kSide, kSide);
+  const ZTFocusScope focus(bitmap);
+  NSColor::blackColor()->set();
+  paint();
+  return bitmap;
+}
+
+bool sameAlpha(const NSBitmapImageRep& a, const NSBitmapImageRep& b, int tolerance) {
+  for (int64_t i = 3; i < 4 * kSide * kSide; i += 4) {
+    if (std::abs(a.bitmapData()[i] - b.bitmapData()[i]) > tolerance) return false;
+  }
+  return true;
+}
+
+/// Clipping to a path is filling it, whatever it is made of and however the clip comes about.
+void clip(const NSBezierPath& path) {
+  constexpr NSRect kAll{{-1, -1}, {kSide + 2, kSide + 2}};
+  constexpr NSRect kPart{{3.25, -1}, {11, 20.5}};
+  const auto filled = painted([&] { path.fill(); });
+  check(sameAlpha(*filled, *painted([&] {
+    path.addClip();
+    NSRectFill(kAll);
+  }),
+                  0));
+  const auto partFirst = painted([&] {
+    NSRectClip(kPart);
+    path.addClip();
+    NSRectFill(kAll);
+  });
+  check(sameAlpha(*partFirst, *painted([&] {
+    path.addClip();
+    NSRectClip(kPart);
+    NSRectFill(kAll);
+  }),
+                  1));
+  check(sameAlpha(*partFirst, *painted([&] {
+    NSRectClip(kPart);
+    path.fill();
+  }),
+                  1));
+}
+
 template <class Object>
 std::shared_ptr<Object> throughArchive(const std::shared_ptr<Object>& object) {
   if (object == nullptr) return nullptr;
@@ -217,6 +262,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Values values = archive ? valuesIn(bytes) : valuesFrom(Input(bytes));
   ask(*values.path, *values.transform);
   draw(values);
+  clip(*values.path);
   rewrite(values);
   return 0;
 }
