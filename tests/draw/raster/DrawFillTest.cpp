@@ -300,6 +300,8 @@ TEST(DrawClear, HasOneColour) {
   EXPECT_EQ(clear.opacity(), 0U);
   EXPECT_TRUE(clear.drawFill());
   EXPECT_FALSE(clear.drawStroke());
+  EXPECT_TRUE(clear.hasBorder());
+  EXPECT_FALSE(clear.hasControlKnob());
   clear.bezierPath()->appendBezierPathWithRect({{1, 1}, {2, 1}});
   EXPECT_EQ(rowsOf(*drawnOnWhite(clear, 4, 3), {0, 0, 0, 0}), placedRows(4, 3, {"##"}, 1, 1));
 }
