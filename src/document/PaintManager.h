@@ -181,6 +181,9 @@ class PAINT_API PaintManager : public NSObject {
   // ---- Composition.
   /// The composed canvas, refreshed first when needed. Null when there is no memory for it.
   std::shared_ptr<NSBitmapImageRep> fullImage();
+  /// The same picture of a document that is shown once and not changed: composed in one bitmap, not
+  /// in two, and not kept. Null when there is no memory for it.
+  std::shared_ptr<NSBitmapImageRep> composedImage();
   /// The composed canvas as it stands: maybe null, maybe stale.
   const std::shared_ptr<NSBitmapImageRep>& imageWithoutRefreshing() const { return image_; }
   void refreshImage();
@@ -216,6 +219,10 @@ class PAINT_API PaintManager : public NSObject {
                  Selection changed);
   void convertLegacyDraws();
   void rebuildBuffer();
+  /// Paints the background colour and the first `count` draws into the bitmap in focus.
+  void paintDraws(NSBitmapImageRep* bitmap, size_t count) const;
+  /// What masks the picture; null when nothing does.
+  std::shared_ptr<const NSBitmapImageRep> backgroundMask() const;
   void paintBackgroundColor(const NSRect& rect) const;
   /// Repaints parts of the buffer as painting all of it would; answers whether that was possible.
   bool repaintBuffer(std::vector<NSRect> parts);

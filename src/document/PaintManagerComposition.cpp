@@ -30,14 +30,27 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::fullImage() {
   return image_;
 }
 
+std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage() {
+  std::shared_ptr<NSBitmapImageRep> image;
+  if (!InitImageRep(size_, &image)) return nullptr;
+  const auto mask = backgroundMask();
+  const ZTFocusScope focus(image);
+  paintDraws(image.get(), aryDraw_.size());
+  if (mask != nullptr) applyBackgroundMask(*mask);
+  return image;
+}
+
+std::shared_ptr<const NSBitmapImageRep> PaintManager::backgroundMask() const {
+  return drawBackground_ != nullptr && bMaskWithBackground_ ? drawBackground_->image() : nullptr;
+}
+
 void PaintManager::refreshImage() {
   const bool newBuffer = imageBuffer_ == nullptr;
   if (newBuffer) InitImageRep(size_, &imageBuffer_);
   if (image_ == nullptr) InitImageRep(size_, &image_);
   if (imageBuffer_ == nullptr || image_ == nullptr) return clearMemeryBuffer();
   // Needed twice, so it is held: the draw itself does not keep what it decodes.
-  const bool masked = drawBackground_ != nullptr && bMaskWithBackground_;
-  const auto mask = masked ? drawBackground_->image() : nullptr;
+  const auto mask = backgroundMask();
   if (newBuffer || _imageRefreshControl == kRebuildBuffer) rebuildBuffer();
   composeFullImage(mask.get());
   _imageRefreshControl = kImagesCurrent;
@@ -54,12 +67,17 @@ void PaintManager::rebuildBuffer() {
   if (stale && repaintBuffer(*stale)) return;
   const ZTFocusScope focus(imageBuffer_);
   imageBuffer_->clear();
+  paintDraws(imageBuffer_.get(), aryDraw_.empty() ? 0 : aryDraw_.size() - 1);
+  areas_.didPaintAll(aryDraw_);
+}
+
+void PaintManager::paintDraws(NSBitmapImageRep* bitmap, size_t count) const {
   paintBackgroundColor({NSZeroPoint, size_});
   NSGraphicsContext::currentContext()->setCompositingOperation(NSCompositingOperation::sourceOver);
-  for (size_t i = 0; i + 1 < aryDraw_.size(); ++i) {
-    if (aryDraw_[i]->visible()) aryDraw_[i]->drawInImage(imageBuffer_.get());
+  for (size_t i = 0; i < count; ++i) {
+    if (aryDraw_[i]->visible()) aryDraw_[i]->drawInImage(bitmap);
+    if (progressHandler_) progressHandler_(i + 1, aryDraw_.size());
   }
-  areas_.didPaintAll(aryDraw_);
 }
 
 bool PaintManager::repaintBuffer(std::vector<NSRect> parts) {

@@ -12,7 +12,7 @@ namespace {
 std::shared_ptr<NSBitmapImageRep> fullImageOfFile(const NSURL& url) {
   const auto data = NSData::dataWithContentsOfURL(url);
   const auto document = PaintManager::paintMgrWithPaintData(data, nullptr, nullptr);
-  return document != nullptr ? document->fullImage() : nullptr;
+  return document != nullptr ? document->composedImage() : nullptr;
 }
 
 }  // namespace

@@ -107,3 +107,15 @@ TEST(Sheets, Lines) {
   };
   expectPoints("lines", points);
 }
+
+TEST(Sheets, OneBitmapShowsWhatTwoDo) {
+  for (const char* name : {"sheets/shadows", "sheets/reflections", "background", "fills",
+                           "all classes", "nested groups", "empty"}) {
+    const auto document = madeDocument(name);
+    ASSERT_NE(document, nullptr) << name;
+    const auto image = document->composedImage();
+    ASSERT_NE(image, nullptr) << name;
+    EXPECT_EQ(document->imageWithoutRefreshing(), nullptr) << name;
+    EXPECT_EQ(maxDifference(*image, *document->fullImage()), 0) << name;
+  }
+}
