@@ -63,6 +63,7 @@ set(CPACK_DEBIAN_KDE_PACKAGE_ENHANCES "dolphin, kio-extras")
 set(CPACK_DEBIAN_KDE_PACKAGE_RECOMMENDS "paint-thumbnailer")
 set(CPACK_DEBIAN_KDE_DESCRIPTION "thumbnails of paint documents in KDE Plasma 5
 A plugin for the thumbnailer of KDE Frameworks 5, which does not read the
-entries that other desktops share. Newer KDE needs the package paint-thumbnailer only.")
+entries that other desktops share. Newer KDE needs only the package
+paint-thumbnailer.")
 
 include(CPack)
