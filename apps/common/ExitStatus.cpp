@@ -38,7 +38,7 @@ ExitStatus statusOf(std::error_code error, ExitStatus otherwise) {
   return limit ? kExitLimitReached : otherwise;
 }
 
-ExitStatus writeText(const char* program, const std::string& text) {
+ExitStatus writeText(const char* program, std::string_view text) {
   const bool done =
       std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
   return done ? kExitSuccess : fail(program, "standard output", kExitOutputFailed);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 /// How the programs end. 1 to 3 are the document decoder's own error codes.
@@ -28,7 +29,7 @@ ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
 ExitStatus statusOf(std::error_code error, ExitStatus otherwise);
 
 /// Writes the text to standard output at once. Answers kExitSuccess or, told, kExitOutputFailed.
-ExitStatus writeText(const char* program, const std::string& text);
+ExitStatus writeText(const char* program, std::string_view text);
 
 /// Text as it may be shown on one line of a terminal: control characters become "?".
 std::string printable(const std::string& text);

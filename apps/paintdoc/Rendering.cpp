@@ -38,8 +38,9 @@ Renderable documentToRender(const std::shared_ptr<NSData>& data, const std::stri
   const auto progress = std::make_shared<Progress>();
   loaded.document->setProgressHandler(
       [progress, name](size_t painted, size_t total) { progress->show(name, painted, total); });
-  const auto draw = [document = loaded.document, progress](int64_t side) -> Bitmap {
-    const Bitmap full = document->fullImage();
+  const auto draw = [document = loaded.document, progress,
+                     full = Bitmap()](int64_t side) mutable -> Bitmap {
+    if (full == nullptr) full = document->composedImage();
     progress->clear();
     if (side == 0 || full == nullptr) return full;
     const auto length = static_cast<CGFloat>(side);
@@ -138,10 +139,8 @@ ExitStatus PictureRun::writeSize(int64_t side) {
 }
 
 ExitStatus PictureRun::writeFile(const std::string& path, const std::vector<uint8_t>& bytes) const {
-  if (path != "-") {
-    return writeOutput(kProgram, path, bytes);
-  }
-  return writeText(kProgram, std::string(bytes.begin(), bytes.end()));
+  if (path != "-") return writeOutput(kProgram, path, bytes);
+  return writeText(kProgram, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 ExitStatus PictureRun::writeReport() const {

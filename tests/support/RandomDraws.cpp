@@ -11,17 +11,7 @@
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSShadow.h"
 #include "support/Bitmaps.h"
-
-namespace {
-
-template <class Draw>
-std::shared_ptr<Draw> made() {
-  auto draw = std::make_shared<Draw>();
-  draw->init();
-  return draw;
-}
-
-}  // namespace
+#include "support/Draws.h"
 
 std::shared_ptr<NSColor> RandomDraws::color() {
   const double r = below(256) / 255.0, g = below(256) / 255.0, b = below(256) / 255.0;

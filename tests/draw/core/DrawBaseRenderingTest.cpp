@@ -11,6 +11,7 @@
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSGraphicsContext.h"
 #include "platform/graphics/NSShadow.h"
+#include "support/Draws.h"
 
 namespace {
 
@@ -69,14 +70,6 @@ std::shared_ptr<DrawLine> line(NSPoint a, NSPoint b, CGFloat width,
   draw->setLineWidth(width);
   draw->setStrokeColor(std::move(color));
   return draw;
-}
-
-std::shared_ptr<NSShadow> shadow(NSSize offset, CGFloat blur, std::shared_ptr<NSColor> color) {
-  auto result = std::make_shared<NSShadow>();
-  result->setShadowOffset(offset);
-  result->setShadowBlurRadius(blur);
-  result->setShadowColor(std::move(color));
-  return result;
 }
 
 std::shared_ptr<NSGradient> redToBlue() {

@@ -8,6 +8,7 @@
 #include "platform/graphics/NSShadow.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
+#include "support/Draws.h"
 
 namespace {
 
@@ -44,14 +45,6 @@ std::shared_ptr<DrawImage2> picture(NSRect bounds,
   auto draw = DrawImage2::initWithImage(std::move(bitmap));
   draw->setBezierPathWithBounds(bounds);
   return draw;
-}
-
-std::shared_ptr<NSShadow> shadow(NSSize offset, CGFloat blur, std::shared_ptr<NSColor> color) {
-  auto result = std::make_shared<NSShadow>();
-  result->setShadowOffset(offset);
-  result->setShadowBlurRadius(blur);
-  result->setShadowColor(std::move(color));
-  return result;
 }
 
 /// Counts how often its bitmap is made.

@@ -10,15 +10,9 @@
 #include "platform/graphics/NSGraphicsContext.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
+#include "support/Draws.h"
 
 namespace {
-
-template <class Draw>
-std::shared_ptr<Draw> made() {
-  auto draw = std::make_shared<Draw>();
-  draw->init();
-  return draw;
-}
 
 template <class Draw>
 std::shared_ptr<Draw> dotAt(NSPoint p, double width, LineCap cap) {

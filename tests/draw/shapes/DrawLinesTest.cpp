@@ -11,18 +11,12 @@
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSShadow.h"
 #include "support/Documents.h"
+#include "support/Draws.h"
 
 namespace {
 
 /// Each test may run alone, without a document that would make the classes known.
 [[maybe_unused]] const bool kRegistered = (registerDocumentClasses(), true);
-
-template <class Draw>
-std::shared_ptr<Draw> made() {
-  auto draw = std::make_shared<Draw>();
-  draw->init();
-  return draw;
-}
 
 std::shared_ptr<DrawBrokenLine> polyline() {
   auto draw = made<DrawBrokenLine>();

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "draw/shapes/DrawMessages.h"
+#include "support/Draws.h"
 
 namespace {
 
@@ -82,13 +83,6 @@ std::string text(const std::vector<NSPoint>& points) {
   std::string s;
   for (const NSPoint& p : points) s += NSStringFromPoint(p) + " ";
   return s;
-}
-
-template <class Draw>
-std::shared_ptr<Draw> made() {
-  auto draw = std::make_shared<Draw>();
-  draw->init();
-  return draw;
 }
 
 /// Numbers of very different sizes, often exactly on the lines that matter.

@@ -12,18 +12,12 @@
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NSValue.h"
 #include "support/Documents.h"
+#include "support/Draws.h"
 
 namespace {
 
 /// Each test may run alone, without a document that would make the classes known.
 [[maybe_unused]] const bool kRegistered = (registerDocumentClasses(), true);
-
-template <class Draw>
-std::shared_ptr<Draw> made() {
-  auto draw = std::make_shared<Draw>();
-  draw->init();
-  return draw;
-}
 
 std::shared_ptr<DrawFixedShape> fixedShape(size_t index) {
   auto draw = std::make_shared<DrawFixedShape>(index);
