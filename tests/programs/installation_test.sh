@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Installs into a folder and builds a program against what was installed, through the CMake package
-# and through pkg-config:  installation_test.sh BUILD_DIR SOURCE_DIR CXX
+# and through pkg-config:  installation_test.sh BUILD_DIR SOURCE_DIR CXX GENERATOR
 set -euo pipefail
 build=$1
 source=$2
-export CXX=$3
+export CXX=$3 CMAKE_GENERATOR=$4
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
