@@ -305,7 +305,6 @@ class PAINT_API DrawBase : public NSObject {
   bool hasShadowInForce() const { return bEnableShadow_ && shadow_ != nullptr; }
   void drawReflection();
   void paintFill(const NSBezierPath& path) const;
-  void paintInnerShadow(const NSBezierPath& path) const;
   /// Answers whether a fill was painted.
   bool drawFillOfPath(const NSBezierPath& path, bool hasShadow) const;
   void drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool fillDrawn) const;

@@ -6,9 +6,10 @@
 #include <vector>
 
 #include "draw/core/DrawBase.h"
+#include "draw/core/InnerShadow.h"
 #include "draw/core/ReflectionLimits.h"
 #include "draw/core/ZTBezierPathExtension.h"
-#include "platform/graphics/NSColorDrawing.h"
+#include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSGraphicsContext.h"
 #include "platform/graphics/NSShadow.h"
@@ -141,28 +142,13 @@ bool DrawBase::drawFillOfPath(const NSBezierPath& path, bool hasShadow) const {
   } else {
     paintFill(path);
   }
-  if (bEnableInnerShadow_ && shadowInner_ != nullptr) paintInnerShadow(path);
+  if (bEnableInnerShadow_ && shadowInner_ != nullptr) {
+    paintInnerShadow(*shadowInner_, shadowAlpha(*shadowInner_), path.bounds(), path, [&] {
+      const CGTransparencyLayerScope mask(port());
+      paintFill(path);
+    });
+  }
   return true;
-}
-
-void DrawBase::paintInnerShadow(const NSBezierPath& path) const {
-  const auto& color = shadowInner_->shadowColor();
-  if (color == nullptr) return;
-  // The shadow is made opaque and fades as a whole: its alpha must not scale it twice.
-  const auto opaque = color->colorWithAlphaComponent(1);
-  const NSGraphicsStateScope state;
-  NSRectClip(path.bounds());
-  port().setAlpha(color->alphaComponent());
-  const CGTransparencyLayerScope whole(port());
-  port().setShadow(
-      {shadowInner_->shadowOffset(), shadowInner_->shadowBlurRadius(), paintComponents(*opaque)});
-  port().setOperation(NSCompositingOperation::sourceOut);
-  const CGTransparencyLayerScope inverse(port());
-  opaque->setFill();
-  path.fill();
-  port().setOperation(NSCompositingOperation::destinationIn);
-  const CGTransparencyLayerScope shape(port());
-  paintFill(path);
 }
 
 void DrawBase::drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool fillDrawn) const {

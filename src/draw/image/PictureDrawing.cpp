@@ -2,10 +2,8 @@
 
 #include <cmath>
 
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSColorDrawing.h"
+#include "draw/core/InnerShadow.h"
 #include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
 
 namespace {
 
@@ -45,18 +43,7 @@ void drawPicture(const NSBitmapImageRep& image, const NSRect& bounds, CGFloat fr
 
 void drawPictureInnerShadow(const NSBitmapImageRep& image, const NSRect& bounds,
                             const NSBezierPath& path, const NSShadow& shadow, CGFloat fraction) {
-  const auto& color = shadow.shadowColor();
-  if (color == nullptr) return;
-  const auto opaque = color->colorWithAlphaComponent(1);
-  const NSGraphicsStateScope state;
-  NSRectClip(bounds);
-  port().setShadow({});
-  port().setAlpha(color->alphaComponent() * fraction);
-  const CGTransparencyLayerScope whole(port());
-  port().setShadow({shadow.shadowOffset(), shadow.shadowBlurRadius(), paintComponents(*opaque)});
-  port().setOperation(NSCompositingOperation::sourceOut);
-  const CGTransparencyLayerScope inverse(port());
-  opaque->setFill();
-  path.fill();
-  drawInRect(image, bounds, NSZeroRect, NSCompositingOperation::destinationIn, fraction);
+  paintInnerShadow(shadow, shadowAlpha(shadow) * fraction, bounds, path, [&] {
+    drawInRect(image, bounds, NSZeroRect, NSCompositingOperation::destinationIn, fraction);
+  });
 }

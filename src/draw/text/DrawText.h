@@ -190,6 +190,7 @@ class DrawText : public DrawRoundRectangle {
   bool hasGradient() const { return _useGradualText && _textGradient != nullptr; }
   void drawGradientText(const TextTarget& target) const;
   void drawInnerShadow(const TextTarget& target) const;
+  void drawShadowMask(const TextTarget& target) const;
   NSPoint relativeGradientCenter(const NSRect& target) const;
   NSRect visiblePart() const;
   CGFloat overhang() const;

@@ -1,9 +1,8 @@
 // Drawing of text boxes: the text image, tinted, outlined and shadowed.
 #include <cmath>
 
+#include "draw/core/InnerShadow.h"
 #include "draw/text/DrawText.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSColorDrawing.h"
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSGraphicsContext.h"
 #include "platform/graphics/NSShadow.h"
@@ -127,23 +126,15 @@ NSPoint DrawText::relativeGradientCenter(const NSRect& target) const {
 }
 
 void DrawText::drawInnerShadow(const TextTarget& target) const {
-  const auto& color = shadowInner_->shadowColor();
-  if (color == nullptr) return;
-  const auto opaque = color->colorWithAlphaComponent(1);
-  const NSGraphicsStateScope state;
-  NSRectClip(target.text);
-  if (!hasLegacyOpacity()) {
-    port().setAlpha(color->alphaComponent() * static_cast<CGFloat>(opacity()) / 100);
-  }
-  const CGTransparencyLayerScope whole(port());
-  port().setShadow(
-      {shadowInner_->shadowOffset(), shadowInner_->shadowBlurRadius(), paintComponents(*opaque)});
-  port().setOperation(NSCompositingOperation::sourceOut);
-  const CGTransparencyLayerScope inverse(port());
-  opaque->setFill();
-  port().fill(target.text);
-  port().setOperation(NSCompositingOperation::destinationIn);
-  const CGTransparencyLayerScope shape(port());
+  const CGFloat strength = hasLegacyOpacity() ? 1 : shadowAlpha(*shadowInner_);
+  const CGFloat alpha = strength * static_cast<CGFloat>(opacity()) / 100;
+  const auto box = NSBezierPath::bezierPathWithRect(target.text);
+  paintInnerShadow(*shadowInner_, alpha, target.text, *box, [&] { drawShadowMask(target); });
+}
+
+/// The text as the inner shadow falls on it.
+void DrawText::drawShadowMask(const TextTarget& target) const {
+  const CGTransparencyLayerScope mask(port());
   if (hasGradient()) {
     port().setShouldAntialias(bSmooth_);
     drawGradientText(target);
