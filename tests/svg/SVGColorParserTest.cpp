@@ -25,6 +25,10 @@ struct ColorCase {
   std::optional<ColorArray> color;
 };
 
+void PrintTo(const ColorCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.text);
+}
+
 class ColorTest : public testing::TestWithParam<ColorCase> {};
 
 TEST_P(ColorTest, Parses) {
@@ -96,6 +100,10 @@ struct VariableCase {
   std::optional<ColorVariable> variable;
 };
 
+void PrintTo(const VariableCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.text);
+}
+
 class VariableTest : public testing::TestWithParam<VariableCase> {};
 
 TEST_P(VariableTest, Parses) {
@@ -126,6 +134,10 @@ struct PaintCase {
   PaintResult result;
   Expected paint = Expected::other;
 };
+
+void PrintTo(const PaintCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.text);
+}
 
 class PaintTest : public testing::TestWithParam<PaintCase> {};
 

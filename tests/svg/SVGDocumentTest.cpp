@@ -51,6 +51,10 @@ struct DrawCase {
   Lines lines;
 };
 
+void PrintTo(const DrawCase& c, std::ostream* out) {
+  *out << c.name;
+}
+
 class SVGDocumentDrawTest : public testing::TestWithParam<DrawCase> {};
 
 TEST_P(SVGDocumentDrawTest, Draws) {

@@ -28,6 +28,10 @@ struct NumberCase {
   std::optional<float> alpha;
 };
 
+void PrintTo(const NumberCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.text);
+}
+
 class NumberTest : public testing::TestWithParam<NumberCase> {};
 
 TEST_P(NumberTest, ParsesAsNumberLengthAndAlpha) {
@@ -163,6 +167,10 @@ struct ListCase {
   std::optional<std::vector<float>> required;
   std::optional<std::vector<float>> optional;
 };
+
+void PrintTo(const ListCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.text);
+}
 
 class ListTest : public testing::TestWithParam<ListCase> {};
 

@@ -16,6 +16,10 @@ struct PathCase {
   bool valid = true;
 };
 
+void PrintTo(const PathCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.data);
+}
+
 class PathTest : public testing::TestWithParam<PathCase> {};
 
 TEST_P(PathTest, Parses) {

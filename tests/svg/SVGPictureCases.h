@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ostream>
 #include <span>
 #include <string_view>
 
@@ -16,6 +17,14 @@ struct SVGDifferenceCase {
   std::string_view content;
   std::string_view equivalent;
 };
+
+/// Found by the test framework, which would print the bytes of the views.
+inline void PrintTo(const SVGPictureCase& c, std::ostream* out) {
+  *out << c.name;
+}
+inline void PrintTo(const SVGDifferenceCase& c, std::ostream* out) {
+  *out << c.name;
+}
 
 std::span<const SVGPictureCase> svgPictureCases();
 std::span<const SVGDifferenceCase> svgDifferenceCases();

@@ -14,6 +14,10 @@ struct TransformCase {
   RecordingTransform::Matrix matrix;
 };
 
+void PrintTo(const TransformCase& c, std::ostream* out) {
+  *out << testing::PrintToString(c.text);
+}
+
 class TransformTest : public testing::TestWithParam<TransformCase> {};
 
 TEST_P(TransformTest, Applies) {
