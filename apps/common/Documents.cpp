@@ -16,14 +16,7 @@ std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
 LoadedDocument loadDocument(const NSURL& file) {
   std::error_code error;
   const auto data = NSData::dataWithContentsOfURL(file, &error);
-  return data != nullptr ? loadDocument(data) : unreadableInput(error);
-}
-
-LoadedDocument unreadableInput(std::error_code error) {
-  LoadedDocument unreadable;
-  unreadable.status = statusOf(error, kExitUnreadable);
-  unreadable.reason = error.message();
-  return unreadable;
+  return loadDocument(data, error);
 }
 
 std::shared_ptr<NSData> readInput(const std::string& argument, std::error_code* error) {
@@ -31,11 +24,15 @@ std::shared_ptr<NSData> readInput(const std::string& argument, std::error_code* 
                          : NSData::dataWithContentsOfURL(*fileURLFromArgument(argument), error);
 }
 
-LoadedDocument loadDocument(const std::shared_ptr<NSData>& data) {
+LoadedDocument loadDocument(const std::shared_ptr<NSData>& data, std::error_code readError) {
   LoadedDocument loaded;
+  if (data == nullptr) {
+    loaded.status = statusOf(readError, kExitUnreadable);
+    loaded.reason = readError.message();
+    return loaded;
+  }
   int64_t code = kPaintDataUnreadable;
   loaded.document = PaintManager::paintMgrWithPaintData(data, &loaded.resolution, &code);
-  loaded.version = PaintManager::versionOfPaintData(data).value_or(0);
   loaded.status = static_cast<ExitStatus>(code);
   return loaded;
 }

@@ -21,15 +21,11 @@ struct LoadedDocument {
   ExitStatus status = kExitUnreadable;
   /// What the system said when the file could not be read, else empty.
   std::string reason;
-  int64_t version = 0;
   double resolution = 0;
 };
 LoadedDocument loadDocument(const NSURL& file);
-/// The same for a file's bytes.
-LoadedDocument loadDocument(const std::shared_ptr<NSData>& data);
-
-/// No document, for what the system said when the file was read.
-LoadedDocument unreadableInput(std::error_code error);
+/// The same for a file's bytes, null with what the system said when they were read.
+LoadedDocument loadDocument(const std::shared_ptr<NSData>& data, std::error_code readError);
 
 /// The bytes of the file that an argument means, or of standard input when it is "-". Null when it
 /// cannot be read; `error` then says why.

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 #include "common/Documents.h"
 #include "common/ResourceLimits.h"
@@ -21,23 +22,22 @@ struct Options {
 };
 
 ExitStatus makeThumbnail(const Options& options) {
-  const auto file = fileURLFromArgument(options.input);
-  const auto side = static_cast<CGFloat>(options.size);
-  std::shared_ptr<NSBitmapImageRep> thumbnail;
-  ThumbnailProvider().provideThumbnailForFileRequest(
-      {file, {side, side}},
-      [&](const auto& reply, std::error_code) { thumbnail = reply->drawnBitmap(); });
-  if (thumbnail != nullptr) return writePicture(kProgram, *thumbnail, options.output);
-  // The reply does not tell why it is empty.
-  const LoadedDocument loaded = loadDocument(*file);
+  LoadedDocument loaded = loadDocument(*fileURLFromArgument(options.input));
   if (loaded.document == nullptr) {
     return fail(kProgram, options.input, loaded.status, loaded.reason);
   }
+  const auto side = static_cast<CGFloat>(options.size);
   const NSSize canvas = loaded.document->size();
   const NSSize size = ThumbnailProvider::contextSize(
       static_cast<int64_t>(canvas.width), static_cast<int64_t>(canvas.height), {side, side});
   if (size.width < 1 || size.height < 1) return fail(kProgram, options.input, kExitNothingToDraw);
-  return fail(kProgram, options.input, kExitLimitReached, "not enough memory");
+  auto image = std::exchange(loaded.document, nullptr)->composedImage();
+  const auto thumbnail =
+      ThumbnailProvider::replyForImage(std::move(image), {side, side})->drawnBitmap();
+  if (thumbnail == nullptr) {
+    return fail(kProgram, options.input, kExitLimitReached, "not enough memory");
+  }
+  return writePicture(kProgram, *thumbnail, options.output);
 }
 
 }  // namespace

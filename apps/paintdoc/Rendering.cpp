@@ -30,8 +30,7 @@ struct Renderable {
   std::function<Bitmap(int64_t side)> draw;
 };
 
-Renderable documentToRender(const std::shared_ptr<NSData>& data, const std::string& name) {
-  const LoadedDocument loaded = loadDocument(data);
+Renderable documentToRender(const LoadedDocument& loaded, const std::string& name) {
   if (loaded.document == nullptr) return {loaded.status, loaded.reason, {}, {}};
   const NSSize size = loaded.document->size();
   if (size.width < 1 || size.height < 1) return {kExitNothingToDraw, {}, size, {}};
@@ -69,11 +68,8 @@ Renderable svgToRender(const std::shared_ptr<NSData>& data) {
 Renderable thingToRender(const std::string& input) {
   std::error_code error;
   const auto data = readInput(input, &error);
-  if (data == nullptr) {
-    const LoadedDocument unreadable = unreadableInput(error);
-    return {unreadable.status, unreadable.reason, {}, {}};
-  }
-  return ZTSVGTool::isSVGFormatData(data.get()) ? svgToRender(data) : documentToRender(data, input);
+  if (data != nullptr && ZTSVGTool::isSVGFormatData(data.get())) return svgToRender(data);
+  return documentToRender(loadDocument(data, error), input);
 }
 
 struct WrittenPicture {

@@ -18,13 +18,16 @@ constexpr int64_t kLargestSize = 16384;
 LoadedDocument loadArgument(const std::string& input) {
   std::error_code error;
   const auto data = readInput(input, &error);
-  return data != nullptr ? loadDocument(data) : unreadableInput(error);
+  return loadDocument(data, error);
 }
 
 ExitStatus showInfo(const std::string& input, bool json) {
-  const LoadedDocument loaded = loadArgument(input);
+  std::error_code error;
+  const auto data = readInput(input, &error);
+  const LoadedDocument loaded = loadDocument(data, error);
   if (loaded.document == nullptr) return fail(kProgram, input, loaded.status, loaded.reason);
-  const DocumentFacts facts{*loaded.document, loaded.version, loaded.resolution};
+  const int64_t version = PaintManager::versionOfPaintData(data).value_or(0);
+  const DocumentFacts facts{*loaded.document, version, loaded.resolution};
   return writeText(kProgram, json ? infoJson(facts) : infoText(facts));
 }
 
