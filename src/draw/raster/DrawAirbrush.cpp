@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "draw/raster/DrawBrushes.h"
+#include "platform/foundation/Convert.h"
 #include "platform/foundation/Limits.h"
 #include "platform/foundation/NSCoder.h"
 #include "platform/foundation/NSData.h"
@@ -54,7 +55,7 @@ std::shared_ptr<NSBezierPath> DrawAirbrush::sprayPathAtPoint(NSPoint point) cons
   auto path = NSBezierPath::bezierPath();
   const CGFloat width = std::min(static_cast<CGFloat>(fBrushWidth_), limits::kMaxSprayWidth);
   if (!(width > 0)) return path;
-  const auto rounded = static_cast<int64_t>(width + 0.5);
+  const int64_t rounded = roundedHalfUp(width);
   const int64_t span = rounded < 5 ? 4 : rounded;
   for (int i = 0; i < width * width / kAreaOfDot; ++i) {
     const auto dot = dotInDisc(point, width / 2, span);

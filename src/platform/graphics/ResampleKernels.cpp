@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/TargetClones.h"
+#include "platform/foundation/Convert.h"
 #include "platform/graphics/FilterAxis.h"
 
 namespace {
@@ -117,7 +118,7 @@ void averageCells(const uint32_t* totals, size_t pixelCount, size_t cellSize, si
     const size_t pixels = std::min(cellSize, pixelCount - begin) * rowCount;
     const double scale = 1.0 / static_cast<double>(pixels);
     for (size_t c = 0; c < 4; ++c) {
-      out[c] = static_cast<uint8_t>(static_cast<double>(totals[c]) * scale + 0.5);
+      out[c] = static_cast<uint8_t>(roundedHalfUp(static_cast<double>(totals[c]) * scale));
     }
   }
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/TargetClones.h"
+#include "platform/foundation/Convert.h"
 
 static_assert(std::endian::native == std::endian::little, "red is the lowest byte of a pixel");
 
@@ -46,8 +47,7 @@ VECTOR_CLONES void unpremultiply(uint32_t* pixels, size_t count) {
     // The quotient is rounded correctly and never near a half without being one.
     const auto straight = [a, divisor](uint32_t channel) {
       const int32_t c = std::min(static_cast<int32_t>(channel & 255), a);
-      return static_cast<uint32_t>(
-          static_cast<int32_t>(static_cast<float>(c * 255) / divisor + 0.5F));
+      return static_cast<uint32_t>(roundedHalfUp(static_cast<float>(c * 255) / divisor));
     };
     pixels[i] = straight(p) | straight(p >> 8) << 8 | straight(p >> 16) << 16 | (p & 0xff000000);
   }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "platform/TargetClones.h"
+#include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/PixelMath.h"
 #include "platform/graphics/pixels/SpanKernels.h"
 
@@ -102,7 +103,7 @@ Straight straight(uint32_t pixel) {
 }
 
 uint32_t byteOf(float unit) {
-  return static_cast<uint32_t>(std::clamp(unit, 0.0F, 1.0F) * 255 + 0.5F);
+  return static_cast<uint32_t>(roundedHalfUp(std::clamp(unit, 0.0F, 1.0F) * 255));
 }
 
 // (1 - Sa) D + (1 - Da) S + Sa Da blended.

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "platform/TargetClones.h"
+#include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/GradientTable.h"
 
 namespace {
@@ -75,9 +76,8 @@ inline float unitClamp(float v) {
   return v > 0 ? (v < 1 ? v : 1) : 0;
 }
 
-/// Rounded; through int, as vector units convert to signed integers only.
 inline uint32_t byteOfUnit(float v) {
-  return static_cast<uint32_t>(static_cast<int32_t>(v * 255 + 0.5F));
+  return static_cast<uint32_t>(roundedHalfUp(v * 255));
 }
 
 }  // namespace

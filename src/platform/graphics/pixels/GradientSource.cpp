@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/GradientKernels.h"
 #include "platform/graphics/pixels/SpanKernels.h"
 
@@ -69,7 +70,7 @@ class LinearSource final : public RowSource {
   uint32_t constantPixel(double location) const {
     if (hides(location)) return 0;
     const double entry = std::clamp(location, 0.0, 1.0) * kLastEntry;
-    return table_.pixels()[static_cast<int>(entry + 0.5)];
+    return table_.pixels()[roundedHalfUp(entry)];
   }
 
   /// Rows that are all alike are computed once, in pieces as they are asked for.
@@ -130,7 +131,7 @@ class ConcentricSource final : public RowSource {
     const double location = offset_ + (inward_ ? -distance : distance);
     if (location < 0 && !extendsBefore(extent_)) return 0;
     if (location > kLastEntry && !extendsAfter(extent_)) return 0;
-    return table_.pixels()[static_cast<int>(std::clamp(location, 0.0, kLastEntry) + 0.5)];
+    return table_.pixels()[roundedHalfUp(std::clamp(location, 0.0, kLastEntry))];
   }
 
   const GradientTable& table_;
@@ -194,7 +195,7 @@ class TwoCircleSource final : public RowSource {
   }
 
   uint32_t pixelAt(double location) const {
-    return table_.pixels()[static_cast<int>(std::clamp(location, 0.0, 1.0) * kLastEntry + 0.5)];
+    return table_.pixels()[roundedHalfUp(std::clamp(location, 0.0, 1.0) * kLastEntry)];
   }
 
   uint32_t pixel(NSPoint p) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/PixelMath.h"
 
 namespace {
@@ -32,7 +33,7 @@ Tap tapAt(double position, int32_t low, int32_t high) {
   const double inside = std::clamp<double>(position - 0.5, low, high - 1);
   const auto first = static_cast<int32_t>(inside);
   return {first, std::min(first + 1, high - 1),
-          static_cast<uint32_t>((inside - first) * 255 + 0.5)};
+          static_cast<uint32_t>(roundedHalfUp((inside - first) * 255))};
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "platform/foundation/Convert.h"
+
 /// Straight (not premultiplied) red, green, blue and alpha, nominally 0 to 1.
 struct RGBAColor {
   double red = 0;
@@ -17,8 +19,7 @@ inline double unitClamp(double v) {
 }
 
 inline uint32_t unitToByte(double v) {
-  // Through int: vector units convert to signed integers only.
-  return static_cast<uint32_t>(static_cast<int32_t>(unitClamp(v) * 255 + 0.5));
+  return static_cast<uint32_t>(roundedHalfUp(unitClamp(v) * 255));
 }
 
 /// Every component a fraction t of the way from a to b.

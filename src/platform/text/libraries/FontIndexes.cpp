@@ -8,6 +8,7 @@
 #include <map>
 #include <system_error>
 
+#include "platform/foundation/Convert.h"
 #include "platform/text/libraries/FontFile.h"
 
 namespace {
@@ -64,7 +65,7 @@ FontFaceInfo describe(const FcPattern* pattern) {
   info.style = stringOf(pattern, FC_STYLE);
   double weight = FC_WEIGHT_REGULAR;
   FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight);
-  info.weight = static_cast<int>(FcWeightToOpenTypeDouble(weight) + 0.5);
+  info.weight = roundedHalfUp(FcWeightToOpenTypeDouble(weight));
   info.width = integerOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
   info.italic = integerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
   info.fixedPitch = integerOf(pattern, FC_SPACING, FC_PROPORTIONAL) >= FC_MONO;
