@@ -1,6 +1,7 @@
 #include "extension/ThumbnailProvider.h"
 
 #include <cmath>
+#include <utility>
 
 #include "document/PaintManager.h"
 #include "platform/foundation/NSData.h"
@@ -33,7 +34,7 @@ std::shared_ptr<QLThumbnailReply> ThumbnailProvider::replyForImage(
     std::shared_ptr<const NSBitmapImageRep> image, NSSize maximumSize) {
   const NSSize size = contextSize(image != nullptr ? image->pixelsWide() : 0,
                                   image != nullptr ? image->pixelsHigh() : 0, maximumSize);
-  return QLThumbnailReply::replyWithContextSize(size, [image, size] {
+  return QLThumbnailReply::replyWithContextSize(size, [image = std::move(image), size] {
     if (image == nullptr || size.width < 1 || size.height < 1) return false;
     NSGraphicsContext::currentContext()->setImageInterpolation(NSImageInterpolation::high);
     drawInRect(*image, {NSZeroPoint, size});

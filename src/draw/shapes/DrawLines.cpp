@@ -212,9 +212,10 @@ std::string DrawBezierPath::name() const {
 }
 
 std::shared_ptr<NSDictionary> DrawBezierPath::drawAttributes() const {
+  // NOLINTNEXTLINE(bugprone-parent-virtual-call): without the arrow style, which lines share only.
   return DrawBase::drawAttributes();
 }
 
 bool DrawBezierPath::setDrawAttributes(const NSDictionary& attributes) {
-  return DrawBase::setDrawAttributes(attributes);
+  return DrawBase::setDrawAttributes(attributes);  // NOLINT(bugprone-parent-virtual-call)
 }

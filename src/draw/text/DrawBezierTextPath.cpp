@@ -142,7 +142,7 @@ std::shared_ptr<NSBezierPath> DrawBezierText::bezierPathForDrawTexts() const {
 
 std::shared_ptr<NSBezierPath> DrawBezierText::pathOfVersion0() const {
   const DrawBase& guide = *bezierDraw_;
-  const auto path = guide.bezierPath()->copy();
+  auto path = guide.bezierPath()->copy();
   if (guide.isKindOfClass(DrawRoundRectangle::kClass)) {
     mirror(*path, guide.rotateCenter(), 1, -1);
   } else if (guide.isKindOfClass(DrawEllipse::kClass)) {
@@ -173,7 +173,7 @@ std::shared_ptr<NSBezierPath> DrawBezierText::bezierPathForDrawTextsV2() const {
     rx = NSWidth(bounds) / 2;
     ry = NSHeight(bounds) / 2;
   }
-  const auto path = ClockwiseBox(bounds.size, rx, ry).from(startFor(textAlignment(), ellipse));
+  auto path = ClockwiseBox(bounds.size, rx, ry).from(startFor(textAlignment(), ellipse));
   NSAffineTransform move;
   move.translateXBy(NSMinX(bounds), NSMinY(bounds));
   path->transformUsingAffineTransform(move);

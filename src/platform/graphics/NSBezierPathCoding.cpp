@@ -59,9 +59,7 @@ PathData parseSegments(std::span<const uint8_t> bytes) {
     }
     i += records;
     const NSPoint last = recordPoint(record + (records - 1) * kRecordSize);
-    if (path.empty()) {
-      path.move(last);
-    } else if (verb == PathVerb::move) {
+    if (path.empty() || verb == PathVerb::move) {
       path.move(last);
     } else if (verb == PathVerb::line) {
       path.line(last);
