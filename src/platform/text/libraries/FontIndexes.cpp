@@ -1,5 +1,6 @@
 #include "platform/text/libraries/FontIndexes.h"
 
+#include <dirent.h>
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
@@ -157,6 +158,20 @@ ConfigPtr cacheConfiguration() {
   return config;
 }
 
+/// In the order of their names; none when the folder cannot be read. Without the C++ library's
+/// iterator, which ends the process when there is no memory for a name.
+std::vector<fs::path> entriesOf(const std::string& folder) {
+  std::vector<fs::path> entries;
+  const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
+  if (stream == nullptr) return entries;
+  while (const dirent* entry = readdir(stream.get())) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") entries.push_back(fs::path(folder) / name);
+  }
+  std::sort(entries.begin(), entries.end());
+  return entries;
+}
+
 /// Walks font folders, through their caches where these are valid.
 class FolderWalk {
  public:
@@ -177,13 +192,8 @@ class FolderWalk {
 
  private:
   void readFolder(const std::string& folder, int depth) {
-    std::vector<fs::path> entries;
     std::error_code error;
-    for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
-      entries.push_back(it->path());
-    }
-    std::sort(entries.begin(), entries.end());
-    for (const fs::path& entry : entries) {
+    for (const fs::path& entry : entriesOf(folder)) {
       if (fs::is_directory(entry, error)) {
         visit(entry, depth + 1);
       } else if (isFontFile(entry)) {
