@@ -1,10 +1,12 @@
 #include "common/ResourceLimits.h"
 
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 
@@ -20,21 +22,47 @@
 
 namespace {
 
-// Read by the signal handler, written once before it is installed.
+// Read by the signal handlers. There is no file until the command line has been read.
 const char* gProgram = "";
-const char* gFile = "";
+const char* gFile = nullptr;
 
 void writeText(const char* text) {
   const ssize_t written = write(STDERR_FILENO, text, std::strlen(text));
   static_cast<void>(written);
 }
 
-extern "C" void timeIsUp(int) {
+[[noreturn]] void endForLimit(const char* reason) {
   writeText(gProgram);
   writeText(": ");
-  writeText(gFile);
-  writeText(": the time limit was reached\n");
+  if (gFile != nullptr) {
+    writeText(gFile);
+    writeText(": ");
+  }
+  writeText(reason);
   _exit(kExitLimitReached);
+}
+
+extern "C" void timeIsUp(int) {
+  endForLimit("the time limit was reached\n");
+}
+
+/// Whether the system still gives what malloc asks it for at least once its heap cannot grow.
+bool isMemoryLeft() {
+  constexpr size_t kLeastMapping = 1 << 20;
+  void* const mapping = mmap(nullptr, kLeastMapping, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return mapping != MAP_FAILED && munmap(mapping, kLeastMapping) == 0;
+}
+
+/// Libraries abort when they are refused memory, and so does the C++ runtime when an exception
+/// finds none or passes a function that must not throw. Other aborts take their course.
+extern "C" void abortIsOn(int) {
+  if (!isMemoryLeft()) endForMemory();
+}
+
+/// Ahead of the constructors of the program's own objects.
+[[gnu::constructor(101)]] void watchAborts() {
+  gProgram = program_invocation_short_name;
+  std::signal(SIGABRT, abortIsOn);
 }
 
 void setLimit(int resource, int64_t value) {
@@ -57,6 +85,10 @@ void addLimitOptions(CLI::App& app, ResourceLimits& limits) {
   app.add_option("--limit-output", limits.outputMegabytes, "Megabytes of a written file")
       ->check(CLI::Range(1, kMost))
       ->capture_default_str();
+}
+
+void endForMemory() noexcept {
+  endForLimit("the memory limit was reached\n");
 }
 
 void limitResources(const ResourceLimits& limits, const char* program, const char* file) {

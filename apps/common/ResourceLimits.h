@@ -21,6 +21,9 @@ void addLimitOptions(CLI::App& app, ResourceLimits& limits);
 
 /// Puts the limits in force for the rest of the process. When time runs out the process writes one
 /// line that names `program` and `file` to standard error and ends with kExitLimitReached; so it
-/// does when an allocation fails, through std::bad_alloc, in the caller's handler. Both names must
-/// live as long as the process.
+/// does when a library or the C++ runtime aborts because there is no memory left, from before main
+/// on. Both names must live as long as the process.
 void limitResources(const ResourceLimits& limits, const char* program, const char* file);
+
+/// Ends the process as a limit does: for callers that catch std::bad_alloc. Allocates nothing.
+[[noreturn]] void endForMemory() noexcept;

@@ -40,10 +40,7 @@ ExitStatus makeThumbnail(const Options& options) {
   return writePicture(kProgram, *thumbnail, options.output);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  Options options;
+ExitStatus run(int argc, char** argv, Options& options) {
   CLI::App app{"Makes a PNG thumbnail of a paint document."};
   app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
   app.add_option("-s,--size", options.size, "Largest width and height in pixels")
@@ -58,9 +55,17 @@ int main(int argc, char** argv) {
     return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
   }
   limitResources(options.limits, kProgram, options.input.c_str());
+  return makeThumbnail(options);
+}
+
+}  // namespace
+
+// Mistakes in the declarations of options may well end the process.
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
+  Options options;                 // the file's name outlives whatever is thrown
   try {
-    return makeThumbnail(options);
+    return run(argc, argv, options);
   } catch (const std::bad_alloc&) {
-    return fail(kProgram, options.input, kExitLimitReached, "out of memory");
+    endForMemory();
   }
 }

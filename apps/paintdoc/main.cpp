@@ -138,21 +138,28 @@ ExitStatus renderAsAsked(Arguments& arguments) {
   return fail(kProgram, arguments.request.input, kExitUsage, mistake);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+ExitStatus run(int argc, char** argv, std::string& file) {
   Arguments arguments;
   try {
     arguments.app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return arguments.app.exit(error) == 0 ? kExitSuccess : kExitUsage;
   }
-  limitResources(arguments.limits, kProgram, arguments.file().c_str());
+  file = arguments.file();
+  limitResources(arguments.limits, kProgram, file.c_str());
+  if (arguments.info->parsed()) return showInfo(file, arguments.json);
+  if (arguments.render->parsed()) return renderAsAsked(arguments);
+  return check(arguments.inputs, arguments.json);
+}
+
+}  // namespace
+
+// Mistakes in the declarations of options may well end the process.
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
+  std::string file;                // outlives whatever is thrown
   try {
-    if (arguments.info->parsed()) return showInfo(arguments.file(), arguments.json);
-    if (arguments.render->parsed()) return renderAsAsked(arguments);
-    return check(arguments.inputs, arguments.json);
+    return run(argc, argv, file);
   } catch (const std::bad_alloc&) {
-    return fail(kProgram, arguments.file(), kExitLimitReached, "out of memory");
+    endForMemory();
   }
 }

@@ -345,6 +345,16 @@ class Programs(unittest.TestCase):
     def test_memory_is_limited(self):
         self.assert_limited(b"memory", THUMBNAILER, "--limit-memory", "64", document("white largest canvas"), self.out)
 
+    @unittest.skipIf("PAINT_SANITIZED" in os.environ, "the sanitizers reserve terabytes")
+    def test_no_lack_of_memory_is_a_crash(self):
+        # From what the loader needs on: before main, while decoding, while fonts are looked for.
+        for example, kilobytes in (("composition", range(8192, 13312, 32)), ("text", range(46080, 51200, 64))):
+            path = os.path.join(EXAMPLES, example + ".paintdoc")
+            ends = {run("bash", "-c", 'ulimit -v "$0"; exec "$@"', str(limit), THUMBNAILER, path, self.out).returncode
+                    for limit in kilobytes}
+            self.assertIn(75, ends)
+            self.assertLessEqual(ends, {0, 75, 127}, example)  # 127 is the loader's
+
     def test_processor_time_is_limited(self):
         self.assert_limited(b"time limit", THUMBNAILER, "--limit-time", "1", document("hours of painting"), self.out)
 
