@@ -132,7 +132,8 @@ def main():
                 os.makedirs(os.path.join(folder, name), mode=0o700)
             environment = dict(os.environ, PAINT_DESKTOP_FOLDER=folder, XDG_CACHE_HOME=os.path.join(folder, "cache"),
                                XDG_DATA_HOME=os.path.join(folder, "data"), XDG_DATA_DIRS="/usr/local/share:/usr/share",
-                               XDG_RUNTIME_DIR=os.path.join(folder, "runtime"), QT_QPA_PLATFORM="offscreen")
+                               XDG_RUNTIME_DIR=os.path.join(folder, "runtime"), QT_QPA_PLATFORM="offscreen",
+                               PATH="/usr/local/bin:/usr/bin:/bin")
             subprocess.run(["update-mime-database", "/usr/local/share/mime"], check=True, capture_output=True)
             environment.pop("DBUS_SESSION_BUS_ADDRESS", None)
             sys.exit(subprocess.run(sys.orig_argv, env=environment, timeout=300).returncode)
