@@ -25,7 +25,7 @@ install(FILES ${CMAKE_BINARY_DIR}/paintengine.pc COMPONENT development
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # The headers that the library's one header needs, as the compiler finds them.
-execute_process(COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -MM -I src src/paintengine.h
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -x c++-header -MM -I src src/paintengine.h
   WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} OUTPUT_VARIABLE rule COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "src/[A-Za-z0-9_/]+\\.h" headers "${rule}")
 foreach(header IN LISTS headers)
