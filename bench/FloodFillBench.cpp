@@ -85,8 +85,9 @@ std::shared_ptr<ImageFill> engine(const std::shared_ptr<NSBitmapImageRep>& bitma
 }
 
 int64_t areaOf(const ImageFill& fill) {
+  const auto mask = fill.imageMask();
   int64_t area = 0;
-  for (const uint8_t byte : fill.imageMask()->maskData()) area += byte;
+  for (const uint8_t byte : mask->maskData()) area += byte;
   return area;
 }
 
