@@ -197,8 +197,11 @@ FILTER_BENCHMARK(gamma, "CIGammaAdjust", Settings{{"inputPower", 1.5}});
 FILTER_BENCHMARK(controls, "CIColorControls", Settings{{"inputSaturation", 1.3}});
 FILTER_BENCHMARK(hue, "CIHueAdjust", Settings{{"inputAngle", 1}});
 FILTER_BENCHMARK(hue_noise, "CIHueAdjust", Settings{{"inputAngle", 1}}, Content::kNoise);
-FILTER_BENCHMARK(sepia, "CISepiaTone", Settings{});
+FILTER_BENCHMARK(sepia, "CISepiaTone", Settings{{"inputIntensity", 0.8}});
 FILTER_BENCHMARK(highlights, "CIHighlightShadowAdjust", Settings{{"inputHighlightAmount", 0.5}});
+FILTER_BENCHMARK(shadows, "CIHighlightShadowAdjust", Settings{{"inputShadowAmount", 0.5}});
+FILTER_BENCHMARK(shadows_noise, "CIHighlightShadowAdjust", Settings{{"inputShadowAmount", 0.5}},
+                 Content::kNoise);
 BENCHMARK_CAPTURE(colorChain, photo, Content::kPhoto)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(colorChain, clean, Content::kCleanPhoto)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(colorChain, noise, Content::kNoise)->Unit(benchmark::kMillisecond);

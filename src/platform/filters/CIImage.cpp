@@ -31,6 +31,11 @@ Box commonBox(const Box& a, const Box& b) {
   return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
 }
 
+bool contains(const Box& outer, const Box& inner) {
+  return outer.x0 <= inner.x0 && outer.y0 <= inner.y0 && outer.x1 >= inner.x1 &&
+         outer.y1 >= inner.y1;
+}
+
 Box grown(const Box& box, int64_t by) {
   return {box.x0 - by, box.y0 - by, box.x1 + by, box.y1 + by};
 }
@@ -140,10 +145,7 @@ class CropRecipe : public CIImage::Recipe {
   OperationSource pixels(const Box& wanted) const override {
     const OperationSource source = input_->pixels(wanted);
     if (source.bitmap == nullptr) return {};
-    const Box held = boxOf(source);
-    const bool inside =
-        held.x0 >= box_.x0 && held.y0 >= box_.y0 && held.x1 <= box_.x1 && held.y1 <= box_.y1;
-    if (inside && source.surround == Surround::kTransparent) return source;
+    if (contains(box_, boxOf(source)) && source.surround == Surround::kTransparent) return source;
     return {render(wanted), wanted.x0, wanted.y1, Surround::kTransparent};
   }
   std::shared_ptr<NSBitmapImageRep> render(const Box& box) const override {
@@ -171,11 +173,10 @@ class ColorRecipe : public CIImage::Recipe {
   }
   std::shared_ptr<NSBitmapImageRep> render(const Box& box) const override {
     const OperationSource source = input_->pixels(box);
+    if (source.bitmap == nullptr) return nullptr;
     // Beyond the edges of an endless picture there is more than the operation's own pixels.
-    if (source.bitmap == nullptr || source.surround == Surround::kNearestPixel) {
-      return Recipe::render(box);
-    }
-    return apply(source, box);
+    const bool beyond = source.surround == Surround::kNearestPixel && !contains(boxOf(source), box);
+    return beyond ? Recipe::render(box) : apply(source, box);
   }
   const ColorOperation* lastColorOperation() const override { return operation_.get(); }
   RecipePointer beforeLast() const override { return input_; }

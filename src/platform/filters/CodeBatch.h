@@ -1,33 +1,37 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
 /// Pixels taken together by the operations on them.
-constexpr size_t kColorBatch = 256;
+constexpr size_t kColorBatch = 512;
+/// Room for a batch of floats: arrays in a row are a line more than half a page apart, so that what
+/// belongs together does not compete for the same places in a cache.
+constexpr size_t kBatchStride = kColorBatch + 16;
 
-/// Pixels as separate channels of straight codes: red, green, blue, alpha.
-struct CodeBatch {
+/// Pixels as separate channels of straight codes: red, green, blue, alpha. Whatever is done to them
+/// is done to all kColorBatch, so that loops have no remainders and every pixel goes through the
+/// same instructions; those beyond `count` are zero at first and not joined.
+struct alignas(64) CodeBatch {
   size_t count = 0;
-  uint8_t channels[4][kColorBatch];
+  bool opaque = false;
+  alignas(64) uint8_t channels[4][kColorBatch];
 };
 
-using CodeTable = std::array<uint8_t, 256>;
-
 bool allOpaque(const uint32_t* pixels, size_t count);
+
+/// Asks for the next kColorBatch pixels while others are worked on, which takes longer. Addresses
+/// beyond the picture do no harm.
+inline void prefetchPixels(const uint32_t* pixels) {
+  constexpr size_t kPixelsInLine = 16;
+  for (size_t i = 0; i < kColorBatch; i += kPixelsInLine) __builtin_prefetch(pixels + i);
+}
+
+/// The bytes of one channel (0 to 3) of any number of pixels.
+void channelOf(const uint32_t* pixels, size_t count, int channel, uint8_t* codes);
 
 /// Premultiplied pixels, at most kColorBatch, as straight codes.
 void splitPixels(const uint32_t* pixels, size_t count, CodeBatch& codes);
 void joinPixels(const CodeBatch& codes, uint32_t* pixels);
 /// What joining and splitting again does; nothing to opaque pixels.
 void roundTrip(CodeBatch& codes);
-
-/// Which of the bytes table lookups leave as they are.
-enum class KeptBytes : uint8_t { kNone, kAlphas };
-/// Each byte replaced by what the table has for it; bytes and results may be the same.
-void lookUpBytes(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
-                 uint8_t* results);
-/// The same byte by byte.
-void lookUpBytesScalar(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
-                       uint8_t* results);

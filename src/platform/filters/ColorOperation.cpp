@@ -1,38 +1,10 @@
 #include "platform/filters/ColorOperation.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
+
+#include "platform/filters/ColorMemo.h"
 
 namespace {
-
-void applyToCodes(const CurveStage& stage, CodeBatch& codes) {
-  for (int c = 0; c < 3; ++c) {
-    lookUpBytes(stage.codes, KeptBytes::kNone, codes.channels[c], codes.count, codes.channels[c]);
-  }
-}
-
-template <class Stage>
-void applyToCodes(const Stage& stage, CodeBatch& codes) {
-  ColorBatch batch;
-  batch.count = codes.count;
-  float* const lights[] = {batch.red, batch.green, batch.blue};
-  for (int c = 0; c < 3; ++c) lightsOfCodes(codes.channels[c], codes.count, lights[c]);
-  applyStage(stage, batch);
-  for (int c = 0; c < 3; ++c) codesOfLights(lights[c], codes.count, codes.channels[c]);
-}
-
-/// The stages applied to whole pixels, `count` of them at most kColorBatch.
-void applyStages(const std::vector<ColorStage>& stages, const uint32_t* in, uint32_t* out,
-                 size_t count) {
-  CodeBatch codes;
-  splitPixels(in, count, codes);
-  for (size_t s = 0; s < stages.size(); ++s) {
-    if (s > 0) roundTrip(codes);
-    std::visit([&](const auto& stage) { applyToCodes(stage, codes); }, stages[s]);
-  }
-  joinPixels(codes, out);
-}
 
 /// Every pixel for itself.
 class PixelRows {
@@ -41,78 +13,13 @@ class PixelRows {
 
   void apply(const uint32_t* in, uint32_t* out, size_t count) const {
     for (size_t begin = 0; begin < count; begin += kColorBatch) {
+      prefetchPixels(in + begin + kColorBatch);
       applyStages(stages_, in + begin, out + begin, std::min(kColorBatch, count - begin));
     }
   }
 
  private:
   const std::vector<ColorStage>& stages_;
-};
-
-/// Results by pixel value: pictures repeat their colours far more often than they show new ones,
-/// and looking one up costs less than several filters. Pixels that are not found wait until there
-/// is a batch of them. The empty table is right for transparent pixels, which stay transparent.
-class ColorMemo {
- public:
-  ColorMemo(const std::vector<ColorStage>& stages, size_t pixelCount)
-      : stages_(stages),
-        bits_(std::clamp(static_cast<int>(std::bit_width(pixelCount)), 6, kMostBits)),
-        entries_(size_t{1} << bits_) {}
-
-  /// The results are all there after finish() only.
-  void apply(const uint32_t* in, uint32_t* out, size_t count) {
-    for (size_t begin = 0; begin < count; begin += kColorBatch) {
-      lookUp(in + begin, out + begin, std::min(kColorBatch, count - begin));
-      if (waiting_ < kColorBatch) continue;
-      compute(kColorBatch);
-      waiting_ -= kColorBatch;
-      std::copy_n(pixels_ + kColorBatch, waiting_, pixels_);
-      std::copy_n(targets_ + kColorBatch, waiting_, targets_);
-    }
-  }
-
-  void finish() {
-    compute(waiting_);
-    waiting_ = 0;
-  }
-
- private:
-  /// Entries that fit a second-level cache with room for the pixels.
-  static constexpr int kMostBits = 16;
-  struct Entry {
-    uint32_t in = 0;
-    uint32_t out = 0;
-  };
-
-  Entry& entryOf(uint32_t pixel) { return entries_[(pixel * 0x9E3779B1U) >> (32 - bits_)]; }
-
-  void lookUp(const uint32_t* in, uint32_t* out, size_t count) {
-    size_t waiting = waiting_;
-    for (size_t i = 0; i < count; ++i) {
-      const Entry& entry = entryOf(in[i]);
-      out[i] = entry.out;
-      pixels_[waiting] = in[i];
-      targets_[waiting] = out + i;
-      waiting += entry.in != in[i] ? 1 : 0;
-    }
-    waiting_ = waiting;
-  }
-
-  void compute(size_t count) {
-    uint32_t results[kColorBatch];
-    applyStages(stages_, pixels_, results, count);
-    for (size_t i = 0; i < count; ++i) {
-      *targets_[i] = results[i];
-      entryOf(pixels_[i]) = {pixels_[i], results[i]};
-    }
-  }
-
-  const std::vector<ColorStage>& stages_;
-  int bits_;
-  std::vector<Entry> entries_;
-  size_t waiting_ = 0;
-  uint32_t pixels_[2 * kColorBatch];
-  uint32_t* targets_[2 * kColorBatch];
 };
 
 /// Curves alone cost less than looking colours up.
@@ -143,11 +50,18 @@ class CurveRows {
   CodeTable all_;
 };
 
-/// Roughly, with an affine stage as the unit and none for what a table does.
+/// Roughly, in fifths of a nanosecond a pixel; none for what a table does.
 int costOf(const ColorStage& stage) {
   if (std::holds_alternative<CurveStage>(stage)) return 0;
-  if (std::holds_alternative<AffineStage>(stage)) return 1;
-  return std::holds_alternative<SepiaStage>(stage) ? 2 : 4;
+  if (std::holds_alternative<AffineStage>(stage)) return 2;
+  const auto* tones = std::get_if<HighlightShadowStage>(&stage);
+  return tones != nullptr && tones->shadows ? 9 : 3;
+}
+
+/// Beyond which cost looking colours up is cheaper, those included that are not found. Without wide
+/// look-ups it takes longer, but all else even more so.
+int lookUpCost() {
+  return hasWideCodes() ? 5 : 2;
 }
 
 /// The common part of the picture and the target, row by row. Colour filters have no business
@@ -179,18 +93,19 @@ std::shared_ptr<const ColorOperation> ColorOperation::followedBy(const ColorOper
 
 void ColorOperation::render(const OperationSource& source, const OperationTarget& target,
                             RowRange rows) const {
-  constexpr int kLookUpCost = 1;
   int cost = 0;
   for (const ColorStage& stage : stages_) cost += costOf(stage);
   if (cost == 0) {
     const CurveRows filter(stages_);
     renderRows(filter, source, target, rows);
-  } else if (cost <= kLookUpCost) {
+  } else if (cost <= lookUpCost()) {
     const PixelRows filter(stages_);
     renderRows(filter, source, target, rows);
   } else {
     const int64_t pixels = (rows.end - rows.first) * target.bitmap.pixelsWide();
-    ColorMemo filter(stages_, static_cast<size_t>(pixels));
+    auto* const origin =
+        reinterpret_cast<uint32_t*>(target.bitmap.writableRows(rows.first, rows.end));
+    ColorMemo filter(stages_, origin, static_cast<size_t>(pixels));
     renderRows(filter, source, target, rows);
     filter.finish();
   }

@@ -5,18 +5,16 @@
 
 #include "platform/TargetClones.h"
 #include "platform/filters/LinearLight.h"
-#include "platform/filters/PowerFunctions.h"
+#include "platform/foundation/Convert.h"
 
 namespace {
 
 constexpr double kLuminance[] = {0.2125, 0.7154, 0.0721};
-/// Powers of luminance that sepia toning makes red, green and blue of.
-constexpr float kSepiaPowers[] = {0.79F, 1.11F, 2.0F};
 
 VECTOR_CLONES void affine(const AffineStage& stage, float* __restrict red, float* __restrict green,
-                          float* __restrict blue, size_t count) {
+                          float* __restrict blue) {
   const auto rows = stage.rows;
-  for (size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
     const float r = red[i];
     const float g = green[i];
     const float b = blue[i];
@@ -26,23 +24,49 @@ VECTOR_CLONES void affine(const AffineStage& stage, float* __restrict red, float
   }
 }
 
-VECTOR_CLONES void sepia(float amount, float* __restrict red, float* __restrict green,
-                         float* __restrict blue, size_t count) {
-  for (size_t i = 0; i < count; ++i) {
-    const float y = 0.2125F * red[i] + 0.7154F * green[i] + 0.0721F * blue[i];
-    red[i] += (powerApproximate(y, kSepiaPowers[0]) - red[i]) * amount;
-    green[i] += (powerApproximate(y, kSepiaPowers[1]) - green[i]) * amount;
-    blue[i] += (powerApproximate(y, kSepiaPowers[2]) - blue[i]) * amount;
+VECTOR_CLONES void findLuminance(const ColorBatch& __restrict batch, float* __restrict luminance) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    luminance[i] = 0.2125F * batch.red[i] + 0.7154F * batch.green[i] + 0.0721F * batch.blue[i];
+  }
+}
+
+/// Luminance and what it is toned to, times the amount.
+struct alignas(64) Tones {
+  float luminance[kBatchStride];
+  float red[kBatchStride];
+  float green[kBatchStride];
+};
+
+/// The curves of black do not reach zero.
+inline float unlessBlack(float luminance, float tone) {
+  return luminance > 0 ? tone : 0;
+}
+
+VECTOR_CLONES void mixTones(float amount, const Tones& __restrict tones,
+                            ColorBatch& __restrict batch) {
+  const float rest = 1 - amount;
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    const float y = tones.luminance[i];
+    batch.red[i] = rest * batch.red[i] + unlessBlack(y, tones.red[i]);
+    batch.green[i] = rest * batch.green[i] + unlessBlack(y, tones.green[i]);
+    batch.blue[i] = rest * batch.blue[i] + amount * y * y;
   }
 }
 
 }  // namespace
 
+struct SepiaTables {
+  float amount;
+  /// What luminance becomes, times the amount.
+  HalfOctaveCubics red;
+  HalfOctaveCubics green;
+};
+
 CurveStage makeCurve(const std::function<double(double)>& light) {
   CurveStage stage;
   for (int code = 0; code < 256; ++code) {
     const double value = codedFromLinear(light(linearFromCoded(code / 255.0)));
-    stage.codes[code] = static_cast<uint8_t>(std::clamp(255 * value, 0.0, 255.0) + 0.5);
+    stage.codes[code] = static_cast<uint8_t>(roundedHalfUp(std::clamp(255 * value, 0.0, 255.0)));
   }
   return stage;
 }
@@ -79,10 +103,58 @@ ColorStage makeHueRotation(double angle) {
   return stage;
 }
 
-void applyStage(const AffineStage& stage, ColorBatch& batch) {
-  affine(stage, batch.red, batch.green, batch.blue, batch.count);
+ColorStage makeSepia(double amount) {
+  auto tables = std::make_shared<SepiaTables>();
+  tables->amount = static_cast<float>(amount);
+  tables->red = makeCubics([=](double y) { return amount * std::pow(y, 0.79); });
+  tables->green = makeCubics([=](double y) { return amount * std::pow(y, 1.11); });
+  return SepiaStage{std::move(tables)};
 }
 
-void applyStage(const SepiaStage& stage, ColorBatch& batch) {
-  sepia(stage.amount, batch.red, batch.green, batch.blue, batch.count);
+void decodeBatch(const CodeBatch& codes, ColorBatch& batch) {
+  lightsOfCodes(codes.channels[0], kColorBatch, batch.red);
+  lightsOfCodes(codes.channels[1], kColorBatch, batch.green);
+  lightsOfCodes(codes.channels[2], kColorBatch, batch.blue);
+}
+
+void encodeBatch(const ColorBatch& batch, CodeBatch& codes) {
+  codesOfLights(batch.red, kColorBatch, codes.channels[0]);
+  codesOfLights(batch.green, kColorBatch, codes.channels[1]);
+  codesOfLights(batch.blue, kColorBatch, codes.channels[2]);
+}
+
+void applyStage(const CurveStage& stage, CodeBatch& codes) {
+  for (int c = 0; c < 3; ++c) {
+    lookUpBytes(stage.codes, KeptBytes::kNone, codes.channels[c], kColorBatch, codes.channels[c]);
+  }
+}
+
+void applyStage(const AffineStage& stage, CodeBatch& codes) {
+  ColorBatch batch;
+  decodeBatch(codes, batch);
+  affine(stage, batch.red, batch.green, batch.blue);
+  encodeBatch(batch, codes);
+}
+
+void applyStage(const SepiaStage& stage, CodeBatch& codes) {
+  const SepiaTables& tables = *stage.tables;
+  ColorBatch batch;
+  decodeBatch(codes, batch);
+  Tones tones;
+  findLuminance(batch, tones.luminance);
+  curveOfLights(tables.red, tones.luminance, kColorBatch, tones.red);
+  curveOfLights(tables.green, tones.luminance, kColorBatch, tones.green);
+  mixTones(tables.amount, tones, batch);
+  encodeBatch(batch, codes);
+}
+
+void applyStages(const std::vector<ColorStage>& stages, const uint32_t* in, uint32_t* out,
+                 size_t count) {
+  CodeBatch codes;
+  splitPixels(in, count, codes);
+  for (size_t s = 0; s < stages.size(); ++s) {
+    if (s > 0) roundTrip(codes);
+    std::visit([&](const auto& stage) { applyStage(stage, codes); }, stages[s]);
+  }
+  joinPixels(codes, out);
 }

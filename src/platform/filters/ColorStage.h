@@ -1,12 +1,13 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <functional>
+#include <memory>
 #include <variant>
+#include <vector>
 
 #include "platform/filters/CodeBatch.h"
+#include "platform/filters/CodeTables.h"
 
 /// What colour filters do to straight linear colour. Each is applied to 8-bit codes and rounds to
 /// 8-bit codes again, so that filters in a row give what they would give one by one.
@@ -23,13 +24,14 @@ struct AffineStage {
 
 /// Tones luminance to brown; amount 1 replaces the colour, others extrapolate.
 struct SepiaStage {
-  float amount;
+  std::shared_ptr<const struct SepiaTables> tables;
 };
 
-/// Lifts or deepens shadows (-1 to 1) and takes back highlights (1 leaves them, 0 most).
+/// Lifts or deepens shadows and takes back highlights.
 struct HighlightShadowStage {
-  float highlight;
-  float shadow;
+  bool shadows;
+  bool highlights;
+  std::shared_ptr<const struct HighlightShadowTables> tables;
 };
 
 using ColorStage = std::variant<CurveStage, AffineStage, SepiaStage, HighlightShadowStage>;
@@ -41,15 +43,26 @@ ColorStage makeColorControls(double saturation, double brightness, double contra
 /// Rotates hues by `angle` radians, keeping luminance (the hueRotate matrix of SVG filters).
 ColorStage makeHueRotation(double angle);
 
-/// Linear light of up to kColorBatch pixels.
-struct ColorBatch {
-  size_t count = 0;
-  float red[kColorBatch];
-  float green[kColorBatch];
-  float blue[kColorBatch];
-};
+/// Any amount.
+ColorStage makeSepia(double amount);
+/// `shadow` from -1 to 1, 0 for none; `highlight` from 0, most, to 1, none.
+ColorStage makeHighlightShadow(double shadow, double highlight);
 
-/// Applies a stage to the values, without clamping.
-void applyStage(const AffineStage& stage, ColorBatch& batch);
-void applyStage(const SepiaStage& stage, ColorBatch& batch);
-void applyStage(const HighlightShadowStage& stage, ColorBatch& batch);
+void applyStage(const CurveStage& stage, CodeBatch& codes);
+void applyStage(const AffineStage& stage, CodeBatch& codes);
+void applyStage(const SepiaStage& stage, CodeBatch& codes);
+void applyStage(const HighlightShadowStage& stage, CodeBatch& codes);
+
+/// The stages applied to whole pixels, `count` of them at most kColorBatch.
+void applyStages(const std::vector<ColorStage>& stages, const uint32_t* in, uint32_t* out,
+                 size_t count);
+
+/// Linear light of up to kColorBatch pixels.
+struct alignas(64) ColorBatch {
+  float red[kBatchStride];
+  float green[kBatchStride];
+  float blue[kBatchStride];
+};
+void decodeBatch(const CodeBatch& codes, ColorBatch& batch);
+/// Clamps.
+void encodeBatch(const ColorBatch& batch, CodeBatch& codes);

@@ -86,13 +86,12 @@ Image tones(const CIImage& image, const FilterValues& v) {
   const double shadow = v.numbers[1];
   const double highlight = v.numbers[2];
   if (std::fabs(shadow) < 0.05 && highlight > 0.95) return unchanged(image);
-  return recolored(image,
-                   HighlightShadowStage{static_cast<float>(highlight), static_cast<float>(shadow)});
+  return recolored(image, makeHighlightShadow(shadow, highlight));
 }
 
 Image sepia(const CIImage& image, const FilterValues& v) {
   if (v.numbers[0] == 0) return unchanged(image);
-  return recolored(image, SepiaStage{static_cast<float>(v.numbers[0])});
+  return recolored(image, makeSepia(v.numbers[0]));
 }
 
 Image hue(const CIImage& image, const FilterValues& v) {

@@ -1,113 +1,290 @@
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "platform/TargetClones.h"
 #include "platform/filters/ColorStage.h"
+#include "platform/filters/LinearLight.h"
 #include "platform/filters/PowerFunctions.h"
+
+// Written per pixel the filter is
+//   shade = mix(c, 0.65 s + 0.35 l, shadeIn), s and l being the channel's and the luma's shadow
+//   curve high  = mix(c, A highlight curve - B, highIn) out   = mix(mix(shade, c, root), mix(high,
+//   c, peak), root), then contrast about one half,
+// with root the square root of the greatest channel, the peak. Channels and peaks are 8-bit codes,
+// so that all functions of one of them are tables, and `out` is a weighted sum of c, s, l and the
+// highlight curve. l is c with its luma replaced.
 
 namespace {
 
-inline float mix(float a, float b, float t) {
-  return a + (b - a) * t;
+/// (A - 1) / B: highlights gain contrast about a quarter.
+constexpr float kHighSlope = 4;
+
+/// A polynomial of degree 6.
+using Series = std::array<float, 7>;
+
+double smoothStep(double from, double to, double x) {
+  const double t = std::clamp((x - from) / (to - from), 0.0, 1.0);
+  return t * t * (3 - 2 * t);
 }
+
 inline float atMost(float x, float most) {
   return x < most ? x : most;
 }
 inline float atLeast(float x, float least) {
   return x > least ? x : least;
 }
-inline float smoothStep(float from, float to, float x) {
-  const float t = atMost(atLeast((x - from) / (to - from), 0), 1);
-  return t * t * (3 - 2 * t);
+
+INTO_CLONES float evaluate(const Series& series, float x) {
+  float value = series[6];
+  for (int i = 5; i >= 0; --i) value = value * x + series[i];
+  return value;
 }
 
-/// What does not change from pixel to pixel.
-struct Setup {
-  float shadow;
-  float highlight;
-  float pull;      // how little of the shadow curve's shape is left: 1 for no shadow amount
-  float dim;       // what highlights are multiplied by before their power
-  float scale;     // what shadows are multiplied by
-  float strength;  // 1 - highlight
+/// Interpolates a function at the Chebyshev points between two places.
+template <class Function>
+Series makeSeries(double from, double to, Function&& function) {
+  constexpr int kPoints = 7;
+  double x[kPoints];
+  double difference[kPoints];
+  for (int k = 0; k < kPoints; ++k) {
+    x[k] = (from + to) / 2 +
+           (to - from) / 2 * std::cos(std::numbers::pi * (2 * k + 1) / (2 * kPoints));
+    difference[k] = function(x[k]);
+  }
+  for (int order = 1; order < kPoints; ++order) {
+    for (int k = kPoints - 1; k >= order; --k) {
+      difference[k] = (difference[k] - difference[k - 1]) / (x[k] - x[k - order]);
+    }
+  }
+  double powers[kPoints] = {difference[kPoints - 1]};
+  for (int k = kPoints - 2; k >= 0; --k) {
+    for (int j = kPoints - 1; j > 0; --j) powers[j] = powers[j - 1] - x[k] * powers[j];
+    powers[0] = difference[k] - x[k] * powers[0];
+  }
+  Series series;
+  for (size_t k = 0; k < kPoints; ++k) series[k] = static_cast<float>(powers[k]);
+  return series;
+}
+
+}  // namespace
+
+struct HighlightShadowTables {
+  /// Of the colour's warmth: how far shadows move, signed, and 2 to the power of its negative.
+  Series lift;
+  Series bend;
+  float plain;     // how little of the shadow curve's shape is left: 1 for none
+  float scale;     // what shadows are multiplied by before their power
+  float contrast;  // added for a lift of 1
+
+  // Of a channel. The shadow curve is 2 to the power of straight + bend * bent.
+  FloatTable bent;       // logarithm of the scaled channel times 2 to the power of its negative
+  FloatTable straight;   // the same logarithm times `plain`
+  FloatTable highlight;  // highlight curve
+
+  // Of the peak.
+  FloatTable fourthRoot;
+  FloatTable shadeOut;    // (1 - root)^2, the weight of the shadow curve without shadeIn
+  FloatTable highWeight;  // root peak highIn
+  FloatTable highOffset;  // the same times B
 };
 
-Setup makeSetup(const HighlightShadowStage& stage) {
-  const float s = stage.shadow;
-  const float h = stage.highlight;
-  const float pull = std::clamp(1 - std::pow(std::fabs(s / 0.3F), 1.6F), 0.0F, 1.0F);
-  const float dim = 1 / std::max(1.0F, 1.997F - 1 / (1 + std::exp(-6 * h)));
-  return {s, h, pull, dim, 0.5F + 0.5F * smoothStep(0.5F, 1, s), 1 - h};
+namespace {
+
+/// For warmths that colours can have: from 0.8 on, except next to black.
+constexpr double kLeastWarmth = 0.2;
+
+void makeShadows(double s, HighlightShadowTables& t) {
+  const double plain = std::clamp(1 - std::pow(std::fabs(s / 0.3), 1.6), 0.0, 1.0);
+  const double scale = 0.5 + 0.5 * smoothStep(0.5, 1, s);
+  const auto lift = [=](double warmth) { return s * std::pow(warmth, 1 - s); };
+  t.lift = makeSeries(kLeastWarmth, 1, lift);
+  t.bend = makeSeries(kLeastWarmth, 1,
+                      [=](double warmth) { return (1 - plain) * std::exp2(-lift(warmth)); });
+  t.plain = static_cast<float>(plain);
+  t.scale = static_cast<float>(scale);
+  t.contrast = static_cast<float>(0.1 * (1 - plain));
+  const auto logarithm = [=](double light) {
+    return std::log2(std::max<double>(light * scale, kLeastLight));
+  };
+  t.bent = makeFloatTable([=](int code) {
+    const double light = linearFromCoded(code / 255.0);
+    return static_cast<float>(logarithm(light) * std::exp2(-light));
+  });
+  t.straight = makeFloatTable([=](int code) {
+    return static_cast<float>(plain * logarithm(linearFromCoded(code / 255.0)));
+  });
+  t.fourthRoot = makeFloatTable(
+      [](int code) { return static_cast<float>(std::pow(linearFromCoded(code / 255.0), 0.25)); });
+  t.shadeOut = makeFloatTable([](int code) {
+    const double root = std::sqrt(linearFromCoded(code / 255.0));
+    return static_cast<float>((1 - root) * (1 - root));
+  });
 }
 
-/// Quantities of a pixel that all three channels use.
-struct PixelTerms {
-  float peak;     // greatest channel
-  float root;     // its square root
-  float lift;     // how far shadows move, signed
-  float restore;  // fades the pivoting contrast out near black
-  float shadeIn;  // weight of the shadow curve
-  float highIn;   // weight of the highlight curve
-  float boost;    // contrast added to highlights
+void makeHighlights(double h, HighlightShadowTables& t) {
+  const double dim = 1 / std::max(1.0, 1.997 - 1 / (1 + std::exp(-6 * h)));
+  const double spread = 1 + 0.4 * (1 - std::min(h + 0.3, 1.0));
+  t.highlight = makeFloatTable([=](int code) {
+    return static_cast<float>(std::pow(linearFromCoded(code / 255.0) * dim, 2 - h));
+  });
+  const auto weight = [](int code) {
+    const double peak = linearFromCoded(code / 255.0);
+    const double root = std::sqrt(peak);
+    return root * peak * smoothStep(0.2, 0.8, root);
+  };
+  t.highWeight = makeFloatTable([=](int code) { return static_cast<float>(weight(code)); });
+  // The contrast fades out near black.
+  t.highOffset = makeFloatTable([=](int code) {
+    const double boost = std::min(30 * linearFromCoded(code / 255.0), 1.0) * (1 - h);
+    return static_cast<float>(weight(code) * 0.25 * boost * (spread - 1));
+  });
+}
+
+/// What the weighted sum is made of besides the channels' light.
+struct alignas(64) Terms {
+  float bent[3][kBatchStride];
+  float straight[3][kBatchStride];
+  float highlights[3][kBatchStride];
+  float fourthRoots[kBatchStride];
+  float shadeOut[kBatchStride];
+  float highWeights[kBatchStride];
+  float highOffsets[kBatchStride];
 };
 
-inline PixelTerms termsOf(const Setup& k, float r, float g, float b) {
-  PixelTerms t;
-  t.peak = atLeast(atLeast(r, g), b);
-  t.root = std::sqrt(t.peak);
-  const float warmth = (r + 0.8F * g + 1.1F * b) / atLeast(r + g + b, 0.001F);
-  t.lift = k.shadow * powerApproximate(atMost(warmth, 1), 1 - k.shadow);
-  t.restore = atMost(30 * t.peak, 1);
-  t.shadeIn = smoothStep(0, 0.1F + t.lift, std::sqrt(t.root));
-  t.highIn = smoothStep(0.2F, 0.8F, t.root);
-  t.boost = t.restore * k.strength;
-  return t;
+VECTOR_CLONES void findPeaks(const CodeBatch& __restrict codes, uint8_t* __restrict peaks) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    const uint8_t red = codes.channels[0][i];
+    const uint8_t green = codes.channels[1][i];
+    const uint8_t blue = codes.channels[2][i];
+    const uint8_t most = red > green ? red : green;
+    peaks[i] = most > blue ? most : blue;
+  }
 }
 
-inline float shadowExponent(const Setup& k, const PixelTerms& t, float c) {
-  const float curve = exp2Approximate(-t.lift - c);
-  return mix(curve, 1, k.pull);
+void lookUpTerms(const HighlightShadowStage& stage, const CodeBatch& codes, Terms& terms) {
+  const HighlightShadowTables& t = *stage.tables;
+  alignas(64) uint8_t peaks[kColorBatch];
+  findPeaks(codes, peaks);
+  for (int c = 0; c < 3; ++c) {
+    const uint8_t* const channel = codes.channels[c];
+    if (stage.shadows) lookUpFloats(t.bent, channel, kColorBatch, terms.bent[c]);
+    if (t.plain > 0) lookUpFloats(t.straight, channel, kColorBatch, terms.straight[c]);
+    if (stage.highlights) lookUpFloats(t.highlight, channel, kColorBatch, terms.highlights[c]);
+  }
+  if (stage.shadows) {
+    lookUpFloats(t.fourthRoot, peaks, kColorBatch, terms.fourthRoots);
+    lookUpFloats(t.shadeOut, peaks, kColorBatch, terms.shadeOut);
+  }
+  if (stage.highlights) {
+    lookUpFloats(t.highWeight, peaks, kColorBatch, terms.highWeights);
+    lookUpFloats(t.highOffset, peaks, kColorBatch, terms.highOffsets);
+  }
 }
 
-inline float channel(const Setup& k, const PixelTerms& t, float c, float exponent, float lumaOnly) {
-  float shade = 2 * (1 + t.lift) * powerApproximate(c * k.scale, exponent);
-  shade = mix(shade, lumaOnly, 0.35F);
-  shade = mix(c, shade, t.shadeIn);
-  shade = mix(shade, c, t.root);
-
-  float high = powerApproximate(c * k.dim, 2 - k.highlight);
-  const float spread = 1 + 0.4F * (1 - atMost(k.highlight + 0.3F, 1));
-  high = mix(high, mix(0.25F, high, spread), t.boost);
-  high = mix(c, high, t.highIn);
-  high = mix(c, high, t.peak);
-
-  const float out = mix(shade, high, atMost(t.root, 1));
-  const float contrast = 1 + 0.1F * std::fabs(t.lift) * (1 - k.pull);
-  return atLeast(mix(out, mix(0.5F, out, contrast), t.restore), 0);
+/// 2^-light, off by less than 5e-6, for light from 0 to 1.
+INTO_CLONES float halvings(float light) {
+  constexpr float kPowers[] = {0.999997377F, -0.693030179F, 0.239341065F, -0.0530740581F,
+                               0.00676708017F};
+  float value = kPowers[4];
+  for (int i = 3; i >= 0; --i) value = value * light + kPowers[i];
+  return value;
 }
 
-VECTOR_CLONES void highlightShadow(const Setup& setup, float* __restrict red,
-                                   float* __restrict green, float* __restrict blue, size_t count) {
-  const Setup k = setup;
-  for (size_t p = 0; p < count; ++p) {
-    const float r = red[p];
-    const float g = green[p];
-    const float b = blue[p];
-    const PixelTerms t = termsOf(k, r, g, b);
-    const float exponentR = shadowExponent(k, t, r);
-    const float y = 0.299F * r + 0.587F * g + 0.114F * b;
-    const float i = 0.596F * r - 0.2755F * g - 0.321F * b;
-    const float q = 0.212F * r - 0.523F * g + 0.311F * b;
-    const float luma = 2 * powerApproximate(y * k.scale, exponentR);
-    red[p] = channel(k, t, r, exponentR, 1.00048F * luma + 0.955558F * i + 0.619549F * q);
-    green[p] =
-        channel(k, t, g, shadowExponent(k, t, g), 0.999864F * luma - 0.271545F * i - 0.646786F * q);
-    blue[p] =
-        channel(k, t, b, shadowExponent(k, t, b), 0.999446F * luma - 1.10803F * i + 1.70542F * q);
+/// What shadows need of each pixel.
+struct alignas(64) Shades {
+  float bend[kBatchStride];
+  float curve[kBatchStride];     // weight of the shadow curve
+  float own[kBatchStride];       // weight it takes from the channels
+  float luma[kBatchStride];      // what it adds to each channel for the change of luma
+  float contrast[kBatchStride];  // about one half, 0 for none
+};
+
+// Loops with short chains of operations: a processor works on several turns of one at a time.
+
+VECTOR_CLONES void findWeights(const HighlightShadowTables& __restrict t,
+                               const Terms& __restrict terms, const ColorBatch& __restrict batch,
+                               Shades& __restrict shades) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    const float r = batch.red[i];
+    const float g = batch.green[i];
+    const float b = batch.blue[i];
+    const float warmth = atMost((r + 0.8F * g + 1.1F * b) / atLeast(r + g + b, 0.001F), 1);
+    const float lift = evaluate(t.lift, warmth);
+    const float in = atMost(atLeast(terms.fourthRoots[i] / (0.1F + lift), 0), 1);
+    const float weight = terms.shadeOut[i] * in * in * (3 - 2 * in);
+    const float restore = atMost(30 * atLeast(atLeast(r, g), b), 1);
+    shades.bend[i] = evaluate(t.bend, warmth);
+    shades.curve[i] = 1.3F * weight * (1 + lift);
+    shades.own[i] = 0.65F * weight;
+    shades.contrast[i] = t.contrast * std::fabs(lift) * restore;
+  }
+}
+
+VECTOR_CLONES void findLuma(const HighlightShadowTables& __restrict t,
+                            const ColorBatch& __restrict batch, Shades& __restrict shades) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    const float y = 0.299F * batch.red[i] + 0.587F * batch.green[i] + 0.114F * batch.blue[i];
+    const float logarithm = log2Approximate(y * t.scale + kLeastLight);
+    const float exponent = t.plain + shades.bend[i] * halvings(batch.red[i]);
+    const float luma = 2 * exp2Approximate(exponent * logarithm);
+    shades.luma[i] = 0.35F / 0.65F * shades.own[i] * (luma - y);
+  }
+}
+
+/// `lights` is a channel, `moved` the same with its highlights moved already.
+VECTOR_CLONES void moveShadows(const Shades& __restrict shades, const float* __restrict lights,
+                               const float* __restrict bent, const float* __restrict straight,
+                               float lumaWeight, float* __restrict moved) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    const float power = exp2Approximate(straight[i] + shades.bend[i] * bent[i]);
+    const float out = moved[i] + shades.curve[i] * power + lumaWeight * shades.luma[i] -
+                      shades.own[i] * lights[i];
+    moved[i] = out + shades.contrast[i] * (out - 0.5F);
+  }
+}
+
+VECTOR_CLONES void moveHighlights(const Terms& __restrict terms, ColorBatch& __restrict batch) {
+  for (size_t i = 0; i < kColorBatch; ++i) {
+    const float offset = terms.highOffsets[i];
+    const float own = 1 - terms.highWeights[i];
+    const float high = terms.highWeights[i] + kHighSlope * offset;
+    batch.red[i] = own * batch.red[i] + high * terms.highlights[0][i] - offset;
+    batch.green[i] = own * batch.green[i] + high * terms.highlights[1][i] - offset;
+    batch.blue[i] = own * batch.blue[i] + high * terms.highlights[2][i] - offset;
   }
 }
 
 }  // namespace
 
-void applyStage(const HighlightShadowStage& stage, ColorBatch& batch) {
-  highlightShadow(makeSetup(stage), batch.red, batch.green, batch.blue, batch.count);
+ColorStage makeHighlightShadow(double shadow, double highlight) {
+  HighlightShadowStage stage{shadow != 0, highlight < 1, nullptr};
+  auto tables = std::make_shared<HighlightShadowTables>();
+  if (stage.shadows) makeShadows(shadow, *tables);
+  if (stage.highlights) makeHighlights(highlight, *tables);
+  stage.tables = std::move(tables);
+  return stage;
+}
+
+void applyStage(const HighlightShadowStage& stage, CodeBatch& codes) {
+  const HighlightShadowTables& tables = *stage.tables;
+  Terms terms;
+  lookUpTerms(stage, codes, terms);
+  ColorBatch batch;
+  decodeBatch(codes, batch);
+  if (!stage.shadows) {
+    moveHighlights(terms, batch);
+    return encodeBatch(batch, codes);
+  }
+  ColorBatch moved = batch;
+  if (stage.highlights) moveHighlights(terms, moved);
+  Shades shades;
+  findWeights(tables, terms, batch, shades);
+  findLuma(tables, batch, shades);
+  static constexpr float kNone[kColorBatch] = {};
+  const auto straight = [&](int c) { return tables.plain > 0 ? terms.straight[c] : kNone; };
+  moveShadows(shades, batch.red, terms.bent[0], straight(0), 1.00048F, moved.red);
+  moveShadows(shades, batch.green, terms.bent[1], straight(1), 0.999864F, moved.green);
+  moveShadows(shades, batch.blue, terms.bent[2], straight(2), 0.999446F, moved.blue);
+  encodeBatch(moved, codes);
 }

@@ -121,6 +121,27 @@ void SourceView::decodeLuma(int64_t x, int64_t row, size_t count, const LumaWeig
   });
 }
 
+void SourceView::copyPixels(const std::vector<int64_t>& columns, int64_t row, uint32_t* out) const {
+  row += dy_;
+  const int64_t nearest = std::clamp<int64_t>(row, 0, bitmap_.pixelsHigh() - 1);
+  const uint8_t* const pixels = bitmap_.row(nearest);
+  const int64_t last = bitmap_.pixelsWide() - 1;
+  for (const int64_t column : columns) {
+    const int64_t x = std::clamp<int64_t>(column + dx_, 0, last);
+    const bool inside = extended_ || (row == nearest && x == column + dx_);
+    uint32_t value;
+    std::memcpy(&value, pixels + 4 * x, sizeof value);
+    *out++ = inside ? value : 0;
+  }
+}
+
+void SourceView::prefetchRow(int64_t row) const {
+  constexpr int64_t kLine = 64;
+  const uint8_t* const bytes = pixel(0, row + dy_);
+  const int64_t end = 4 * bitmap_.pixelsWide();
+  for (int64_t i = 0; i < end; i += kLine) __builtin_prefetch(bytes + i);
+}
+
 /// A pixel by the source's own columns and rows.
 const uint8_t* SourceView::pixel(int64_t column, int64_t row) const {
   constexpr static uint8_t kTransparent[4] = {};

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "platform/filters/LinearLight.h"
 #include "platform/graphics/NSBitmapImageRep.h"
@@ -59,12 +59,11 @@ class SourceView {
   /// Bilinear samples between pixel centres, (0.5, 0.5) being that of the target's first pixel.
   /// Transparent outside an unextended picture. Writes 4 floats of linear light for
   /// each of `count` places.
-  /// pixelAt answers the pixel that such a place lies in.
   void sample(const double* x, const double* y, size_t count, float* out) const;
-  const uint8_t* pixelAt(double x, double y) const {
-    return pixel(static_cast<int64_t>(std::floor(x)) + dx_,
-                 static_cast<int64_t>(std::floor(y)) + dy_);
-  }
+  /// Asks for a row that will be needed soon.
+  void prefetchRow(int64_t row) const;
+  /// The pixels of a row in several columns.
+  void copyPixels(const std::vector<int64_t>& columns, int64_t row, uint32_t* out) const;
 
  private:
   template <class Decode>

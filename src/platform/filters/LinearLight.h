@@ -3,6 +3,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+
+#include "platform/filters/CodeTables.h"
+#include "platform/filters/WideCodes.h"
 
 /// Conversion between bitmaps (8-bit sRGB codes, premultiplied) and what filters compute with:
 /// linear light, premultiplied, single precision, 1 for full light and for opaque.
@@ -15,7 +19,7 @@ double codedFromLinear(double value);
 
 struct LinearLightTables {
   /// Linear light of each code.
-  std::array<float, 256> linear;
+  FloatTable linear;
   /// 255 / alpha; 0 for alpha 0.
   std::array<float, 256> unpremultiply;
 };
@@ -26,6 +30,10 @@ void lightsOfCodes(const uint8_t* codes, size_t count, float* lights);
 /// The nearest code of `count` lights, clamped to 0 to 1; exact for the light of every code, and
 /// within 0.01 of a code from the exact value elsewhere.
 void codesOfLights(const float* lights, size_t count, uint8_t* codes);
+/// What the two come to on processors without wide table look-ups: the same lights, and codes that
+/// differ where a light lies halfway between two.
+void lightsOfCodesPlain(const uint8_t* codes, size_t count, float* lights);
+void codesOfLightsPlain(const float* lights, size_t count, uint8_t* codes);
 
 /// The straight code of a premultiplied one: round(255 c / alpha), at most 255; 0 for alpha 0.
 inline uint8_t straightCode(const LinearLightTables& tables, uint8_t premultiplied, uint8_t alpha) {
@@ -37,18 +45,29 @@ inline uint8_t premultipliedCode(unsigned straight, unsigned alpha) {
   return static_cast<uint8_t>((straight * alpha + 127) / 255);
 }
 
+/// A function of light as piecewise cubics; it should be smooth and is taken to be that of 2^-16
+/// below there.
+HalfOctaveCubics makeCubics(const std::function<double(double)>& function);
+/// The function's values for `count` lights, clamped to 2^-16 to 1.
+void curveOfLights(const HalfOctaveCubics& function, const float* lights, size_t count,
+                   float* values);
+void curveOfLightsPlain(const HalfOctaveCubics& function, const float* lights, size_t count,
+                        float* values);
+
 /// Weights of red, green and blue.
 using LumaWeights = std::array<float, 3>;
 
 /// Writes the 4 floats of one pixel.
 inline void decodePixel(const LinearLightTables& tables, const uint8_t* in, float* out) {
   if (in[3] == 255) {
-    for (int c = 0; c < 3; ++c) out[c] = tables.linear[in[c]];
+    for (int c = 0; c < 3; ++c) out[c] = tables.linear.values[in[c]];
     out[3] = 1;
     return;
   }
   const float alpha = static_cast<float>(in[3]) * (1.0F / 255);
-  for (int c = 0; c < 3; ++c) out[c] = alpha * tables.linear[straightCode(tables, in[c], in[3])];
+  for (int c = 0; c < 3; ++c) {
+    out[c] = alpha * tables.linear.values[straightCode(tables, in[c], in[3])];
+  }
   out[3] = alpha;
 }
 /// Writes 4 floats for each of `count` pixels.

@@ -17,6 +17,7 @@ class CellRow {
       const double edge = centerX + (first_ + static_cast<double>(n)) * scale;
       if (n > 0 && edge >= static_cast<double>(width) + 0.5) break;
       centers_.push_back(edge + 0.5 * scale);
+      columns_.push_back(static_cast<int64_t>(std::floor(centers_.back())));
       onPixels_ = onPixels_ && isOnPixel(centers_.back());
       begins_.push_back(std::clamp(static_cast<int64_t>(std::ceil(edge - 0.5)), int64_t{0}, width));
     }
@@ -26,21 +27,25 @@ class CellRow {
   void write(const SourceView& view, double y, uint32_t* out) {
     colors_.resize(centers_.size());
     if (onPixels_ && isOnPixel(y)) {
-      copyPixels(view, y);
+      view.copyPixels(columns_, static_cast<int64_t>(std::floor(y)), colors_.data());
     } else {
       samplePixels(view, y);
     }
-    for (size_t n = 0; n < colors_.size(); ++n) {
-      std::fill(out + begins_[n], out + begins_[n + 1], colors_[n]);
-    }
+    for (size_t n = 0; n < colors_.size(); ++n) fill(n, out);
   }
 
  private:
   static bool isOnPixel(double x) { return x - 0.5 == std::floor(x); }
 
-  void copyPixels(const SourceView& view, double y) {
-    for (size_t n = 0; n < colors_.size(); ++n) {
-      std::memcpy(&colors_[n], view.pixelAt(centers_[n], y), sizeof colors_[n]);
+  /// Narrow cells are filled beyond their ends, which the next ones paint over.
+  void fill(size_t n, uint32_t* out) const {
+    constexpr int64_t kRun = 16;
+    const int64_t begin = begins_[n];
+    const int64_t end = begins_[n + 1];
+    if (end - begin <= kRun && begin + kRun <= begins_.back()) {
+      std::fill_n(out + begin, kRun, colors_[n]);
+    } else {
+      std::fill(out + begin, out + end, colors_[n]);
     }
   }
 
@@ -55,6 +60,7 @@ class CellRow {
   double first_;
   bool onPixels_ = true;
   std::vector<double> centers_;
+  std::vector<int64_t> columns_;
   std::vector<double> rows_;
   std::vector<int64_t> begins_;
   std::vector<float> values_;
@@ -84,8 +90,10 @@ void PixellateOperation::render(const OperationSource& source, const OperationTa
     if (previous != nullptr && cell == previousCell) {
       std::memcpy(out, previous, target.bitmap.bytesPerRow());
     } else {
-      cells.write(view, top - (center_.y + (cell + 0.5) * scale_),
-                  reinterpret_cast<uint32_t*>(out));
+      const double center = top - (center_.y + (cell + 0.5) * scale_);
+      cells.write(view, center, reinterpret_cast<uint32_t*>(out));
+      // The rows in between, which copies fill, are not read and nothing else would ask for it.
+      view.prefetchRow(static_cast<int64_t>(std::floor(center + scale_)));
     }
     previous = out;
     previousCell = cell;

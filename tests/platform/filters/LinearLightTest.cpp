@@ -10,42 +10,91 @@
 
 namespace {
 
-TEST(LinearLight, LightOfEveryCode) {
-  std::vector<uint8_t> codes(256);
-  std::iota(codes.begin(), codes.end(), uint8_t{0});
-  std::vector<float> lights(256);
-  lightsOfCodes(codes.data(), 256, lights.data());
-  for (size_t code = 0; code < 256; ++code) {
-    const double exact = linearFromCoded(static_cast<double>(code) / 255);
-    EXPECT_NEAR(lights[code], exact, 1.5e-6) << code;
-    // Whether a loop's vectors or its tail computed it, and in the table.
-    float alone;
-    lightsOfCodes(&codes[code], 1, &alone);
-    EXPECT_EQ(alone, lights[code]) << code;
-    EXPECT_EQ(linearLightTables().linear[code], lights[code]) << code;
-  }
-  std::vector<uint8_t> again(256);
-  codesOfLights(lights.data(), 256, again.data());
-  EXPECT_EQ(again, codes);
-}
+struct Conversions {
+  const char* whose;
+  void (*lightsOfCodes)(const uint8_t*, size_t, float*);
+  void (*codesOfLights)(const float*, size_t, uint8_t*);
+  void (*curveOfLights)(const HalfOctaveCubics&, const float*, size_t, float*);
+};
+constexpr Conversions kConversions[] = {
+    {"this processor's", lightsOfCodes, codesOfLights, curveOfLights},
+    {"any processor's", lightsOfCodesPlain, codesOfLightsPlain, curveOfLightsPlain}};
 
-TEST(LinearLight, NearestCodeOfAnyLight) {
+std::vector<float> manyLights() {
   std::vector<float> lights;
   for (int i = -2000; i <= 62000; ++i) lights.push_back(static_cast<float>(i) / 60000.0F);
   lights.insert(lights.end(), {-1e30F, 1e30F, 1e-30F, std::numeric_limits<float>::infinity()});
-  std::vector<uint8_t> codes(lights.size());
-  codesOfLights(lights.data(), lights.size(), codes.data());
-  for (size_t i = 0; i < lights.size(); ++i) {
-    const double light = std::clamp(static_cast<double>(lights[i]), 0.0, 1.0);
-    EXPECT_NEAR(codes[i], 255 * codedFromLinear(light), 0.51) << lights[i];
-    uint8_t alone;
-    codesOfLights(&lights[i], 1, &alone);
-    EXPECT_EQ(alone, codes[i]) << lights[i];
+  return lights;
+}
+
+TEST(LinearLight, LightOfEveryCode) {
+  std::vector<uint8_t> codes(256);
+  std::iota(codes.begin(), codes.end(), uint8_t{0});
+  for (const Conversions& convert : kConversions) {
+    std::vector<float> lights(256);
+    convert.lightsOfCodes(codes.data(), 256, lights.data());
+    for (size_t code = 0; code < 256; ++code) {
+      const double exact = linearFromCoded(static_cast<double>(code) / 255);
+      EXPECT_NEAR(lights[code], exact, 1.5e-6 + exact * 0x1p-16) << convert.whose << code;
+      // Whether a loop's vectors or its tail computed it, and nearly in the table.
+      float alone;
+      convert.lightsOfCodes(&codes[code], 1, &alone);
+      EXPECT_EQ(alone, lights[code]) << convert.whose << code;
+      EXPECT_NEAR(linearLightTables().linear.values[code], alone, exact * 0x1p-16) << code;
+    }
+    std::vector<uint8_t> again(256);
+    convert.codesOfLights(lights.data(), 256, again.data());
+    EXPECT_EQ(again, codes) << convert.whose;
   }
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  uint8_t code = 99;
-  codesOfLights(&nan, 1, &code);
-  EXPECT_EQ(code, 0);
+}
+
+TEST(LinearLight, NearestCodeOfAnyLight) {
+  const std::vector<float> lights = manyLights();
+  for (const Conversions& convert : kConversions) {
+    std::vector<uint8_t> codes(lights.size());
+    convert.codesOfLights(lights.data(), lights.size(), codes.data());
+    for (size_t i = 0; i < lights.size(); ++i) {
+      const double light = std::clamp(static_cast<double>(lights[i]), 0.0, 1.0);
+      ASSERT_NEAR(codes[i], 255 * codedFromLinear(light), 0.51) << convert.whose << lights[i];
+      uint8_t alone;
+      convert.codesOfLights(&lights[i], 1, &alone);
+      ASSERT_EQ(alone, codes[i]) << convert.whose << lights[i];
+    }
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    uint8_t code = 99;
+    convert.codesOfLights(&nan, 1, &code);
+    EXPECT_EQ(code, 0) << convert.whose;
+  }
+}
+
+TEST(LinearLight, CurvesAreFollowedOverAllHalfOctaves) {
+  const auto function = [](double light) { return std::pow(light, 0.79) - 0.5 * light; };
+  const HalfOctaveCubics cubics = makeCubics(function);
+  const std::vector<float> lights = manyLights();
+  for (const Conversions& convert : kConversions) {
+    std::vector<float> values(lights.size());
+    convert.curveOfLights(cubics, lights.data(), lights.size(), values.data());
+    for (size_t i = 0; i < lights.size(); ++i) {
+      const double light = std::clamp(static_cast<double>(lights[i]), 0x1p-16, 1.0);
+      ASSERT_NEAR(values[i], function(light), 1e-5) << convert.whose << lights[i];
+    }
+  }
+}
+
+TEST(CodeTables, ValuesKeep24Bits) {
+  const auto function = [](int code) { return -1e-9F + 3e5F / static_cast<float>(code + 1); };
+  const FloatTable table = makeFloatTable(function);
+  std::vector<uint8_t> codes(300);
+  std::iota(codes.begin(), codes.end(), uint8_t{17});
+  for (const size_t count : {1, 63, 64, 65, 300}) {
+    std::vector<float> values(count + 1, -7);
+    lookUpFloats(table, codes.data(), count, values.data());
+    for (size_t i = 0; i < count; ++i) {
+      ASSERT_EQ(values[i], table.values[codes[i]]) << i << " of " << count;
+      ASSERT_NEAR(values[i], function(codes[i]), values[i] * 0x1p-16);
+    }
+    EXPECT_EQ(values[count], -7) << "nothing is written beyond";
+  }
 }
 
 TEST(CodeBatch, EveryPremultipliedPixelSurvivesSplittingAndJoining) {

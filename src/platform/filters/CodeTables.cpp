@@ -1,0 +1,40 @@
+#include "platform/filters/CodeTables.h"
+
+#include <bit>
+
+#include "platform/filters/WideCodes.h"
+
+FloatTable makeFloatTable(const std::function<float(int)>& function) {
+  FloatTable table;
+  for (int code = 0; code < 256; ++code) {
+    const uint32_t bits = (std::bit_cast<uint32_t>(function(code)) + 0x80) & 0xFFFFFF00;
+    table.values[code] = std::bit_cast<float>(bits);
+    for (int k = 0; k < 3; ++k) table.bytes[k][code] = static_cast<uint8_t>(bits >> (8 * (k + 1)));
+  }
+  return table;
+}
+
+void lookUpBytesScalar(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
+                       uint8_t* results) {
+  for (size_t i = 0; i < count; ++i) {
+    const bool keep = kept == KeptBytes::kAlphas && i % 4 == 3;
+    results[i] = keep ? bytes[i] : table[bytes[i]];
+  }
+}
+
+void lookUpBytes(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
+                 uint8_t* results) {
+  if (hasWideCodes()) {
+    wideLookUpBytes(table, kept, bytes, count, results);
+  } else {
+    lookUpBytesScalar(table, kept, bytes, count, results);
+  }
+}
+
+void lookUpFloats(const FloatTable& table, const uint8_t* codes, size_t count, float* values) {
+  if (hasWideCodes()) {
+    wideLookUpFloats(table, codes, count, values);
+  } else {
+    for (size_t i = 0; i < count; ++i) values[i] = table.values[codes[i]];
+  }
+}

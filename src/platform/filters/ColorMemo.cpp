@@ -1,0 +1,72 @@
+#include "platform/filters/ColorMemo.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace {
+
+/// Entries that fit a second-level cache with room for the pixels.
+constexpr int kMostBits = 16;
+/// Enough to make noise cost little more than no look-ups at all, and few enough to notice soon
+/// when there is no more of it.
+constexpr size_t kMostSkipped = 15;
+
+}  // namespace
+
+ColorMemo::ColorMemo(const std::vector<ColorStage>& stages, uint32_t* origin, size_t pixelCount)
+    : stages_(stages),
+      origin_(origin),
+      bits_(std::clamp(static_cast<int>(std::bit_width(pixelCount)), 6, kMostBits)),
+      entries_(size_t{1} << bits_) {}
+
+void ColorMemo::apply(const uint32_t* in, uint32_t* out, size_t count) {
+  for (size_t begin = 0; begin < count; begin += kColorBatch) {
+    const size_t length = std::min(kColorBatch, count - begin);
+    prefetchPixels(in + begin + kColorBatch);
+    if (toSkip_ > 0) {
+      --toSkip_;
+      applyStages(stages_, in + begin, out + begin, length);
+      continue;
+    }
+    const size_t missed = lookUp(in + begin, out + begin, length);
+    skipped_ = missed <= length / 2 ? 0 : std::min(2 * skipped_ + 1, kMostSkipped);
+    toSkip_ = skipped_;
+    waiting_ += missed;
+    if (waiting_ < kColorBatch) continue;
+    compute(kColorBatch);
+    waiting_ -= kColorBatch;
+    std::copy_n(pixels_ + kColorBatch, waiting_, pixels_);
+    std::copy_n(places_ + kColorBatch, waiting_, places_);
+  }
+}
+
+void ColorMemo::finish() {
+  compute(waiting_);
+  waiting_ = 0;
+}
+
+size_t ColorMemo::lookUp(const uint32_t* in, uint32_t* out, size_t count) {
+  const auto first = static_cast<uint32_t>(out - origin_);
+  if (hasWideCodes()) {
+    return wideFind(entries_.data(), bits_, in, count, out, first, pixels_ + waiting_,
+                    places_ + waiting_);
+  }
+  size_t waiting = waiting_;
+  for (size_t i = 0; i < count; ++i) {
+    const MemoEntry& entry = entries_[memoPlace(in[i], bits_)];
+    out[i] = entry.out;
+    pixels_[waiting] = in[i];
+    places_[waiting] = first + static_cast<uint32_t>(i);
+    waiting += entry.in != in[i] ? 1 : 0;
+  }
+  return waiting - waiting_;
+}
+
+void ColorMemo::compute(size_t count) {
+  uint32_t results[kColorBatch];
+  applyStages(stages_, pixels_, results, count);
+  for (size_t i = 0; i < count; ++i) {
+    origin_[places_[i]] = results[i];
+    entries_[memoPlace(pixels_[i], bits_)] = {pixels_[i], results[i]};
+  }
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/filters/CodeTables.h"
+
+/// Look-ups and conversions of many 8-bit codes at a time, with the byte permutations of AVX-512
+/// VBMI. To be called only where the processor has them; each does what the function that
+/// falls back on plain loops does.
+inline bool hasWideCodes() {
+#if defined(__x86_64__) && defined(__GNUC__)
+  // Processors that have these have the other extensions as well that are used with them.
+  return __builtin_cpu_supports("avx512vbmi") > 0 && __builtin_cpu_supports("avx512vl") > 0;
+#else
+  return false;
+#endif
+}
+
+void wideLookUpBytes(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
+                     uint8_t* results);
+void wideLookUpFloats(const FloatTable& table, const uint8_t* codes, size_t count, float* values);
+
+/// A function of light from 2^-16 to 1 with results from 0 to 255, as cubics over halves of
+/// octaves: the upper ten bits of a float, modulo 32, number the piece. powers[k] has the
+/// coefficients of light^k.
+struct HalfOctaveCubics {
+  alignas(64) std::array<std::array<float, 32>, 4> powers;
+};
+/// The nearest whole number to the function of each light, clamped to its range; 0 for no number.
+void wideCodesOfLights(const HalfOctaveCubics& function, const float* lights, size_t count,
+                       uint8_t* codes);
+
+/// The bytes of one channel, 0 to 3, of `count` pixels; and pixels from the bytes
+/// of four, of which there are 64 or a multiple however few count.
+void wideChannel(const uint32_t* pixels, size_t count, int channel, uint8_t* codes);
+void wideJoin(const std::array<const uint8_t*, 4>& channels, size_t count, uint32_t* pixels);
+
+/// A pixel and what a memo says becomes of it. The empty one is right for transparent pixels, which
+/// stay transparent.
+struct MemoEntry {
+  uint32_t in = 0;
+  uint32_t out = 0;
+};
+/// Where a memo of 2^bits entries has a pixel.
+constexpr uint32_t kMemoFactor = 0x9E3779B1U;
+constexpr uint32_t memoPlace(uint32_t pixel, int bits) {
+  return (pixel * kMemoFactor) >> (32 - bits);
+}
+/// Writes what the memo has in the places of `count` pixels, whether it is for them or not. Answers
+/// how many it is not for, and lists them and their numbers, counted from `first`; up to 16 more
+/// places in these lists are overwritten.
+size_t wideFind(const MemoEntry* memo, int bits, const uint32_t* pixels, size_t count,
+                uint32_t* results, uint32_t first, uint32_t* missed, uint32_t* missedNumbers);
+
+/// The function of each light, clamped to the range that it is defined on.
+void wideCurve(const HalfOctaveCubics& function, const float* lights, size_t count, float* values);
