@@ -25,8 +25,6 @@ void runOperation(const ImageOperation& operation, const OperationSource& source
 
 namespace {
 
-constexpr size_t kSampleBatch = 64;
-
 /// Samples along one axis: the pixel centre before each, how far it lies from there to the next,
 /// and whether it lies on the picture.
 struct AxisPlaces {
@@ -158,19 +156,29 @@ void SourceView::sample(const double* x, const double* y, size_t count, float* o
   }
 }
 
+/// The pixels from (column, row) on to the next ones right and down.
+void SourceView::copyCorners(int64_t column, int64_t row, CornerPixels& corners, size_t i) const {
+  const bool inner = column >= 0 && row >= 0 && column + 1 < bitmap_.pixelsWide() &&
+                     row + 1 < bitmap_.pixelsHigh();
+  for (int64_t side = 0; side < 2; ++side) {
+    for (int64_t line = 0; line < 2; ++line) {
+      const uint8_t* const p =
+          inner ? bitmap_.row(row + line) + 4 * (column + side) : pixel(column + side, row + line);
+      std::memcpy(&corners[2 * line + side][i], p, 4);
+    }
+  }
+}
+
 void SourceView::sampleBatch(const double* x, const double* y, size_t count, float* out) const {
   AxisPlaces columns;
   AxisPlaces rows;
   placeSamples(x, count, static_cast<double>(dx_), static_cast<double>(bitmap_.pixelsWide()),
                columns);
   placeSamples(y, count, static_cast<double>(dy_), static_cast<double>(bitmap_.pixelsHigh()), rows);
-  uint32_t corners[4][kSampleBatch];
+  CornerPixels corners;
   float fractions[2][4 * kSampleBatch];
   for (size_t i = 0; i < count; ++i) {
-    for (int corner = 0; corner < 4; ++corner) {
-      std::memcpy(&corners[corner][i],
-                  pixel(columns.whole[i] + corner % 2, rows.whole[i] + corner / 2), 4);
-    }
+    copyCorners(columns.whole[i], rows.whole[i], corners, i);
     std::fill_n(fractions[0] + 4 * i, 4, columns.fraction[i]);
     std::fill_n(fractions[1] + 4 * i, 4, rows.fraction[i]);
   }

@@ -45,6 +45,9 @@ class ImageOperation {
 void runOperation(const ImageOperation& operation, const OperationSource& source,
                   const OperationTarget& target);
 
+/// Samples taken together.
+constexpr size_t kSampleBatch = 64;
+
 /// The source as seen from a target: rows counted from the target's top, columns from its left.
 class SourceView {
  public:
@@ -69,6 +72,9 @@ class SourceView {
   template <class Decode>
   void decodeSpan(int64_t x, int64_t row, size_t count, size_t channels, float* out,
                   const Decode& decode) const;
+  /// Of upper left, upper right, lower left and lower right ones.
+  using CornerPixels = uint32_t[4][kSampleBatch];
+  void copyCorners(int64_t column, int64_t row, CornerPixels& corners, size_t i) const;
   const uint8_t* pixel(int64_t column, int64_t row) const;
   void sampleBatch(const double* x, const double* y, size_t count, float* out) const;
 

@@ -6,6 +6,7 @@
 
 #include "platform/TargetClones.h"
 #include "platform/filters/GridOperations.h"
+#include "platform/filters/WideCodes.h"
 
 namespace {
 
@@ -73,35 +74,90 @@ struct SiteWindow {
   bool tooFar[3] = {};           ///< rows of sites none of which can be nearest
 };
 
+/// The nearest sites so far.
+struct Nearest {
+  Ints payload = {};
+  Floats squared = Floats{} + std::numeric_limits<float>::max();
+};
+
+INTO_CLONES void consider(const Floats& dx, const Floats& squaredDy, const Ints& payload,
+                          Nearest& nearest) {
+  const Floats squared = dx * dx + squaredDy;
+  nearest.payload = squared < nearest.squared ? payload : nearest.payload;
+  nearest.squared = squared < nearest.squared ? squared : nearest.squared;
+}
+
 /// Payload and squared distance of the site nearest to each pixel. Writes up to kLanes - 1 more
 /// than there are.
 VECTOR_CLONES void findNearest(const SiteWindow& window, int32_t* found, float* squaredDistance) {
   constexpr Floats kSteps = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   const size_t cells = window.cells;
-  const float* siteX = window.x.data();
-  const float* squaredDy = window.squaredDy.data();
-  const int32_t* payload = window.payload.data();
   const float shifts[] = {-window.pitch, 0, window.pitch};
   for (size_t n = 1; n + 1 < cells; ++n) {
     const auto end = static_cast<size_t>(window.begin[n + 1]);
     float first = window.offset[n];
     for (auto pixel = static_cast<size_t>(window.begin[n]); pixel < end; pixel += kLanes) {
       const Floats x = kSteps + first;
-      Floats best = x - x + std::numeric_limits<float>::max();
-      Ints nearest = {};
+      Nearest nearest;
       for (size_t row = 0; row < 3; ++row) {
         if (window.tooFar[row]) continue;
         for (size_t side = 0; side < 3; ++side) {
           const size_t site = row * cells + n - 1 + side;
-          const Floats dx = x - (siteX[site] + shifts[side]);
-          const Floats squared = dx * dx + squaredDy[site];
-          nearest = squared < best ? Ints{} + payload[site] : nearest;
-          best = squared < best ? squared : best;
+          consider(x - (window.x[site] + shifts[side]), Floats{} + window.squaredDy[site],
+                   Ints{} + window.payload[site], nearest);
         }
       }
-      std::memcpy(found + pixel, &nearest, sizeof nearest);
-      std::memcpy(squaredDistance + pixel, &best, sizeof best);
+      std::memcpy(found + pixel, &nearest.payload, sizeof nearest.payload);
+      std::memcpy(squaredDistance + pixel, &nearest.squared, sizeof nearest.squared);
       first += kLanes;
+    }
+  }
+}
+
+/// The first four of sixteen values, four lanes for each.
+template <class Vector, class Value>
+INTO_CLONES void spread(const Value* values, Vector& lanes) {
+  constexpr Ints kPlaces = {0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
+  Vector all;
+  std::memcpy(&all, values, sizeof all);
+  lanes = __builtin_shuffle(all, kPlaces);
+}
+
+/// The widest pitch whose cells have at most four pixels.
+constexpr double kNarrowPitch = 4;
+
+/// The same for narrow cells, four of them at a time.
+VECTOR_CLONES void findNearestNarrow(const SiteWindow& window, int32_t* found,
+                                     float* squaredDistance) {
+  constexpr Floats kSteps = {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3};
+  constexpr size_t kCells = 4;
+  const size_t cells = window.cells;
+  const float shifts[] = {-window.pitch, 0, window.pitch};
+  for (size_t n = 1; n + 1 < cells; n += kCells) {
+    Floats x;
+    spread(window.offset.data() + n, x);
+    x += kSteps;
+    Nearest nearest;
+    for (size_t row = 0; row < 3; ++row) {
+      if (window.tooFar[row]) continue;
+      for (size_t side = 0; side < 3; ++side) {
+        const size_t site = row * cells + n - 1 + side;
+        Floats siteX;
+        Floats squaredDy;
+        Ints payload;
+        spread(window.x.data() + site, siteX);
+        spread(window.squaredDy.data() + site, squaredDy);
+        spread(window.payload.data() + site, payload);
+        consider(x - siteX - shifts[side], squaredDy, payload, nearest);
+      }
+    }
+    // Each cell's lanes beyond its pixels are written over by the next cell's.
+    for (size_t cell = 0; cell < std::min(kCells, cells - 1 - n); ++cell) {
+      const auto pixel = static_cast<size_t>(window.begin[n + cell]);
+      const auto lanes = reinterpret_cast<const char*>(&nearest.payload) + 16 * cell;
+      std::memcpy(found + pixel, lanes, 16);
+      const auto squares = reinterpret_cast<const char*>(&nearest.squared) + 16 * cell;
+      std::memcpy(squaredDistance + pixel, squares, 16);
     }
   }
 }
@@ -131,9 +187,10 @@ class SiteRows {
     const size_t cells = static_cast<size_t>(column(static_cast<double>(width) - 0.5) + 2 - first_);
     window_.cells = cells;
     window_.pitch = static_cast<float>(grid.pitch);
-    window_.x.resize(3 * cells);
-    window_.squaredDy.resize(3 * cells);
-    window_.payload.resize(3 * cells);
+    // Narrow cells are read four at a time.
+    window_.x.resize(3 * cells + kLanes - 1);
+    window_.squaredDy.resize(3 * cells + kLanes - 1);
+    window_.payload.resize(3 * cells + kLanes - 1);
     values_.resize(3 * cells * 4);
     for (Row& row : rows_) row.y.resize(cells);
     sampleX_.resize(cells);
@@ -181,6 +238,7 @@ class SiteRows {
       window_.begin.push_back(static_cast<int32_t>(pixel));
       window_.offset.push_back(static_cast<float>(pixel + 0.5 - edge));
     }
+    window_.offset.resize(window_.offset.size() + kLanes);
     // Rounding must leave no pixel out.
     window_.begin[1] = 0;
     window_.begin[window_.cells - 1] = static_cast<int32_t>(width);
@@ -250,8 +308,11 @@ void SiteOperation::render(const OperationSource& source, const OperationTarget&
   std::vector<float> squaredDistance(width + kLanes);
   std::vector<float> values(shape_ == SiteShape::kDot ? 4 * width : 0);
   const auto dotRadius = static_cast<float>(kDotRadius * grid_.pitch);
+  // Where lanes cannot be permuted freely, one narrow cell at a time is faster.
+  const bool narrow = grid_.pitch <= kNarrowPitch && hasWideCodes();
+  const auto find = narrow ? findNearestNarrow : findNearest;
   for (int64_t y = rows.first; y < rows.end; ++y) {
-    findNearest(sites.moveTo(y), found.data(), squaredDistance.data());
+    find(sites.moveTo(y), found.data(), squaredDistance.data());
     uint8_t* out = target.bitmap.writableRows(y, y + 1);
     if (shape_ == SiteShape::kCell) {
       std::memcpy(out, found.data(), 4 * width);

@@ -66,7 +66,7 @@ TEST_P(SiteFilter, PointillizePaintsDotsOnWhite) {
   EXPECT_LE(wrong, 8) << "only where two sites are equally near";
 }
 
-INSTANTIATE_TEST_SUITE_P(Pitches, SiteFilter, testing::Values(1.0, 2.0, 7.3, 20.0, 100.0));
+INSTANTIATE_TEST_SUITE_P(Pitches, SiteFilter, testing::Values(1.0, 2.0, 3.7, 7.3, 20.0, 100.0));
 
 TEST(SiteFilters, LookTheSameWhereverThePictureEnds) {
   const auto wide = plainBitmap(1500, 40, {200, 30, 90, 255});
