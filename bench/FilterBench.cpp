@@ -170,6 +170,18 @@ int vipsInvert(VipsImage* in, VipsImage** out) {
   return vips_invert(in, out, nullptr);
 }
 
+int vipsGamma(VipsImage* in, VipsImage** out) {
+  return vips_gamma(in, out, "exponent", 1.5, nullptr);
+}
+
+int vipsMatrix(VipsImage* in, VipsImage** out) {
+  VipsImage* matrix =
+      vips_image_new_matrixv(4, 4, .8, .1, .1, 0., .2, .7, .1, 0., .1, .1, .8, 0., 0., 0., 0., 1.);
+  const int result = vips_recomb(in, out, matrix, nullptr);
+  g_object_unref(matrix);
+  return result;
+}
+
 int vipsPixellate(VipsImage* in, VipsImage** out) {
   VipsImage* small = nullptr;
   if (vips_subsample(in, &small, 5, 5, nullptr) != 0) return -1;
@@ -224,5 +236,7 @@ PEER_BENCHMARK(openCV, pixellate_5, openCVPixellate);
 PEER_BENCHMARK(vips, blur_2, vipsBlur<2>);
 PEER_BENCHMARK(vips, blur_10, vipsBlur<10>)->Iterations(1);
 PEER_BENCHMARK(vips, invert, vipsInvert);
+PEER_BENCHMARK(vips, gamma, vipsGamma);
+PEER_BENCHMARK(vips, matrix, vipsMatrix);
 PEER_BENCHMARK(vips, pixellate_5, vipsPixellate);
 BENCHMARK_MAIN();
