@@ -5,13 +5,19 @@
 #include <unistd.h>
 
 #include <array>
+#include <new>
 #include <string>
+
+#include "platform/AddressSpace.h"
 
 namespace {
 
 // Below the folder of the shared library or program that this code is in.
 constexpr const char* kModuleFolders[] = {"paintengine/",
                                           "../" PAINT_LIBRARY_FOLDER "/paintengine/"};
+
+/// More than any module takes up with the libraries that it stands on.
+constexpr size_t kMostAddresses = size_t{64} << 20;
 
 std::string programPath() {
   std::array<char, 4096> path;
@@ -36,12 +42,15 @@ std::string ownFolder() {
 
 void* loadModuleFunction(const char* module, const char* function) {
   const std::string own = ownFolder();
+  bool isThere = false;
   for (const char* folder : kModuleFolders) {
     const std::string path = own + folder + module + ".so";
     // Never unloaded: objects made by the module outlive any handle.
     if (void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)) {
       return dlsym(handle, function);
     }
+    isThere = isThere || access(path.c_str(), R_OK) == 0;
   }
+  if (isThere && !hasAddressSpace(kMostAddresses)) throw std::bad_alloc();
   return nullptr;
 }

@@ -4,5 +4,6 @@
 /// loaded by the documents that need them. `module` is its name without folder and suffix. The
 /// module is searched in the folder "paintengine" beside the shared library that this code is in,
 /// then below the library folder of the prefix that the running program is in; it stays loaded
-/// for the rest of the process. Null when it or the function is not there.
+/// for the rest of the process. Null when it or the function is not there; std::bad_alloc when
+/// there is no memory for it, as a document must not lose its text or pictures for that.
 void* loadModuleFunction(const char* module, const char* function);

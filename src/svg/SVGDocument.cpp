@@ -1,5 +1,6 @@
 #include "svg/SVGDocument.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/foundation/Limits.h"
@@ -21,6 +22,8 @@ std::unique_ptr<SVGDocument> SVGDocument::CreateSVGDocument(const std::string& t
     auto impl = std::make_unique<SVGDocumentImpl>(std::move(renderer));
     impl->TraverseSVGTree(xml->Root());
     return std::unique_ptr<SVGDocument>(new SVGDocument(std::move(impl)));
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return nullptr;
   }

@@ -1,6 +1,7 @@
 #include "svg/ZTSVGTool.h"
 
 #include <algorithm>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -92,6 +93,8 @@ NSSize ZTSVGTool::originalSizeOfNativeSVG(const NSData* data) {
     const Picture picture = readPicture(data);
     if (picture.document == nullptr) return NSZeroSize;
     return NSMakeSize(picture.document->Width(), picture.document->Height());
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return NSZeroSize;
   }
@@ -102,6 +105,8 @@ std::shared_ptr<NSBitmapImageRep> ZTSVGTool::imageWithNativeSVGData(const NSData
                                                                     bool keepAspectRatio) {
   try {
     return rasterise(data, imageSize, keepAspectRatio);
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return nullptr;
   }

@@ -5,6 +5,7 @@ DATA_DIR
 Exit codes, one line on standard error, and an output path that is left absent or empty on failure.
 """
 import base64
+import collections
 import json
 import os
 import pty
@@ -354,6 +355,22 @@ class Programs(unittest.TestCase):
                     for limit in kilobytes}
             self.assertIn(75, ends)
             self.assertLessEqual(ends, {0, 75, 127}, example)  # 127 is the loader's
+
+    @unittest.skipIf("PAINT_SANITIZED" in os.environ, "the sanitizers reserve terabytes")
+    def test_nothing_is_left_out_for_lack_of_memory(self):
+        # Text, its module or some of its fonts, and pictures go missing or the thumbnail does.
+        for example in ("text", "poster", "composition"):
+            path = os.path.join(EXAMPLES, example + ".paintdoc")
+            self.assertEqual(run(THUMBNAILER, path, self.out).returncode, 0)
+            whole = read(self.out)
+            ends = collections.Counter()
+            for limit in range(13312, 98304, 1500):
+                result = run("bash", "-c", 'ulimit -v "$0"; exec "$@"', str(limit), THUMBNAILER, path, self.out)
+                ends[result.returncode] += 1
+                if result.returncode == 0:
+                    self.assertEqual(read(self.out), whole, (example, limit))
+            self.assertGreater(ends[0], 0, ends)
+            self.assertGreater(ends[75], 0, ends)
 
     def test_processor_time_is_limited(self):
         self.assert_limited(b"time limit", THUMBNAILER, "--limit-time", "1", document("hours of painting"), self.out)

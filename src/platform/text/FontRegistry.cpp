@@ -1,6 +1,11 @@
 #include "platform/text/FontRegistry.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <new>
+
+#include "platform/AddressSpace.h"
 
 namespace {
 
@@ -34,6 +39,13 @@ HostMetrics ownMetrics(const FontFace* face) {
 
 HostMetrics metricsOf(const HostFamily* family, const FontFace* face) {
   return family != nullptr && family->metrics.known() ? family->metrics : ownMetrics(face);
+}
+
+/// Whether a file could be mapped, if it is there.
+bool hasAddressSpaceFor(const std::string& file) {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(file, error);
+  return error || hasAddressSpace(std::max<size_t>(size, 1));
 }
 
 std::mutex sharedMutex;
@@ -216,7 +228,12 @@ std::shared_ptr<const FontFace> FontRegistry::open(size_t face) {
   const std::lock_guard lock(mutex_);
   const auto [entry, isNew] = open_.try_emplace(face);
   const FontFaceInfo& info = index_->faces()[face];
-  if (isNew) entry->second = textLibraries()->openFace(info.file, info.index);
+  if (!isNew) return entry->second;
+  entry->second = textLibraries()->openFace(info.file, info.index);
+  if (entry->second == nullptr && !hasAddressSpaceFor(info.file)) {
+    open_.erase(entry);
+    throw std::bad_alloc();
+  }
   return entry->second;
 }
 

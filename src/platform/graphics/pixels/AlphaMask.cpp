@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "platform/TargetClones.h"
 #include "platform/graphics/pixels/PixelMath.h"
@@ -44,7 +45,8 @@ VECTOR_CLONES void blockRanges(const uint8_t* covers, int32_t blocks, uint8_t* l
 AlphaMask::AlphaMask(const PixelBox& box) {
   if (box.empty()) return;
   bytes_ = ZeroedMemory(static_cast<size_t>(box.width()) * static_cast<size_t>(box.height()));
-  if (!bytes_.empty()) box_ = box;
+  if (bytes_.empty()) throw std::bad_alloc();
+  box_ = box;
 }
 
 void MaskSink::row(int32_t y, std::span<const CoverageRun> runs) {

@@ -9,7 +9,7 @@
 #include "platform/graphics/pixels/RowSource.h"
 
 /// One byte of coverage per pixel of a box, zero at first. Memory that is never written costs
-/// nothing. Empty when there is no memory for it.
+/// nothing.
 class AlphaMask {
  public:
   AlphaMask() = default;
