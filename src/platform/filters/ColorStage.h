@@ -12,6 +12,9 @@
 /// What colour filters do to straight linear colour. Each is applied to 8-bit codes and rounds to
 /// 8-bit codes again, so that filters in a row give what they would give one by one.
 
+struct SepiaTables;
+struct HighlightShadowTables;
+
 /// Every channel by itself.
 struct CurveStage {
   CodeTable codes;
@@ -24,14 +27,14 @@ struct AffineStage {
 
 /// Tones luminance to brown; amount 1 replaces the colour, others extrapolate.
 struct SepiaStage {
-  std::shared_ptr<const struct SepiaTables> tables;
+  std::shared_ptr<const SepiaTables> tables;
 };
 
 /// Lifts or deepens shadows and takes back highlights.
 struct HighlightShadowStage {
   bool shadows;
   bool highlights;
-  std::shared_ptr<const struct HighlightShadowTables> tables;
+  std::shared_ptr<const HighlightShadowTables> tables;
 };
 
 using ColorStage = std::variant<CurveStage, AffineStage, SepiaStage, HighlightShadowStage>;

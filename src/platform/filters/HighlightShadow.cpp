@@ -1,19 +1,22 @@
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "platform/TargetClones.h"
 #include "platform/filters/ColorStage.h"
+#include "platform/filters/Interpolation.h"
 #include "platform/filters/LinearLight.h"
 #include "platform/filters/PowerFunctions.h"
 
-// Written per pixel the filter is
-//   shade = mix(c, 0.65 s + 0.35 l, shadeIn), s and l being the channel's and the luma's shadow
-//   curve high  = mix(c, A highlight curve - B, highIn) out   = mix(mix(shade, c, root), mix(high,
-//   c, peak), root), then contrast about one half,
-// with root the square root of the greatest channel, the peak. Channels and peaks are 8-bit codes,
-// so that all functions of one of them are tables, and `out` is a weighted sum of c, s, l and the
-// highlight curve. l is c with its luma replaced.
+// Written per pixel, the filter is
+//
+//     shade = mix(c, 0.65 s + 0.35 l, shadeIn)
+//     high = mix(c, A h - B, highIn)
+//     out = mix(mix(shade, c, root), mix(c, high, peak), root)
+//
+// and then contrast about one half. c is a channel, s its shadow curve, h its highlight curve, l
+// the channel with the luma's shadow curve in its luma's place; peak is the greatest channel and
+// root that one's square root. Channels and peaks are 8-bit codes, so that all functions of one of
+// them are tables, and `out` is a weighted sum of c, s, l and h.
 
 namespace {
 
@@ -41,29 +44,12 @@ INTO_CLONES float evaluate(const Series& series, float x) {
   return value;
 }
 
-/// Interpolates a function at the Chebyshev points between two places.
 template <class Function>
-Series makeSeries(double from, double to, Function&& function) {
-  constexpr int kPoints = 7;
-  double x[kPoints];
-  double difference[kPoints];
-  for (int k = 0; k < kPoints; ++k) {
-    x[k] = (from + to) / 2 +
-           (to - from) / 2 * std::cos(std::numbers::pi * (2 * k + 1) / (2 * kPoints));
-    difference[k] = function(x[k]);
-  }
-  for (int order = 1; order < kPoints; ++order) {
-    for (int k = kPoints - 1; k >= order; --k) {
-      difference[k] = (difference[k] - difference[k - 1]) / (x[k] - x[k - order]);
-    }
-  }
-  double powers[kPoints] = {difference[kPoints - 1]};
-  for (int k = kPoints - 2; k >= 0; --k) {
-    for (int j = kPoints - 1; j > 0; --j) powers[j] = powers[j - 1] - x[k] * powers[j];
-    powers[0] = difference[k] - x[k] * powers[0];
-  }
+Series makeSeries(double from, double to, const Function& function) {
+  constexpr size_t kCount = std::tuple_size_v<Series>;
+  const auto powers = interpolated<kCount>(from, to, function);
   Series series;
-  for (size_t k = 0; k < kPoints; ++k) series[k] = static_cast<float>(powers[k]);
+  for (size_t k = 0; k < kCount; ++k) series[k] = static_cast<float>(powers[k]);
   return series;
 }
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <numbers>
 
 #include "platform/TargetClones.h"
 #include "platform/filters/CodeBatch.h"
+#include "platform/filters/Interpolation.h"
 #include "platform/filters/WideCodes.h"
 
 namespace {
@@ -95,30 +95,13 @@ const LinearLightTables& linearLightTables() {
   return tables;
 }
 
-// Interpolation at the Chebyshev points of each half octave, by divided differences.
 HalfOctaveCubics makeCubics(const std::function<double(double)>& function) {
   constexpr uint32_t kFirst = 0xDE;  // the upper bits of 2^-16
   HalfOctaveCubics cubics;
   for (uint32_t piece = kFirst; piece < kFirst + 32; ++piece) {
     const double from = std::bit_cast<float>(piece << 22);
     const double to = std::bit_cast<float>((piece + 1) << 22);
-    double x[4];
-    double difference[4];
-    for (int k = 0; k < 4; ++k) {
-      x[k] = (from + to) / 2 + (to - from) / 2 * std::cos(std::numbers::pi * (2 * k + 1) / 8);
-      difference[k] = function(x[k]);
-    }
-    for (int order = 1; order < 4; ++order) {
-      for (int k = 3; k >= order; --k) {
-        difference[k] = (difference[k] - difference[k - 1]) / (x[k] - x[k - order]);
-      }
-    }
-    // Newton's form multiplied out.
-    double powers[4] = {difference[3]};
-    for (int k = 2; k >= 0; --k) {
-      for (int j = 3; j > 0; --j) powers[j] = powers[j - 1] - x[k] * powers[j];
-      powers[0] = difference[k] - x[k] * powers[0];
-    }
+    const auto powers = interpolated<4>(from, to, function);
     for (size_t k = 0; k < 4; ++k) cubics.powers[k][piece % 32] = static_cast<float>(powers[k]);
   }
   return cubics;

@@ -7,8 +7,8 @@
 #include "platform/filters/CodeTables.h"
 
 /// Look-ups and conversions of many 8-bit codes at a time, with the byte permutations of AVX-512
-/// VBMI. To be called only where the processor has them; each does what the function that
-/// falls back on plain loops does.
+/// VBMI. To be called only where the processor has them; each does what the function of nearly the
+/// same name does that calls it.
 inline bool hasWideCodes() {
 #if defined(__x86_64__) && defined(__GNUC__)
   // Processors that have these have the other extensions as well that are used with them.
@@ -22,13 +22,13 @@ void wideLookUpBytes(const CodeTable& table, KeptBytes kept, const uint8_t* byte
                      uint8_t* results);
 void wideLookUpFloats(const FloatTable& table, const uint8_t* codes, size_t count, float* values);
 
-/// A function of light from 2^-16 to 1 with results from 0 to 255, as cubics over halves of
-/// octaves: the upper ten bits of a float, modulo 32, number the piece. powers[k] has the
-/// coefficients of light^k.
+/// A function of light from 2^-16 to 1, as cubics over halves of octaves: the upper ten bits of a
+/// float, modulo 32, number the piece. powers[k] has the coefficients of light^k.
 struct HalfOctaveCubics {
   alignas(64) std::array<std::array<float, 32>, 4> powers;
 };
-/// The nearest whole number to the function of each light, clamped to its range; 0 for no number.
+/// The nearest whole number to the function of each light, 0 to 255; lights are clamped, and the
+/// least stands for no number.
 void wideCodesOfLights(const HalfOctaveCubics& function, const float* lights, size_t count,
                        uint8_t* codes);
 
