@@ -4,12 +4,14 @@
 
 #include "platform/filters/WideCodes.h"
 
-FloatTable makeFloatTable(const std::function<float(int)>& function) {
+FloatTable makeFloatTable(TableBits bits, const std::function<float(int)>& function) {
   FloatTable table;
+  table.bits = bits;
   for (int code = 0; code < 256; ++code) {
-    const uint32_t bits = (std::bit_cast<uint32_t>(function(code)) + 0x80) & 0xFFFFFF00;
-    table.values[code] = std::bit_cast<float>(bits);
-    for (int k = 0; k < 3; ++k) table.bytes[k][code] = static_cast<uint8_t>(bits >> (8 * (k + 1)));
+    auto value = std::bit_cast<uint32_t>(function(code));
+    if (bits == TableBits::k24) value = (value + 0x80) & 0xFFFFFF00;
+    table.values[code] = std::bit_cast<float>(value);
+    for (int k = 0; k < 4; ++k) table.bytes[k][code] = static_cast<uint8_t>(value >> (8 * k));
   }
   return table;
 }

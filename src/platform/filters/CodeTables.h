@@ -9,14 +9,18 @@
 
 using CodeTable = std::array<uint8_t, 256>;
 
-/// Values of 24 bits, the lowest of a float's bytes being zero: within 2^-16 of themselves.
+/// Weights need fewer bits than light does: with 24, the lowest of a float's bytes being zero, they
+/// are within 2^-16 of themselves and found faster.
+enum class TableBits : uint8_t { k24, k32 };
+
 struct FloatTable {
+  TableBits bits;
   std::array<float, 256> values;
-  /// Byte k + 1 of each value, as bytes can be looked up many at a time.
-  alignas(64) std::array<std::array<uint8_t, 256>, 3> bytes;
+  /// Byte k of each value, lowest first, as bytes can be looked up many at a time.
+  alignas(64) std::array<std::array<uint8_t, 256>, 4> bytes;
 };
 /// `function` answers the value of a code from 0 to 255, finite.
-FloatTable makeFloatTable(const std::function<float(int)>& function);
+FloatTable makeFloatTable(TableBits bits, const std::function<float(int)>& function);
 
 /// Which of the bytes table lookups leave as they are.
 enum class KeptBytes : uint8_t { kNone, kAlphas };

@@ -44,6 +44,10 @@ INTO_CLONES float evaluate(const Series& series, float x) {
   return value;
 }
 
+FloatTable makeTable(const std::function<float(int)>& function) {
+  return makeFloatTable(TableBits::k24, function);
+}
+
 template <class Function>
 Series makeSeries(double from, double to, const Function& function) {
   constexpr size_t kCount = std::tuple_size_v<Series>;
@@ -93,16 +97,16 @@ void makeShadows(double s, HighlightShadowTables& t) {
   const auto logarithm = [=](double light) {
     return std::log2(std::max<double>(light * scale, kLeastLight));
   };
-  t.bent = makeFloatTable([=](int code) {
+  t.bent = makeTable([=](int code) {
     const double light = linearFromCoded(code / 255.0);
     return static_cast<float>(logarithm(light) * std::exp2(-light));
   });
-  t.straight = makeFloatTable([=](int code) {
+  t.straight = makeTable([=](int code) {
     return static_cast<float>(plain * logarithm(linearFromCoded(code / 255.0)));
   });
-  t.fourthRoot = makeFloatTable(
+  t.fourthRoot = makeTable(
       [](int code) { return static_cast<float>(std::pow(linearFromCoded(code / 255.0), 0.25)); });
-  t.shadeOut = makeFloatTable([](int code) {
+  t.shadeOut = makeTable([](int code) {
     const double root = std::sqrt(linearFromCoded(code / 255.0));
     return static_cast<float>((1 - root) * (1 - root));
   });
@@ -111,7 +115,7 @@ void makeShadows(double s, HighlightShadowTables& t) {
 void makeHighlights(double h, HighlightShadowTables& t) {
   const double dim = 1 / std::max(1.0, 1.997 - 1 / (1 + std::exp(-6 * h)));
   const double spread = 1 + 0.4 * (1 - std::min(h + 0.3, 1.0));
-  t.highlight = makeFloatTable([=](int code) {
+  t.highlight = makeTable([=](int code) {
     return static_cast<float>(std::pow(linearFromCoded(code / 255.0) * dim, 2 - h));
   });
   const auto weight = [](int code) {
@@ -119,9 +123,9 @@ void makeHighlights(double h, HighlightShadowTables& t) {
     const double root = std::sqrt(peak);
     return root * peak * smoothStep(0.2, 0.8, root);
   };
-  t.highWeight = makeFloatTable([=](int code) { return static_cast<float>(weight(code)); });
+  t.highWeight = makeTable([=](int code) { return static_cast<float>(weight(code)); });
   // The contrast fades out near black.
-  t.highOffset = makeFloatTable([=](int code) {
+  t.highOffset = makeTable([=](int code) {
     const double boost = std::min(30 * linearFromCoded(code / 255.0), 1.0) * (1 - h);
     return static_cast<float>(weight(code) * 0.25 * boost * (spread - 1));
   });

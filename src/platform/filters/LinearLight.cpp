@@ -43,7 +43,8 @@ inline float codeOfLight(float light) {
 
 LinearLightTables makeTables() {
   LinearLightTables tables{};
-  tables.linear = makeFloatTable([](int code) { return lightOfCode(static_cast<float>(code)); });
+  tables.linear = makeFloatTable(TableBits::k32,
+                                 [](int code) { return lightOfCode(static_cast<float>(code)); });
   for (int code = 0; code < 256; ++code) {
     tables.unpremultiply[code] = code > 0 ? 255.0F / static_cast<float>(code) : 0.0F;
   }

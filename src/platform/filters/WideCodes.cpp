@@ -112,21 +112,23 @@ class ByteLookUp {
   __mmask64 keep_;
 };
 
+template <TableBits kBits>
 class FloatLookUp {
  public:
   WIDE explicit FloatLookUp(const FloatTable& table) {
-    for (int k = 0; k < 3; ++k) tables_[k] = loadTable(table.bytes[k].data());
+    for (int k = kFirst; k < 4; ++k) tables_[k] = loadTable(table.bytes[k].data());
   }
   INTO_WIDE void operator()(const uint8_t* codes, float* values) const {
     const __m512i code = inLaneOrder(_mm512_loadu_si512(codes));
     const __mmask64 upper = _mm512_movepi8_mask(code);
-    storeWords({_mm512_setzero_si512(), found(tables_[0], code, upper),
-                found(tables_[1], code, upper), found(tables_[2], code, upper)},
-               values);
+    __m512i bytes[4] = {};
+    for (int k = kFirst; k < 4; ++k) bytes[k] = found(tables_[k], code, upper);
+    storeWords(bytes, values);
   }
 
  private:
-  ByteTable tables_[3];
+  static constexpr int kFirst = kBits == TableBits::k24 ? 1 : 0;
+  ByteTable tables_[4];
 };
 
 struct LoadedCubics {
@@ -210,7 +212,11 @@ WIDE void wideLookUpBytes(const CodeTable& table, KeptBytes kept, const uint8_t*
 
 WIDE void wideLookUpFloats(const FloatTable& table, const uint8_t* codes, size_t count,
                            float* values) {
-  inBlocks(FloatLookUp(table), codes, count, values);
+  if (table.bits == TableBits::k24) {
+    inBlocks(FloatLookUp<TableBits::k24>(table), codes, count, values);
+  } else {
+    inBlocks(FloatLookUp<TableBits::k32>(table), codes, count, values);
+  }
 }
 
 WIDE void wideCodesOfLights(const HalfOctaveCubics& function, const float* lights, size_t count,
