@@ -117,10 +117,9 @@ VECTOR_CLONES void findNearest(const SiteWindow& window, int32_t* found, float* 
 /// The first four of sixteen values, four lanes for each.
 template <class Vector, class Value>
 INTO_CLONES void spread(const Value* values, Vector& lanes) {
-  constexpr Ints kPlaces = {0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
   Vector all;
   std::memcpy(&all, values, sizeof all);
-  lanes = __builtin_shuffle(all, kPlaces);
+  lanes = __builtin_shufflevector(all, all, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3);
 }
 
 /// The widest pitch whose cells have at most four pixels.
