@@ -1,6 +1,6 @@
-// What the engine costs on top of the painting itself: 10,000 small rectangles as draws of a document,
-// against the same rectangles filled directly in a drawing context. The counter "overhead_us" is the
-// difference per draw, in microseconds of processor time.
+// What the engine costs on top of the painting itself: 10,000 small rectangles as draws of a
+// document, against the same rectangles filled directly in a drawing context. The counter
+// "overhead_us" is the difference per draw, in microseconds of processor time.
 #include <benchmark/benchmark.h>
 
 #include <ctime>
