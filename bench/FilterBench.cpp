@@ -212,6 +212,8 @@ FILTER_BENCHMARK(hue_noise, "CIHueAdjust", Settings{{"inputAngle", 1}}, Content:
 FILTER_BENCHMARK(sepia, "CISepiaTone", Settings{{"inputIntensity", 0.8}});
 FILTER_BENCHMARK(highlights, "CIHighlightShadowAdjust", Settings{{"inputHighlightAmount", 0.5}});
 FILTER_BENCHMARK(shadows, "CIHighlightShadowAdjust", Settings{{"inputShadowAmount", 0.5}});
+FILTER_BENCHMARK(shadows_clean, "CIHighlightShadowAdjust", Settings{{"inputShadowAmount", 0.5}},
+                 Content::kCleanPhoto);
 FILTER_BENCHMARK(shadows_noise, "CIHighlightShadowAdjust", Settings{{"inputShadowAmount", 0.5}},
                  Content::kNoise);
 BENCHMARK_CAPTURE(colorChain, photo, Content::kPhoto)->Unit(benchmark::kMillisecond);

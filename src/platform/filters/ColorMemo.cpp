@@ -1,23 +1,17 @@
 #include "platform/filters/ColorMemo.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace {
 
-/// Entries that fit a second-level cache with room for the pixels.
-constexpr int kMostBits = 16;
 /// Enough to make noise cost little more than no look-ups at all, and few enough to notice soon
 /// when there is no more of it.
 constexpr size_t kMostSkipped = 15;
 
 }  // namespace
 
-ColorMemo::ColorMemo(const std::vector<ColorStage>& stages, uint32_t* origin, size_t pixelCount)
-    : stages_(stages),
-      origin_(origin),
-      bits_(std::clamp(static_cast<int>(std::bit_width(pixelCount)), 6, kMostBits)),
-      entries_(size_t{1} << bits_) {}
+ColorMemo::ColorMemo(const std::vector<ColorStage>& stages, uint32_t* origin)
+    : stages_(stages), origin_(origin), entries_(kMemoEntries) {}
 
 void ColorMemo::apply(const uint32_t* in, uint32_t* out, size_t count) {
   for (size_t begin = 0; begin < count; begin += kColorBatch) {
@@ -48,16 +42,17 @@ void ColorMemo::finish() {
 size_t ColorMemo::lookUp(const uint32_t* in, uint32_t* out, size_t count) {
   const auto first = static_cast<uint32_t>(out - origin_);
   if (hasWideCodes()) {
-    return wideFind(entries_.data(), bits_, in, count, out, first, pixels_ + waiting_,
-                    places_ + waiting_);
+    return wideFind(entries_.data(), in, count, out, first, pixels_ + waiting_, places_ + waiting_);
   }
   size_t waiting = waiting_;
   for (size_t i = 0; i < count; ++i) {
-    const MemoEntry& entry = entries_[memoPlace(in[i], bits_)];
-    out[i] = entry.out;
+    const MemoPlace place = memoPlace(in[i]);
+    const uint32_t entry = entries_[place.entry];
+    const bool known = (entry & kMemoMark) == place.mark && (in[i] & kMemoMark) == kMemoMark;
+    out[i] = entry | kMemoMark;
     pixels_[waiting] = in[i];
     places_[waiting] = first + static_cast<uint32_t>(i);
-    waiting += entry.in != in[i] ? 1 : 0;
+    waiting += known ? 0 : 1;
   }
   return waiting - waiting_;
 }
@@ -67,6 +62,8 @@ void ColorMemo::compute(size_t count) {
   applyStages(stages_, pixels_, results, count);
   for (size_t i = 0; i < count; ++i) {
     origin_[places_[i]] = results[i];
-    entries_[memoPlace(pixels_[i], bits_)] = {pixels_[i], results[i]};
+    if ((pixels_[i] & kMemoMark) != kMemoMark) continue;
+    const MemoPlace place = memoPlace(pixels_[i]);
+    entries_[place.entry] = (results[i] & ~kMemoMark) | place.mark;
   }
 }

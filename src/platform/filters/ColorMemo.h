@@ -11,8 +11,11 @@
 /// show new ones, and finding a result costs less than several filters.
 class ColorMemo {
  public:
-  /// For pixels that come out somewhere in `pixelCount` pixels from `origin` on, fewer than 2^32.
-  ColorMemo(const std::vector<ColorStage>& stages, uint32_t* origin, size_t pixelCount);
+  /// Fewer pixels than this are better computed.
+  static constexpr size_t kLeastPixels = size_t{1} << 16;
+
+  /// For pixels that come out somewhere in the 2^32 from `origin` on.
+  ColorMemo(const std::vector<ColorStage>& stages, uint32_t* origin);
 
   /// `out` lies in those pixels. The results are all there after finish() only.
   void apply(const uint32_t* in, uint32_t* out, size_t count);
@@ -26,8 +29,7 @@ class ColorMemo {
 
   const std::vector<ColorStage>& stages_;
   uint32_t* origin_;
-  int bits_;
-  std::vector<MemoEntry> entries_;
+  std::vector<uint32_t> entries_;
   /// Batches to do without looking up, after batches of mostly new colours.
   size_t skipped_ = 0;
   size_t toSkip_ = 0;

@@ -95,17 +95,17 @@ void ColorOperation::render(const OperationSource& source, const OperationTarget
                             RowRange rows) const {
   int cost = 0;
   for (const ColorStage& stage : stages_) cost += costOf(stage);
+  const auto pixels = static_cast<size_t>((rows.end - rows.first) * target.bitmap.pixelsWide());
   if (cost == 0) {
     const CurveRows filter(stages_);
     renderRows(filter, source, target, rows);
-  } else if (cost <= lookUpCost()) {
+  } else if (cost <= lookUpCost() || pixels < ColorMemo::kLeastPixels) {
     const PixelRows filter(stages_);
     renderRows(filter, source, target, rows);
   } else {
-    const int64_t pixels = (rows.end - rows.first) * target.bitmap.pixelsWide();
     auto* const origin =
         reinterpret_cast<uint32_t*>(target.bitmap.writableRows(rows.first, rows.end));
-    ColorMemo filter(stages_, origin, static_cast<size_t>(pixels));
+    ColorMemo filter(stages_, origin);
     renderRows(filter, source, target, rows);
     filter.finish();
   }

@@ -249,35 +249,55 @@ WIDE void wideJoin(const std::array<const uint8_t*, 4>& channels, size_t count, 
   }
 }
 
-WIDE size_t wideFind(const MemoEntry* memo, int bits, const uint32_t* pixels, size_t count,
-                     uint32_t* results, uint32_t first, uint32_t* missed, uint32_t* missedNumbers) {
-  const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
-  const __m512i odd = _mm512_add_epi32(even, _mm512_set1_epi32(1));
-  const __m512i lanes = _mm512_srli_epi32(even, 1);
-  const __m128i shift = _mm_cvtsi32_si128(32 - bits);
+namespace {
+
+/// Sixteen pixels of `wideFind`, of which `wanted` count.
+INTO_WIDE size_t findSixteen(const uint32_t* memo, const uint32_t* pixels, __mmask16 wanted,
+                             uint32_t* results, uint32_t first, uint32_t* missed,
+                             uint32_t* missedNumbers) {
+  const __m512i lanes = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+  const __m512i factor = _mm512_set1_epi32(static_cast<int>(kMemoFactor));
+  const __m512i alpha = _mm512_set1_epi32(static_cast<int>(kMemoMark));
+  const __m512i set = _mm512_set1_epi32(static_cast<int>(0x80000000));
+  const __m512i pixel = _mm512_loadu_si512(pixels);
+  const __m512i mixed = _mm512_slli_epi32(_mm512_mullo_epi32(pixel, factor), 8);
+  const __m512i entry = _mm512_i32gather_epi32(_mm512_srli_epi32(mixed, 32 - kMemoBits), memo, 4);
+  const __m512i mark =
+      _mm512_or_si512(_mm512_srli_epi32(_mm512_slli_epi32(mixed, kMemoBits), 1), set);
+  _mm512_storeu_si512(results, _mm512_or_si512(entry, alpha));
+  // Zero where the mark is the pixel's and the pixel is opaque.
+  const __m512i difference =
+      _mm512_or_si512(_mm512_xor_si512(entry, mark), _mm512_xor_si512(pixel, alpha));
+  const __mmask16 unknown = _mm512_mask_test_epi32_mask(wanted, difference, alpha);
+  const __m512i number = _mm512_add_epi32(lanes, _mm512_set1_epi32(static_cast<int>(first)));
+  _mm512_storeu_si512(missed, _mm512_maskz_compress_epi32(unknown, pixel));
+  _mm512_storeu_si512(missedNumbers, _mm512_maskz_compress_epi32(unknown, number));
+  return static_cast<size_t>(__builtin_popcount(unknown));
+}
+
+}  // namespace
+
+WIDE size_t wideFind(const uint32_t* memo, const uint32_t* pixels, size_t count, uint32_t* results,
+                     uint32_t first, uint32_t* missed, uint32_t* missedNumbers) {
   size_t misses = 0;
-  for (size_t i = 0; i < count; i += kFloats) {
-    const auto left =
-        static_cast<__mmask16>(count - i >= kFloats ? 0xFFFF : (1 << (count - i)) - 1);
-    const __m512i pixel = _mm512_maskz_loadu_epi32(left, pixels + i);
-    const __m512i factor = _mm512_set1_epi32(static_cast<int>(kMemoFactor));
-    const __m512i place = _mm512_srl_epi32(_mm512_mullo_epi32(pixel, factor), shift);
-    const __m512i low = _mm512_i32gather_epi64(_mm512_castsi512_si256(place), memo, 8);
-    const __m512i high = _mm512_i32gather_epi64(_mm512_extracti64x4_epi64(place, 1), memo, 8);
-    const __m512i in = _mm512_permutex2var_epi32(low, even, high);
-    _mm512_mask_storeu_epi32(results + i, left, _mm512_permutex2var_epi32(low, odd, high));
-    const __mmask16 other = _mm512_mask_cmpneq_epi32_mask(left, in, pixel);
-    const __m512i number = _mm512_add_epi32(lanes, _mm512_set1_epi32(static_cast<int>(first + i)));
-    _mm512_storeu_si512(missed + misses, _mm512_maskz_compress_epi32(other, pixel));
-    _mm512_storeu_si512(missedNumbers + misses, _mm512_maskz_compress_epi32(other, number));
-    misses += static_cast<size_t>(__builtin_popcount(other));
+  size_t i = 0;
+  for (; i + kFloats <= count; i += kFloats) {
+    misses += findSixteen(memo, pixels + i, 0xFFFF, results + i, first + static_cast<uint32_t>(i),
+                          missed + misses, missedNumbers + misses);
   }
+  if (i == count) return misses;
+  uint32_t last[kFloats] = {};
+  uint32_t lastResults[kFloats];
+  std::memcpy(last, pixels + i, (count - i) * sizeof(uint32_t));
+  misses += findSixteen(memo, last, static_cast<__mmask16>((1U << (count - i)) - 1), lastResults,
+                        first + static_cast<uint32_t>(i), missed + misses, missedNumbers + misses);
+  std::memcpy(results + i, lastResults, (count - i) * sizeof(uint32_t));
   return misses;
 }
 
 #else
 
-size_t wideFind(const MemoEntry*, int, const uint32_t*, size_t, uint32_t*, uint32_t, uint32_t*,
+size_t wideFind(const uint32_t*, const uint32_t*, size_t, uint32_t*, uint32_t, uint32_t*,
                 uint32_t*) {
   return 0;
 }

@@ -204,8 +204,8 @@ struct ChainLink {
 
 /// Colours that repeat above, hardly any below.
 std::shared_ptr<NSBitmapImageRep> halfNoise() {
-  auto bitmap = randomBitmap(1500, 40, 3);
-  for (int64_t y = 0; y < 20; ++y) {
+  auto bitmap = randomBitmap(1500, 80, 3);
+  for (int64_t y = 0; y < 40; ++y) {
     uint8_t* p = bitmap->writableRows(y, y + 1);
     for (int64_t x = 0; x < 1500; ++x, p += 4) {
       p[3] = x < 1400 ? 255 : 0;
