@@ -143,7 +143,7 @@ class CropRecipe : public CIImage::Recipe {
   CropRecipe(RecipePointer input, const Box& box) : input_(std::move(input)), box_(box) {}
 
   OperationSource pixels(const Box& wanted) const override {
-    const OperationSource source = input_->pixels(wanted);
+    OperationSource source = input_->pixels(wanted);
     if (source.bitmap == nullptr) return {};
     if (contains(box_, boxOf(source)) && source.surround == Surround::kTransparent) return source;
     return {render(wanted), wanted.x0, wanted.y1, Surround::kTransparent};

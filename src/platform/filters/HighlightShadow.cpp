@@ -257,6 +257,7 @@ ColorStage makeHighlightShadow(double shadow, double highlight) {
 }
 
 void applyStage(const HighlightShadowStage& stage, CodeBatch& codes) {
+  if (!stage.shadows && !stage.highlights) return;
   const HighlightShadowTables& tables = *stage.tables;
   Terms terms;
   lookUpTerms(stage, codes, terms);

@@ -8,6 +8,7 @@
 #include "platform/filters/CodeBatch.h"
 #include "platform/filters/Interpolation.h"
 #include "platform/filters/WideCodes.h"
+#include "platform/foundation/Convert.h"
 
 namespace {
 
@@ -71,7 +72,8 @@ void encodeAny(const float* values, size_t count, uint8_t* out) {
   }
   codesOfLights(straight, count * 4, out);
   for (size_t i = 0; i < count; ++i, values += 4, out += 4) {
-    const auto alpha = static_cast<uint8_t>(std::clamp(values[3], 0.0F, 1.0F) * 255.0F + 0.5F);
+    const auto alpha =
+        static_cast<uint8_t>(roundedHalfUp(std::clamp(values[3], 0.0F, 1.0F) * 255.0F));
     for (size_t c = 0; c < 3; ++c) out[c] = premultipliedCode(out[c], alpha);
     out[3] = alpha;
   }

@@ -6,6 +6,7 @@
 
 #include "platform/TargetClones.h"
 #include "platform/filters/CodeBatch.h"
+#include "platform/foundation/Convert.h"
 
 namespace {
 
@@ -97,7 +98,7 @@ VECTOR_CLONES void edgeWorkRow(const float* __restrict fine, const float* __rest
   for (size_t i = 0; i < count; ++i) {
     const float alpha = kEdgeWorkGain * (fine[i] - coarse[i]);
     const float clamped = alpha > 0 ? (alpha < 1 ? alpha : 1.0F) : 0.0F;
-    out[i] = static_cast<uint32_t>(static_cast<int32_t>(clamped * 255.0F + 0.5F)) * 0x01010101U;
+    out[i] = static_cast<uint32_t>(roundedHalfUp(clamped * 255.0F)) * 0x01010101U;
   }
 }
 

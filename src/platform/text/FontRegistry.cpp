@@ -212,10 +212,10 @@ std::shared_ptr<const ResolvedFont> FontRegistry::findFallback(char32_t characte
 }
 
 std::shared_ptr<const ResolvedFont> FontRegistry::shareFallback(
-    size_t face, const HostFamily* family, std::shared_ptr<const ResolvedFont> font) {
+    size_t face, const HostFamily* family, const std::shared_ptr<const ResolvedFont>& font) {
   const std::lock_guard lock(mutex_);
   const FallbackFont key{face, family, font->style.italic(), font->style.weight};
-  return fallbackFonts_.try_emplace(key, std::move(font)).first->second;
+  return fallbackFonts_.try_emplace(key, font).first->second;
 }
 
 std::shared_ptr<const ResolvedFont> FontRegistry::emoji() {

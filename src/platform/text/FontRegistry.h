@@ -82,8 +82,8 @@ class FontRegistry {
   std::optional<size_t> covering(char32_t character, const FontStyle& wanted) const;
   std::shared_ptr<const ResolvedFont> findFallback(char32_t character, const FontStyle& wanted,
                                                    std::string_view language);
-  std::shared_ptr<const ResolvedFont> shareFallback(size_t face, const HostFamily* family,
-                                                    std::shared_ptr<const ResolvedFont> font);
+  std::shared_ptr<const ResolvedFont> shareFallback(
+      size_t face, const HostFamily* family, const std::shared_ptr<const ResolvedFont>& font);
   std::shared_ptr<const ResolvedFont> makeInstalled(size_t face, const HostFamily* family);
   std::shared_ptr<const ResolvedFont> makeStandIn(const HostFamily& family, const FontStyle& wanted,
                                                   double size);

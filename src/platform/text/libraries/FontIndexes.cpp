@@ -119,7 +119,7 @@ std::string environment(const char* name) {
 
 /// $variable, or a folder below the home folder; empty when neither is known.
 std::string userFolder(const char* variable, const char* belowHome) {
-  const std::string chosen = environment(variable);
+  std::string chosen = environment(variable);
   if (!chosen.empty()) return chosen;
   const std::string home = environment("HOME");
   return home.empty() ? std::string() : home + belowHome;
