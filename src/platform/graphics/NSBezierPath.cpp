@@ -155,7 +155,11 @@ NSBezierPathElement NSBezierPath::elementAtIndex(int64_t index, NSPoint* points)
   if (points != nullptr) {
     const NSPoint* p = data_.points.data() + firstPoint_[i];
     for (int k = 0; k < pointCount(verb); ++k) points[k] = p[k];
-    if (verb == PathVerb::close && i + 1 < data_.verbs.size()) points[0] = p[0];
+    if (verb == PathVerb::close) {
+      size_t move = i;
+      while (move > 0 && data_.verbs[move] != PathVerb::move) --move;
+      points[0] = data_.points[firstPoint_[move]];
+    }
   }
   return static_cast<NSBezierPathElement>(verb);
 }

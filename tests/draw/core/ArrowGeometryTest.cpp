@@ -42,6 +42,26 @@ TEST(ArrowGeometry, HeadOfALine) {
   expectNear(pointOf(*path, 1), {100, 0}, "the asked path stays");
 }
 
+TEST(ArrowGeometry, HeadOfAClosedPathLiesAtItsStart) {
+  auto path = line({20, 10}, {20, 90});
+  path->lineToPoint({90, 10});
+  path->closePath();
+  const auto back = removeLastElements(*path, 1);
+  ASSERT_EQ(back->elementAtIndex(back->elementCount() - 1), NSClosePathBezierPathElement);
+  const auto info = getArrowInfoWithStyle(*back, 1, 1);
+  ASSERT_NE(info->endArrowPath(), nullptr);
+  expectNear(pointOf(*info->endArrowPath(), 0), {20, 10}, "tip");
+  expectNear(pointOf(*info->endArrowPath(), 1), {20 + 2 * kR, 12}, "base");
+
+  // The move behind the close leaves no segment to lay a head on.
+  EXPECT_EQ(getArrowInfoWithStyle(*path, 1, 1)->endArrowPath(), nullptr);
+  auto dot = NSBezierPath::bezierPath();
+  dot->moveToPoint({50, 50});
+  dot->closePath();
+  dot->removeElementsFrom(2);
+  EXPECT_EQ(getArrowInfoWithStyle(*dot, 2, 1)->startArrowPath(), nullptr);
+}
+
 TEST(ArrowGeometry, DirectionsOfHeads) {
   struct Case {
     NSPoint from, to, base1;

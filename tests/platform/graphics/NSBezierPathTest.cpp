@@ -95,6 +95,20 @@ TEST(NSBezierPath, ReversesEachSubpathOnItsOwn) {
   EXPECT_EQ(reversed->bezierPathByReversingPath()->data().points, path->data().points);
 }
 
+TEST(NSBezierPath, ClosesEndWhereTheirSubpathBegan) {
+  auto path = NSBezierPath::bezierPath();
+  path->moveToPoint({3, 4});
+  path->lineToPoint({10, 0});
+  path->closePath();
+  path->moveToPoint({50, 60});
+  path->lineToPoint({70, 60});
+  path->closePath();
+  path->removeElementsFrom(6);
+  ASSERT_EQ(verbsOf(*path), "MLZMLZ") << "not every archive has the move behind a close";
+  EXPECT_EQ(endOf(*path, 2), NSMakePoint(3, 4)) << "not where the next subpath begins";
+  EXPECT_EQ(endOf(*path, 5), NSMakePoint(50, 60));
+}
+
 TEST(NSBezierPath, ElementsCanBeMovedAndDropped) {
   auto path = NSBezierPath::bezierPath();
   path->moveToPoint({0, 0});
