@@ -54,7 +54,6 @@ NSRect DrawBase::drawRect() const {
 
 NSRect DrawBase::renderedRect() const {
   NSRect rect = drawRect();
-  const NSRect drawn = rect;
   if (hasShadowInForce()) {
     const NSSize offset = shadow_->shadowOffset();
     NSRect cast = NSOffsetRect(rect, offset.width, offset.height);
@@ -64,11 +63,12 @@ NSRect DrawBase::renderedRect() const {
   if (bEnableReflection_ && fReflection_ > 0) {
     const auto distance =
         static_cast<CGFloat>(std::max(fReflectionDis_, kLowestReflectionDistance));
-    // At least the full height is reserved, although the picture shows at most that.
+    // At least the full height is reserved, that of the shadow too, although the picture shows at
+    // most the draw's.
     const auto height =
-        static_cast<CGFloat>(static_cast<float>(std::max(fReflection_, 1.0F) * NSHeight(drawn)));
+        static_cast<CGFloat>(static_cast<float>(std::max(fReflection_, 1.0F) * NSHeight(rect)));
     rect = NSUnionRect(
-        rect, NSMakeRect(NSMinX(drawn), NSMinY(drawn) - distance - height, NSWidth(drawn), height));
+        rect, NSMakeRect(NSMinX(rect), NSMinY(rect) - distance - height, NSWidth(rect), height));
   }
   return NSIntegralRect(rect);
 }

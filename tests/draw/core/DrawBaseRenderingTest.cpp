@@ -279,6 +279,11 @@ TEST(DrawBaseRendering, ReflectionsFadeBelowTheDraw) {
   EXPECT_EQ(canvas.at(80, 30), kClear);
   EXPECT_EQ(canvas.at(80, 80), (Pixel{0, 0, 0, 255}));
   EXPECT_TRUE(square->enableShadow());
+  // Room is reserved as if it were: draw and shadow are (20, 35, 55, 65) together.
+  square->setShadow(shadow({10, -20}, 5, NSColor::blackColor()));
+  square->setReflectionDis(0);
+  square->setReflection(0.5);
+  EXPECT_EQ(square->renderedRect(), NSMakeRect(20, -30, 55, 130));
 }
 
 TEST(DrawBaseRendering, GradientStrokesAndDashes) {
