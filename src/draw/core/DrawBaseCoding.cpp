@@ -176,7 +176,7 @@ std::shared_ptr<NSData> DrawBase::encodedDataWithDraws(const DrawArray& draws) {
 
 namespace {
 
-std::shared_ptr<NSArray> drawsObject(const std::shared_ptr<const NSData>& data) {
+std::shared_ptr<NSArray> decodedList(const std::shared_ptr<const NSData>& data) {
   NSKeyedUnarchiver unarchiver(data);
   if (!unarchiver.containsValueForKey(kPaintDraws)) {
     return std::dynamic_pointer_cast<NSArray>(NSKeyedUnarchiver::unarchiveObjectWithData(data));
@@ -189,26 +189,32 @@ std::shared_ptr<NSArray> drawsObject(const std::shared_ptr<const NSData>& data) 
   return unarchiver.decodeObjectOfClass<NSArray>(kPaintDraws);
 }
 
-}  // namespace
-
-std::optional<DrawArray> DrawBase::drawsFromEncodedData(const std::shared_ptr<const NSData>& data) {
-  if (data == nullptr || data->length() == 0) return std::nullopt;
+/// The list in an archive of draws; null when it is empty or cannot be read.
+std::shared_ptr<NSArray> listFromEncodedData(const std::shared_ptr<const NSData>& data) {
+  if (data == nullptr || data->length() == 0) return nullptr;
   try {
-    const auto array = drawsObject(data);
-    if (array == nullptr || array->count() == 0) return std::nullopt;
-    DrawArray draws;
-    for (const auto& object : *array) {
-      if (auto draw = std::dynamic_pointer_cast<DrawBase>(object)) draws.push_back(std::move(draw));
-    }
-    return draws;
+    auto list = decodedList(data);
+    return list != nullptr && list->count() > 0 ? list : nullptr;
   } catch (const NSException&) {
-    return std::nullopt;
+    return nullptr;
   }
 }
 
+}  // namespace
+
+std::optional<DrawArray> DrawBase::drawsFromEncodedData(const std::shared_ptr<const NSData>& data) {
+  const auto list = listFromEncodedData(data);
+  if (list == nullptr) return std::nullopt;
+  DrawArray draws;
+  for (const auto& object : *list) {
+    if (auto draw = std::dynamic_pointer_cast<DrawBase>(object)) draws.push_back(std::move(draw));
+  }
+  return draws;
+}
+
 std::shared_ptr<DrawBase> DrawBase::drawFromEncodedData(const std::shared_ptr<const NSData>& data) {
-  const auto draws = drawsFromEncodedData(data);
-  return draws && !draws->empty() ? draws->front() : nullptr;
+  const auto list = listFromEncodedData(data);
+  return list != nullptr ? std::dynamic_pointer_cast<DrawBase>(*list->begin()) : nullptr;
 }
 
 std::shared_ptr<NSObject> DrawBase::bezierPathData() const {

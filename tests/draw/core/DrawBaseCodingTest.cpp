@@ -2,6 +2,10 @@
 
 #include "draw/core/DrawBase.h"
 #include "draw/shapes/DrawRectangle.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSKeyedArchiver.h"
+#include "platform/foundation/NSString.h"
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSShadow.h"
@@ -134,4 +138,11 @@ TEST_F(DrawBaseCoding, ListsOfDraws) {
   EXPECT_EQ(DrawBase::encodedDataWithDraws({}), nullptr);
   EXPECT_EQ(DrawBase::drawsFromEncodedData(nullptr), std::nullopt);
   EXPECT_EQ(DrawBase::drawsFromEncodedData(madeDocumentData("empty")), std::nullopt);
+
+  // The older form: the list is the root. What is no draw is not taken for the first one.
+  const auto mixed = NSKeyedArchiver::archivedDataWithRootObject(
+      NSArray::arrayWithObjects({NSString::stringWithString("none"), draw}));
+  EXPECT_EQ(DrawBase::drawFromEncodedData(mixed), nullptr);
+  ASSERT_TRUE(DrawBase::drawsFromEncodedData(mixed).has_value());
+  EXPECT_EQ(DrawBase::drawsFromEncodedData(mixed)->size(), 1U);
 }
