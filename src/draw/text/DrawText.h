@@ -70,6 +70,9 @@ class DrawText : public DrawRoundRectangle {
   /// Gives the box the size of its text, at least autoMinSize; the upper left corner stays. Nothing
   /// unless autoResize is on.
   void autoResizeBounds();
+  bool canBeResized() const override {
+    return !isAutoResize() && DrawRoundRectangle::canBeResized();
+  }
   bool shouldCenterTextsVertically() const;
   static CGFloat textContainerlineFragmentPadding() { return 0; }
   static NSSize autoMinSize();

@@ -141,6 +141,14 @@ TEST(DrawAttributes, Capabilities) {
   EXPECT_TRUE(made<DrawImage2>()->canAdjustOpacity());
   EXPECT_FALSE(made<DrawCrop>()->canAdjustOpacity());
   EXPECT_TRUE(made<DrawRectSelection>()->canAdjustOpacity());
+  const auto text = made<DrawText>();
+  const auto label = DrawGroup::initWithDraws({text});
+  for (const bool follows : {true, false}) {
+    text->setAutoResize(follows);
+    EXPECT_EQ(text->canBeResized(), !follows) << "its size is that of the text";
+    EXPECT_EQ(text->canBeResizedFreely(), !follows);
+    EXPECT_EQ(label->canBeResized(), !follows);
+  }
   const auto group = DrawGroup::initWithDraws({line});
   EXPECT_TRUE(line->visibleWithGroup());
   group->setVisible(false);
