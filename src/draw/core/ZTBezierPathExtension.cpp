@@ -27,10 +27,13 @@ std::shared_ptr<NSBezierPath> removeLastElements(const NSBezierPath& path, int64
 }
 
 bool toggleClosePath(NSBezierPath& path) {
+  const int64_t n = path.elementCount();
   if (isPathClosed(path)) {
-    const bool endsWithClose =
-        path.elementAtIndex(path.elementCount() - 1) == NSClosePathBezierPathElement;
-    path.removeElementsFrom(path.elementCount() - (endsWithClose ? 1 : 2));
+    const NSBezierPathElement last = path.elementAtIndex(n - 1);
+    const bool endsWithClose = last == NSClosePathBezierPathElement;
+    // A path that was drawn on after its close stays as it is.
+    if (!endsWithClose && last != NSMoveToBezierPathElement) return false;
+    path.removeElementsFrom(n - (endsWithClose ? 1 : 2));
     return true;
   }
   if (!canClosePath(path)) return false;

@@ -139,4 +139,9 @@ TEST(PathGeometry, PathsOpenAndClose) {
   line->moveToPoint({0, 0});
   line->lineToPoint({1, 1});
   EXPECT_FALSE(toggleClosePath(*line));
+  // Drawn on after a close that an archive has without its move.
+  path->removeElementsFrom(5);
+  path->lineToPoint({20, 20});
+  EXPECT_FALSE(toggleClosePath(*path));
+  EXPECT_EQ(path->elementCount(), 6);
 }
