@@ -25,8 +25,11 @@ NSSize ThumbnailProvider::contextSize(int64_t pixelsWide, int64_t pixelsHigh, NS
   const double ratioH = height / maximumSize.height;
   if (ratioW < 1 && ratioH < 1) return {width, height};
   if (ratioW > ratioH) return {maximumSize.width, std::floor(height / ratioW)};
-  // The width comes from the height here: consumers rely on the square they get.
-  if (ratioH > ratioW) return {std::floor(height / ratioH), maximumSize.height};
+  // The width comes from the height here: consumers rely on the square they get. Only nothing
+  // cannot be stretched to it.
+  if (ratioH > ratioW) {
+    return {pixelsWide > 0 ? std::floor(height / ratioH) : 0, maximumSize.height};
+  }
   return maximumSize;
 }
 

@@ -22,6 +22,6 @@ class PAINT_API ThumbnailProvider : public QLThumbnailProvider {
 
   /// Size of the drawing context for a bitmap of that many pixels: never larger than the bitmap.
   /// A bitmap that is too high relative to its width gets a square context, into which it is
-  /// stretched.
+  /// stretched; one without width gets one without width.
   static NSSize contextSize(int64_t pixelsWide, int64_t pixelsHigh, NSSize maximumSize);
 };

@@ -41,6 +41,9 @@ TEST(ThumbnailProvider, ContextSize) {
       {100, 512, {512, 512}, {512, 512}},
       {3000, 1, {128, 128}, {128, 0}},  // too thin to show
       {0, 0, {128, 128}, {0, 0}},
+      {0, 100, {128, 128}, {0, 100}},
+      {0, 2000, {500, 500}, {0, 500}},  // nothing to stretch
+      {2000, 0, {500, 500}, {500, 0}},
       {400, 300, {200, 100}, {100, 100}},
   };
   for (const Case& c : cases) {
@@ -64,6 +67,12 @@ TEST(ThumbnailProvider, DocumentsAreDrawnOverTheWholeContext) {
   ASSERT_NE(stretched, nullptr);
   EXPECT_EQ(stretched->pixelsWide(), 50);
   EXPECT_EQ(stretched->row(25)[49 * 4 + 2], 255);
+}
+
+TEST(ThumbnailProvider, CanvasesWithoutAreaHaveNoThumbnail) {
+  for (const char* name : {"high empty canvas", "wide empty canvas", "high negative canvas"}) {
+    EXPECT_EQ(replyFor(made(name), {64, 64})->drawnBitmap(), nullptr) << name;
+  }
 }
 
 TEST(ThumbnailProvider, WhatIsNoDocumentGetsAnEmptyReply) {

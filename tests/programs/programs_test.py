@@ -133,7 +133,8 @@ class Programs(unittest.TestCase):
                                   "inner root of an unknown class", "unknown draw", "group chain 10000"],
                               2: ["version 23", "version 23 and broken"],
                               3: ["too large canvas"],
-                              4: ["negative canvas", "nan canvas", "no canvas size", "huge numbers canvas"]}.items():
+                              4: ["negative canvas", "high negative canvas", "high empty canvas", "wide empty canvas",
+                                  "nan canvas", "no canvas size", "huge numbers canvas"]}.items():
             for name in names:
                 self.assert_fails(status, document(name))
 
