@@ -1,8 +1,6 @@
 // The document's file: an outer keyed archive with facts about the file around an inner keyed
 // archive of the PaintManager.
 #include <chrono>
-#include <cmath>
-#include <limits>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -13,6 +11,7 @@
 #include "draw/core/PaintManagerContext.h"
 #include "draw/image/DrawImage.h"
 #include "draw/image/DrawImage2.h"
+#include "platform/foundation/Convert.h"
 #include "platform/foundation/Limits.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSBundle.h"
@@ -45,10 +44,9 @@ double secondsSince1970() {
   return std::chrono::duration<double>(now).count();
 }
 
-/// Toward zero through a 32-bit integer; what does not fit one (NaN too) is an empty side.
+/// Toward zero through a 32-bit integer, whose largest number stands for all that are larger.
 CGFloat wholePixels(CGFloat side) {
-  constexpr CGFloat kMax = std::numeric_limits<int32_t>::max();
-  return std::fabs(side) <= kMax ? static_cast<CGFloat>(static_cast<int32_t>(side)) : 0;
+  return static_cast<CGFloat>(clampToInteger<int32_t>(side));
 }
 
 /// The context of the draws to come; null when the file is older than both facts.

@@ -41,7 +41,9 @@ TEST(PaintManagerArchive, ErrorCodes) {
       {"too large canvas", kPaintDataCanvasTooLarge},
       {"negative canvas", kPaintDataSuccess},
       {"nan canvas", kPaintDataSuccess},
-      {"huge numbers canvas", kPaintDataSuccess},
+      {"huge numbers canvas", kPaintDataCanvasTooLarge},
+      {"canvas beyond 32 bits", kPaintDataCanvasTooLarge},
+      {"no canvas beyond 32 bits", kPaintDataSuccess},
       {"no paint data", kPaintDataUnreadable},
       {"inner is no archive", kPaintDataUnreadable},
       {"inner is an outer archive", kPaintDataUnreadable},
@@ -88,7 +90,7 @@ TEST(PaintManagerArchive, CanvasSizeIsTruncatedText) {
   EXPECT_EQ(madeDocument("no canvas size")->size(), NSZeroSize);
   EXPECT_EQ(madeDocument("negative canvas")->size(), NSMakeSize(-100, 50));
   EXPECT_EQ(madeDocument("nan canvas")->size(), NSZeroSize);
-  EXPECT_EQ(madeDocument("huge numbers canvas")->size(), NSZeroSize);
+  EXPECT_EQ(madeDocument("no canvas beyond 32 bits")->size(), NSMakeSize(2147483647, 0));
 }
 
 TEST(PaintManagerArchive, ResolutionIsStoredOnlyWhenNotZero) {

@@ -347,6 +347,8 @@ def documents():
     yield "wide empty canvas", canvas(0, 0, canvas_size="{5000, 0}").to_bytes()
     yield "nan canvas", canvas(0, 0, canvas_size="{nan, nan}").to_bytes()
     yield "huge numbers canvas", canvas(0, 0, canvas_size="{1e300, 1e300}").to_bytes()
+    yield "canvas beyond 32 bits", canvas(0, 0, canvas_size="{3000000000, 1}").to_bytes()
+    yield "no canvas beyond 32 bits", canvas(0, 0, canvas_size="{3000000000, 0}").to_bytes()
     yield "largest canvas", canvas(20000, 12500).to_bytes()
     yield "too large canvas", canvas(20000, 12501).to_bytes()
     yield "thin canvas", canvas(250000000, 1).to_bytes()
