@@ -62,19 +62,20 @@ std::shared_ptr<PaintManagerContext> decodeContext(NSCoder& coder) {
 /// The facts of the outer archive that the reader wants.
 struct OuterArchive {
   int64_t version = 0;
-  double resolution = 0;
   std::shared_ptr<NSData> paintData;
 };
 
 /// Nothing when the archive holds no document. The inner data of a newer format is not touched.
+/// The resolution is known even when the inner data then turns out to be damaged.
 std::optional<OuterArchive> readOuterArchive(const std::shared_ptr<const NSData>& data,
-                                             bool wantsResolution) {
+                                             double* resolution) {
   NSKeyedUnarchiver unarchiver(data);
   if (!unarchiver.containsValueForKey(kPaintData)) return std::nullopt;
   OuterArchive outer;
   outer.version = unarchiver.decodeIntegerForKey(kVersion);
   if (outer.version > DrawBase::version()) return outer;
-  if (wantsResolution) outer.resolution = unarchiver.decodeDoubleForKey(kResolution);
+  const double stored = resolution != nullptr ? unarchiver.decodeDoubleForKey(kResolution) : 0;
+  if (stored != 0) *resolution = stored;
   outer.paintData = unarchiver.decodeObjectOfClass<NSData>(kPaintData);
   unarchiver.finishDecoding();
   return outer;
@@ -110,10 +111,9 @@ std::shared_ptr<PaintManager> PaintManager::paintMgrWithPaintData(
   fail(kPaintDataUnreadable);
   if (data == nullptr || data->length() == 0) return nullptr;
   try {
-    const auto outer = readOuterArchive(data, resolution != nullptr);
+    const auto outer = readOuterArchive(data, resolution);
     if (!outer) return nullptr;
     if (outer->version > DrawBase::version()) return fail(kPaintDataNewerFormat);
-    if (resolution != nullptr && outer->resolution != 0) *resolution = outer->resolution;
     auto document = std::dynamic_pointer_cast<PaintManager>(
         NSKeyedUnarchiver::unarchiveObjectWithData(outer->paintData));
     if (document == nullptr) return nullptr;

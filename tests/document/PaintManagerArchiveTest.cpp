@@ -103,6 +103,7 @@ TEST(PaintManagerArchive, ResolutionIsStoredOnlyWhenNotZero) {
   EXPECT_EQ(resolutionOf("resolution 0"), 72);
   EXPECT_EQ(resolutionOf("empty"), 72);
   EXPECT_TRUE(std::isnan(resolutionOf("resolution nan")));
+  EXPECT_EQ(resolutionOf("resolution of a damaged file"), 144);
 }
 
 TEST(PaintManagerArchive, EveryDrawClassDecodesAsItself) {

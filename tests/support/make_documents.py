@@ -362,6 +362,7 @@ def documents():
     yield "resolution 144", canvas(10, 10).to_bytes(Resolution=144.0)
     yield "resolution 0", canvas(10, 10).to_bytes(Resolution=0.0)
     yield "resolution nan", canvas(10, 10).to_bytes(Resolution=float("nan"))
+    yield "resolution of a damaged file", canvas(10, 10).to_bytes(Resolution=144.0, PaintData=UID(99))
     yield "no paint data", canvas(10, 10).to_bytes(PaintData=None)
     yield "inner is no archive", canvas(10, 10).to_bytes(inner=b"\0" * 100)
     yield "inner is an outer archive", canvas(10, 10).to_bytes(inner=canvas(10, 10).to_bytes())
