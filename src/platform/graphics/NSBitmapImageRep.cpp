@@ -7,7 +7,14 @@
 
 #include "platform/foundation/Limits.h"
 
-const NSClass NSBitmapImageRep::kClass{"NSBitmapImageRep", &NSObject::kClass,
+namespace {
+
+/// What bitmaps share with pages and the like; archives list it among a bitmap's classes.
+constexpr NSClass kImageRepClass{"NSImageRep", &NSObject::kClass, nullptr};
+
+}  // namespace
+
+const NSClass NSBitmapImageRep::kClass{"NSBitmapImageRep", &kImageRepClass,
                                        NSAllocate<NSBitmapImageRep>};
 
 std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::create(int64_t pixelsWide, int64_t pixelsHigh) {

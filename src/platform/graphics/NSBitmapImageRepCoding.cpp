@@ -84,5 +84,5 @@ void NSBitmapImageRep::encodeWithCoder(NSCoder& coder) const {
   if (file == nullptr) {
     throw NSException(NSInvalidArchiveOperationException, "a bitmap without TIFF representation");
   }
-  coder.encodeInlineData(*file, kTIFFRepresentation);
+  coder.encodeObject(file, kTIFFRepresentation);
 }

@@ -75,6 +75,19 @@ TEST_F(PictureArchive, PatternColorsSurviveWriting) {
   }
 }
 
+TEST_F(PictureArchive, BitmapsOnDisk) {
+  const auto bitmap = randomBitmap(2, 1, 5);
+  const auto archive = NSKeyedArchiver::archivedDataWithRootObject(bitmap);
+  const std::string text = describeArchive(archive->bytes());
+  // The file is an object of its own: who asks for an object is given no bytes that stand inline.
+  EXPECT_NE(text.find("  1 {NSTIFFRepresentation: ->2, $class: ->3}\n  2 data("), std::string::npos)
+      << text;
+  const char* const classes =
+      "  3 {$classname: 'NSBitmapImageRep', "
+      "$classes: ['NSBitmapImageRep', 'NSImageRep', 'NSObject']}\n";
+  EXPECT_NE(text.find(classes), std::string::npos) << text;
+}
+
 TEST_F(PictureArchive, BitmapsSurviveWritingExactly) {
   const auto bitmap = randomBitmap(37, 21, 5);
   for (const bool hasAlpha : {true, false}) {
