@@ -18,6 +18,7 @@ double roundHalfUp(double value) {
 }  // namespace
 
 void LineMetrics::include(const LineMetrics& other) {
+  legacyLeading = std::max(legacyLeading, other.legacyLeading);
   ascent = std::max(ascent, other.ascent);
   descent = std::max(descent, other.descent);
   leading = std::max(leading, other.leading);
@@ -30,7 +31,7 @@ LineMetrics lineMetrics(const ResolvedFont& font, const TextStyle& style, FontLe
   m.descent = roundHalfUp(font.metrics.descent * size);
   const double gap = roundHalfUp(std::max(font.metrics.leading, 0.0) * size);
   if (font.legacyLeading == LegacyLeading::added && gap == 0) {
-    m.ascent += roundHalfUp(kLegacyLeading * (m.ascent + m.descent));
+    m.legacyLeading = roundHalfUp(kLegacyLeading * (m.ascent + m.descent));
   }
   if (leading == FontLeading::used) m.leading = gap;
   m.ascent += std::max(0.0, roundHalfUp(baselineRise(style)));

@@ -4,11 +4,14 @@
 
 /// Extent of a line above and below its baseline, whole points.
 struct LineMetrics {
+  double legacyLeading = 0;  ///< above the ascent: see LegacyLeading
   double ascent = 0;
   double descent = 0;
   double leading = 0;  ///< below the descent
 
-  double height() const { return ascent + descent + leading; }
+  double height() const { return baseline() + descent + leading; }
+  /// From the line's top.
+  double baseline() const { return legacyLeading + ascent; }
   /// Takes the larger of each.
   void include(const LineMetrics& other);
 };

@@ -65,7 +65,7 @@ CGFloat NSLayoutManager::defaultLineHeightForFont(const NSFont& font) const {
 }
 
 CGFloat NSLayoutManager::defaultBaselineOffsetForFont(const NSFont& font) const {
-  return metricsOf(font, leading_).ascent;
+  return metricsOf(font, leading_).baseline();
 }
 
 void NSLayoutManager::drawBackgroundForGlyphRange(const NSRange& range, NSPoint atPoint) {

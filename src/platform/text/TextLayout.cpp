@@ -124,7 +124,7 @@ bool Typesetter::placeVertically(PlacedLine& line, const LineMetrics& metrics,
   const double maximum = layoutLength(style.maximumLineHeight());
   line.height = std::max(multiple > 0 ? natural * multiple : natural, minimum);
   if (maximum > 0) line.height = std::min(line.height, maximum);
-  line.baseline = metrics.ascent + (line.height - natural);
+  line.baseline = metrics.baseline() + (line.height - natural);
   line.top = top_ + gap_;
   const bool fits = line.bottom() <= area_.size.height + kPositionTolerance;
   if (!fits && area_.size.height < kUnboundedSide) {

@@ -50,19 +50,21 @@ TEST_F(NSFontTest, LineHeightsAreTheHosts) {
   struct Case {
     const char* name;
     double size;
+    double legacyLeading;
     double ascent;
     double descent;
     double leading;
   };
   const Case cases[] = {
-      {"TimesNewRomanPSMT", 96, 86, 21, 4}, {"Helvetica", 96, 74 + 19, 22, 0},
-      {"Helvetica", 17, 13 + 3, 4, 0},      {"Helvetica", 12, 9 + 2, 3, 0},
-      {"Menlo-Regular", 12, 11, 3, 0},      {"ArialMT", 48, 43, 10, 2},
+      {"TimesNewRomanPSMT", 96, 0, 86, 21, 4}, {"Helvetica", 96, 19, 74, 22, 0},
+      {"Helvetica", 17, 3, 13, 4, 0},          {"Helvetica", 12, 2, 9, 3, 0},
+      {"Menlo-Regular", 12, 0, 11, 3, 0},      {"ArialMT", 48, 0, 43, 10, 2},
   };
   for (const Case& c : cases) {
     TextStyle style;
     style.font = font(c.name, c.size);
     const LineMetrics m = lineMetrics(*style.font->resolved(), style, FontLeading::used);
+    EXPECT_EQ(m.legacyLeading, c.legacyLeading) << c.name << c.size;
     EXPECT_EQ(m.ascent, c.ascent) << c.name << c.size;
     EXPECT_EQ(m.descent, c.descent) << c.name << c.size;
     EXPECT_EQ(m.leading, c.leading) << c.name << c.size;

@@ -385,6 +385,14 @@ TEST_F(TextLayoutTest, LinesOfSeveralFontsTakeTheLargestOfEachPart) {
   EXPECT_EQ(layout.lines[0].baseline, 12);
   const TextLayout bare = layoutText(text, {{100, 1e9}, 0, FontLeading::ignored});
   EXPECT_EQ(bare.lines[0].height, 12 + 4);
+  // What Helvetica adds to its lines (3 at 16 points: 12, 4) goes on top of the other's ascent.
+  TextStyle helvetica = boxStyle();
+  helvetica.font = std::make_shared<NSFont>("Helvetica", 16);
+  const TextStyle higher = boxStyle(20);  // 16, 4, 0
+  const TextLayout legacy =
+      layoutText(styledText({{u"a", helvetica}, {u"b", higher}}), {{100, 1e9}, 0});
+  EXPECT_EQ(legacy.lines[0].baseline, 3 + 16);
+  EXPECT_EQ(legacy.lines[0].height, 3 + 16 + 4);
   // A character that the font lacks brings its fallback's height.
   const TextLayout fallback = layoutText(styledText({{u"Bb", tall}}), {{100, 1e9}, 0});
   EXPECT_EQ(fallback.runs.size(), 2u);
