@@ -35,6 +35,10 @@ CGFloat usableSize(CGFloat size) {
   return std::isfinite(size) && size > 0 ? std::min(size, kMaxLayoutLength) : kDefaultSize;
 }
 
+bool isKnown(std::string_view name) {
+  return hostFaceNamed(name) || FontRegistry::shared()->installedFace(name) != nullptr;
+}
+
 const char* nameForFlags(int32_t flags) {
   if ((flags & kBoldSystemFlag) != 0) return kBoldSystemName;
   return (flags & kSystemFlag) != 0 ? kSystemName : kDefaultName;
@@ -73,8 +77,7 @@ NSFont::NSFont(std::string fontName, CGFloat pointSize)
 NSFont::~NSFont() = default;
 
 std::shared_ptr<NSFont> NSFont::fontWithName(std::string_view name, CGFloat size) {
-  const bool known = hostFaceNamed(name) || FontRegistry::shared()->installedFace(name) != nullptr;
-  return known ? std::make_shared<NSFont>(std::string(name), size) : nullptr;
+  return isKnown(name) ? std::make_shared<NSFont>(std::string(name), size) : nullptr;
 }
 
 std::shared_ptr<NSFont> NSFont::fontWithDescriptor(const NSFontDescriptor& descriptor,
@@ -107,9 +110,14 @@ bool NSFont::isFixedPitch() const {
   return any(styleOfFontNamed(name_).traits & NSFontTraitMask::fixedPitch);
 }
 
+std::string_view NSFont::drawnName() const {
+  const bool isSystemFont = (flags_ & (kSystemFlag | kBoldSystemFlag)) != 0;
+  return isSystemFont && !isKnown(name_) ? nameForFlags(flags_) : std::string_view(name_);
+}
+
 const std::shared_ptr<const ResolvedFont>& NSFont::resolved() const {
   std::call_once(resolveOnce_,
-                 [this] { resolved_ = FontRegistry::shared()->resolve(name_, size_); });
+                 [this] { resolved_ = FontRegistry::shared()->resolve(drawnName(), size_); });
   return resolved_;
 }
 

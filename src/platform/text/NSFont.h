@@ -64,6 +64,8 @@ class NSFont : public NSObject {
   void encodeWithCoder(NSCoder& coder) const override;
 
  private:
+  /// Of the font to look for: a system font of a name that is not known is any system font.
+  std::string_view drawnName() const;
   CGFloat unitsToPoints(int32_t units) const;
 
   std::string name_;

@@ -255,6 +255,7 @@ TEST_F(NSAttributedStringTest, ArchivedFonts) {
       {"long name", std::string(10000, 'x'), 10},
       {"system", ".AppleSystemUIFont", 13},
       {"bold system", ".AppleSystemUIFontBold", 13},
+      {"other system", ".SFOther-Regular", 20},
       {"nothing", "Helvetica", 12},
       {"old", "Times-Roman", 20},
       {"flat matrix", "Times-Roman", 10},
@@ -276,6 +277,23 @@ TEST_F(NSAttributedStringTest, ArchivedFonts) {
   EXPECT_EQ(described->fontName(), "Didot");
   EXPECT_EQ(described->pointSize(), 30);
   EXPECT_EQ(described->fontDescriptor()->postscriptName(), "Didot");
+}
+
+TEST_F(NSAttributedStringTest, SystemFontsOfUnknownNamesAreDrawnAsOne) {
+  NSKeyedUnarchiver archive(madeArchive("text/fonts"));
+  struct Case {
+    const char* key;
+    double ascent;
+    int weight;
+  };
+  constexpr double kSystemAscent = 0.9521, kHelveticaAscent = 0.77, kMenloAscent = 0.928;
+  for (const Case& c :
+       {Case{"other system", kSystemAscent, 400}, Case{"other bold system", kSystemAscent, 700},
+        Case{"other", kHelveticaAscent, 700}, Case{"plain system", kMenloAscent, 400}}) {
+    const auto font = archive.decodeObjectOfClass<NSFont>(c.key);
+    EXPECT_NEAR(font->ascender(), 20 * c.ascent, 0.01) << c.key;
+    EXPECT_EQ(font->resolved()->style.weight, c.weight) << c.key;
+  }
 }
 
 TEST_F(NSAttributedStringTest, ArchivedParagraphStyles) {
