@@ -1,4 +1,6 @@
 // Embedded bitmaps on the canvas.
+#include <algorithm>
+
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/image/PictureDrawing.h"
@@ -13,11 +15,19 @@ CGContext& port() {
   return *NSGraphicsContext::currentContext()->graphicsPort();
 }
 
+/// How far mitred corners and square caps reach beyond renderedRect.
+CGFloat lineOverhang(const NSBezierPath& path) {
+  constexpr CGFloat kSquareCap = 1.5;
+  const bool miters = path.lineJoinStyle() == LineJoin::miter;
+  return path.lineWidth() / 2 * std::max(kSquareCap, miters ? path.miterLimit() : 0);
+}
+
 }  // namespace
 
 void DrawImage2::drawInImage(NSBitmapImageRep* image) {
   // Cropped documents keep the pictures that fell outside; they are not decoded.
-  if (!mayShow(renderedRect())) return;
+  const CGFloat margin = drawStroke() && bezierPath_ != nullptr ? lineOverhang(*bezierPath_) : 0;
+  if (!mayShow(NSInsetRect(renderedRect(), -margin, -margin))) return;
   // A reflection draws the picture twice; it is made once.
   const auto shown = enableReflection() ? imageForDrawing() : nullptr;
   DrawRoundRectangle::drawInImage(image);

@@ -240,6 +240,18 @@ TEST(PictureDrawing, BitmapsAreMadeOnceAndForWhatShows) {
   }
 }
 
+// The right corner of the turned square lies 14.1 units from its centre, that of the line 28.3
+// more.
+TEST(PictureDrawing, CornersOfLinesReachIntoTheCanvas) {
+  const auto draw = picture(NSMakeRect(-48, 10, 20, 20));
+  draw->setRotateDegree(45);
+  draw->setLineWidth(40);
+  EXPECT_EQ(Drawn(*draw).at(0, 20), kBlack);
+  EXPECT_EQ(Drawn(*draw).at(6, 20), Pixel{});
+  draw->bezierPath()->setLineJoinStyle(LineJoin::bevel);
+  EXPECT_EQ(Drawn(*draw).at(0, 20), Pixel{});
+}
+
 TEST(PictureDrawing, PicturesWithoutBitmapDrawTheirLine) {
   const auto draw = DrawImage2::initWithImage(nullptr);
   draw->setBezierPathWithBounds(NSMakeRect(10, 10, 20, 20));
