@@ -13,7 +13,7 @@ struct _xmlNode;
 // NOLINTEND(bugprone-reserved-identifier)
 
 /// The little of an XML parser that pictures need. Nothing outside the text is ever read: no
-/// network, no files, no external entities; entities are not expanded.
+/// network, no files, no external entities. A text's own entities are expanded in values only.
 namespace SVGNative::xml {
 
 inline constexpr std::string_view kXLinkNamespace = "http://www.w3.org/1999/xlink";
@@ -21,7 +21,7 @@ inline constexpr std::string_view kXLinkNamespace = "http://www.w3.org/1999/xlin
 struct XMLAttributeText {
   std::string_view name;       ///< without its prefix
   std::string_view nameSpace;  ///< the namespace's URI; empty for none
-  /// Nothing when the value contains a reference to an entity of the document: its text is unknown.
+  /// Nothing when the value refers to entities whose texts are too long (limits).
   std::optional<std::string_view> value;
 };
 

@@ -432,6 +432,21 @@ TEST(SVGDocumentTest, BoundsAreTheRenderers) {
   EXPECT_FALSE(parsed.document->GetBoundingBox("x", bounds));
 }
 
+/// As drawing programs write it, addresses of namespaces included.
+TEST(SVGDocumentTest, EntitiesOfTheTextStandInValues) {
+  const Parsed parsed(
+      "<!DOCTYPE svg ["
+      "<!ENTITY svg 'http://www.w3.org/2000/svg'>"
+      "<!ENTITY xlink 'http://www.w3.org/1999/xlink'>"
+      "<!ENTITY line 'L 3&#32;4'><!ENTITY lines '&line; &line;'><!ENTITY lime '#0f0'>"
+      "<!ENTITY file SYSTEM 'file:///etc/hostname'>]>"
+      "<svg xmlns='&svg;' xmlns:xlink='&xlink;' width='30' height='40'>"
+      "<defs><g id='g'><path d='M&#49; 2&lines;z&missing;&file;'/></g></defs>"
+      "<g fill='&lime;'><use xlink:href='#g'/></g></svg>");
+  parsed.document->Render();
+  EXPECT_THAT(parsed.renderer->lines, testing::Contains("path M 1 2 L 3 4 L 3 4 Z fill 0,1,0,1"));
+}
+
 TEST(SVGDocumentTest, DamagedTexts) {
   const auto renderer = std::make_shared<RecordingRenderer>();
   EXPECT_EQ(SVGDocument::CreateSVGDocument("<svg/>", nullptr), nullptr);

@@ -122,11 +122,20 @@ TEST(SVGHostileTextTest, Entities) {
     prolog += "<!ENTITY e" + std::to_string(i) + " '" + inner + "'>";
   }
   prolog += "<!ENTITY g '<path/>'>]>";
-  // None is expanded: neither a value nor an element comes out of them.
+  // Values grow no longer than allowed, and no elements come out of them.
   EXPECT_EQ(rendered("<path/>", prolog)->paths, 1);
   EXPECT_LE(rendered("<path d='&e9;'/>", prolog)->paths, 1);
   EXPECT_EQ(rendered("<path fill='&x;'/>&g;", prolog)->paths, 1);
   rendered("&e9;&x;", prolog);
+}
+
+TEST(SVGHostileTextTest, LongEntitiesInManyValues) {
+  const std::string prolog = "<!DOCTYPE svg [<!ENTITY a '" + std::string(100000, ' ') +
+                             "'><!ENTITY none ''><!ENTITY b '" + repeated("&none;", 10000) + "'>]>";
+  for (const char* value : {"&a;", "&b;"}) {
+    const std::string path = std::string("<path d='M0 0") + value + "h1'/>";
+    EXPECT_EQ(rendered(repeated(path, 20000), prolog)->paths, 20000);
+  }
 }
 
 TEST(SVGHostileTextTest, FilesAreNotIncluded) {

@@ -72,6 +72,10 @@ inline constexpr size_t kMaxDashLengths = 256;
 /// 16 bytes per byte of text.
 inline constexpr int64_t kMaxSvgBytes = int64_t{64} << 20;
 
+/// Bytes that entities may add to the values of an SVG text: each other's texts ten times over and
+/// so on would go on for ever. Drawing programs declare addresses and colours.
+inline constexpr size_t kMaxSvgEntityBytes = size_t{1} << 20;
+
 /// Elements of an SVG text; what librsvg reads. Further ones are left out.
 inline constexpr int64_t kMaxSvgElements = 1'000'000;
 
