@@ -8,6 +8,7 @@
 #include "platform/foundation/NSException.h"
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "platform/foundation/NSString.h"
+#include "platform/text/NSFont.h"
 
 namespace {
 
@@ -38,6 +39,7 @@ bool valuesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NS
   if (const auto* color = as<NSColor>(a)) return zt_isEqualWithColor(color, as<NSColor>(b));
   if (const auto* g = as<NSGradient>(a)) return zt_isEqualWithGradient(g, as<NSGradient>(b));
   if (const auto* shadow = as<NSShadow>(a)) return zt_isEqualWithShadow(shadow, as<NSShadow>(b));
+  if (const auto* font = as<NSFont>(a)) return zt_isEqualWithFont(font, as<NSFont>(b));
   return archivesAreEqual(a, b);
 }
 

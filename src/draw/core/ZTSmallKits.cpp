@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/text/NSFontManager.h"
+
 namespace {
 
 constexpr CGFloat kColorStep = 0.003922;
@@ -58,4 +60,13 @@ bool zt_isEqualWithShadow(const NSShadow* a, const NSShadow* b) {
   if (a->shadowBlurRadius() != b->shadowBlurRadius()) return false;
   if (a->shadowColor() == b->shadowColor()) return true;
   return zt_isEqualWithColor(a->shadowColor().get(), b->shadowColor().get());
+}
+
+bool zt_isEqualWithFont(const NSFont* a, const NSFont* b) {
+  if (a == nullptr || b == nullptr) return false;
+  if (a == b) return true;
+  const NSFontManager& manager = NSFontManager::sharedFontManager();
+  return a->fontName() == b->fontName() && a->pointSize() == b->pointSize() &&
+         manager.traitsOfFont(*a) == manager.traitsOfFont(*b) &&
+         manager.weightOfFont(*a) == manager.weightOfFont(*b);
 }

@@ -4,6 +4,8 @@
 #include "platform/graphics/NSGradient.h"
 #include "platform/graphics/NSShadow.h"
 
+class NSFont;
+
 /// A colour from 0xRRGGBB.
 std::shared_ptr<NSColor> colorWithHex(uint32_t hex, CGFloat alpha);
 /// The gradient with every stop's alpha times `opacity`.
@@ -18,3 +20,5 @@ bool zt_isEqualWithColor(const NSColor* a, const NSColor* b);
 bool zt_isEqualWithGradient(const NSGradient* a, const NSGradient* b);
 /// Equal offset, blur radius and colour.
 bool zt_isEqualWithShadow(const NSShadow* a, const NSShadow* b);
+/// Equal name, size, traits and weight.
+bool zt_isEqualWithFont(const NSFont* a, const NSFont* b);

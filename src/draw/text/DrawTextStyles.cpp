@@ -4,11 +4,11 @@
 
 #include "draw/core/ZTSmallKits.h"
 #include "draw/text/DrawText.h"
-#include "draw/text/TextSmallKits.h"
 #include "draw/text/ZTModifyTextAction.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSString.h"
 #include "platform/text/NSFontManager.h"
+#include "platform/text/NSParagraphStyle.h"
 #include "platform/text/NSTextStorage.h"
 
 namespace {

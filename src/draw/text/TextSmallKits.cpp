@@ -4,7 +4,6 @@
 
 #include <atomic>
 
-#include "platform/text/NSFontManager.h"
 #include "platform/text/NSTextStorage.h"
 
 namespace {
@@ -31,15 +30,6 @@ bool experimentalFeatures() {
 
 void setExperimentalFeatures(bool on) {
   experimental = on;
-}
-
-bool zt_isEqualWithFont(const NSFont* a, const NSFont* b) {
-  if (a == nullptr || b == nullptr) return false;
-  if (a == b) return true;
-  const NSFontManager& manager = NSFontManager::sharedFontManager();
-  return a->fontName() == b->fontName() && a->pointSize() == b->pointSize() &&
-         manager.traitsOfFont(*a) == manager.traitsOfFont(*b) &&
-         manager.weightOfFont(*a) == manager.weightOfFont(*b);
 }
 
 std::shared_ptr<NSLayoutManager> LayoutManagerForDrawText() {

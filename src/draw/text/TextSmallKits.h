@@ -2,11 +2,7 @@
 
 #include <memory>
 
-#include "platform/text/NSFont.h"
 #include "platform/text/NSLayoutManager.h"
-
-/// Equal as a user sees fonts: name, size, traits and weight. Two nulls are not equal.
-bool zt_isEqualWithFont(const NSFont* a, const NSFont* b);
 
 /// The layout manager that texts are measured and drawn with, over one container without limits
 /// and padding: on the main thread always the same one, to be attached to one text at a time; on

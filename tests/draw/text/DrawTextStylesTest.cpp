@@ -1,14 +1,17 @@
 #include <vector>
 
 #include "TextDrawSupport.h"
+#include "draw/core/DrawAttributes.h"
 #include "draw/core/ZTSmallKits.h"
-#include "draw/text/TextSmallKits.h"
 #include "draw/text/ZTModifyTextAction.h"
+#include "platform/foundation/NSKeyedUnarchiver.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSString.h"
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGradient.h"
 #include "platform/text/NSTextStorage.h"
+#include "platform/text/TextClasses.h"
+#include "support/Archives.h"
 
 namespace {
 
@@ -132,6 +135,18 @@ TEST(TextSmallKits, ComparesFontsAsAUserDoes) {
   EXPECT_FALSE(equal("Helvetica", 12, "Helvetica-Bold", 12));
   EXPECT_FALSE(zt_isEqualWithFont(font("Helvetica", 12).get(), nullptr));
   EXPECT_FALSE(zt_isEqualWithFont(nullptr, nullptr));
+
+  // The old document does not say what kind of font it is.
+  registerTextClasses();
+  NSKeyedUnarchiver archive(madeArchive("text/fonts"));
+  const auto old = archive.decodeObjectOfClass<NSFont>("old");
+  const auto with = [](std::shared_ptr<NSFont> font) {
+    auto attributes = std::make_shared<NSMutableDictionary>();
+    attributes->setObject(std::move(font), "Font");
+    return attributes;
+  };
+  EXPECT_TRUE(IsEqualDrawAttributes(with(old).get(), with(font("Times-Roman", 20)).get()));
+  EXPECT_FALSE(IsEqualDrawAttributes(with(old).get(), with(font("Times-Roman", 21)).get()));
 }
 
 TEST(TextSmallKits, ColoursFromNumbersAndFainterGradients) {
