@@ -88,15 +88,13 @@ class EntityExpander {
   bool appendText(const xmlNode* list, int depth, std::string& text) {
     constexpr int kMaxDepth = 40;
     for (const xmlNode* node = list; node != nullptr; node = node->next) {
-      if (node->type == XML_ENTITY_REF_NODE) {
-        const xmlEntity* const entity = internalEntity(node->name);
-        if (entity == nullptr) continue;
-        if (depth == kMaxDepth || !appendText(entity->children, depth + 1, text)) return false;
-      } else {
-        const std::string_view part = view(node->content);
-        if (!spend(part.size())) return false;
-        text += part;
-      }
+      const bool isReference = node->type == XML_ENTITY_REF_NODE;
+      const std::string_view part = isReference ? "" : view(node->content);
+      if (!spend(part.size())) return false;
+      text += part;
+      const xmlEntity* const entity = isReference ? internalEntity(node->name) : nullptr;
+      if (entity == nullptr) continue;
+      if (depth == kMaxDepth || !appendText(entity->children, depth + 1, text)) return false;
     }
     return true;
   }
