@@ -34,7 +34,7 @@ std::vector<uint8_t> encoded(const NSBitmapImageRep& bitmap, NSBitmapImageFileTy
     case NSBitmapImageFileType::JPEG:
       return encodeJPEG(bitmap, compressionFactor);
     case NSBitmapImageFileType::PNG:
-      return encodePNG(bitmap);
+      return encodePNG(bitmap, {.texts = {}, .alpha = PNGAlpha::asInBitmap});
   }
   return {};
 }

@@ -183,6 +183,11 @@ TEST_F(Pictures, BitmapsAreWrittenAsPNGAndWithoutAlphaAsJPEG) {
   EXPECT_EQ(maxDifference(*read->image(), *chart()), 0);
   EXPECT_TRUE(read->image()->hasAlpha());
 
+  // Opaque pixels do not make a bitmap one without alpha, which would be JPEG the next time.
+  const auto twice = throughArchive(throughArchive(DrawImage2::initWithImage(chart(true))));
+  EXPECT_EQ(maxDifference(*twice->image(), *chart(true)), 0);
+  EXPECT_TRUE(twice->image()->hasAlpha());
+
   const auto gray = throughArchive(titled("jpeg"));
   EXPECT_LE(maxDifference(*gray->image(), *titled("jpeg")->image()), 1);
   const std::string opaque = listed(titled("opaque png"));

@@ -19,6 +19,10 @@ bool isOpaque(const NSBitmapImageRep& bitmap) {
   return true;
 }
 
+bool keepsAlpha(const NSBitmapImageRep& bitmap, const PNGOptions& options) {
+  return options.alpha == PNGAlpha::asInBitmap && bitmap.hasAlpha();
+}
+
 /// The library reports errors with longjmp, which must not pass over destructors: everything that
 /// owns something is a member, and write() has plain local variables only.
 class PNGWriter {
@@ -26,7 +30,7 @@ class PNGWriter {
   PNGWriter(const NSBitmapImageRep& bitmap, const PNGOptions& options)
       : bitmap_(bitmap),
         options_(options),
-        opaque_(isOpaque(bitmap)),
+        opaque_(!keepsAlpha(bitmap, options) && isOpaque(bitmap)),
         row_(bitmap.bytesPerRow()),
         png_(png_create_write_struct(PNG_LIBPNG_VER_STRING, this, onError, onWarning)),
         info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}

@@ -13,6 +13,11 @@ enum class PNGEffort : uint8_t {
   small
 };
 
+enum class PNGAlpha : uint8_t {
+  whenNeeded,  ///< no alpha channel when every pixel is opaque
+  asInBitmap   ///< an alpha channel when the bitmap has one
+};
+
 /// A text that goes into the file. The keyword has 1 to 79 characters; both are Latin-1.
 struct PNGText {
   std::string keyword;
@@ -22,9 +27,10 @@ struct PNGText {
 struct PNGOptions {
   PNGEffort effort = PNGEffort::fast;
   std::vector<PNGText> texts;
+  PNGAlpha alpha = PNGAlpha::whenNeeded;
 };
 
-/// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha; without an alpha channel when
-/// every pixel is opaque. Empty when a side is zero or there is no memory.
+/// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha. Empty when a side is zero or
+/// there is no memory.
 PAINT_API std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap,
                                          const PNGOptions& options = {});

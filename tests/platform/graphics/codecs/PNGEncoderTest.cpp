@@ -60,6 +60,9 @@ TEST(PNGEncoder, OpaquePicturesHaveNoAlphaChannel) {
   const ReadBack read = readBack(encodePNG(*bitmap));
   EXPECT_FALSE(read.hasAlpha);
   EXPECT_EQ(std::memcmp(read.pixels.data(), bitmap->bitmapData(), read.pixels.size()), 0);
+  EXPECT_TRUE(readBack(encodePNG(*bitmap, {.texts = {}, .alpha = PNGAlpha::asInBitmap})).hasAlpha);
+  bitmap->setHasAlpha(false);
+  EXPECT_FALSE(readBack(encodePNG(*bitmap, {.texts = {}, .alpha = PNGAlpha::asInBitmap})).hasAlpha);
   bitmap->writableRows(29, 30)[39 * 4 + 3] = 254;
   EXPECT_TRUE(readBack(encodePNG(*bitmap)).hasAlpha);
 }
