@@ -68,6 +68,29 @@ def odd_values():
     return a.to_bytes(root=root)
 
 
+def unknown_attributes():
+    """Runs with attributes of classes that are not known, one of them also outside the text."""
+    a = KeyedArchive()
+    cell = a.obj(["NSTextAttachment", "NSObject"], {"NSCell": a.obj(["SomeCell", "NSObject"], {})})
+    note = a.obj(["SomeNote", "NSObject"], {})
+    root = a.attributed_string("abcdef", [
+        (2, {"NSKern": 1, "NSAttachment": cell}),
+        (3, {"SomeNote": note, "NSKern": 2, "NSPresentationIntent": a.array([note, cell])}),
+        (1, {"NSKern": 3})], "NSTextStorage")
+    a.top = {"root": root, "note": note, "cells": a.array([cell]),
+             "other": a.obj(["SomeOther", "NSObject"], {})}
+    return a.to_bytes()
+
+
+def concrete_classes():
+    """Texts under the names of the classes that implement them."""
+    a = KeyedArchive()
+    record = {"NSString": a.mutable_string("abc"), "NSAttributes": a.dictionary({"NSKern": 7})}
+    for name in "AttributedString", "MutableAttributedString", "TextStorage":
+        a.top["NS" + name] = a.obj(["NSConcrete" + name, "NSObject"], record)
+    return a.to_bytes()
+
+
 def contains_itself():
     a = KeyedArchive()
     root = a.reserve()
@@ -142,6 +165,8 @@ def samples():
     yield "runs_endless_number", runs(b"\xff" * 1000 + b"\x01\x00")
     yield "runs_without_table", without_table()
     yield "odd_values", odd_values()
+    yield "concrete_classes", concrete_classes()
+    yield "unknown_attributes", unknown_attributes()
     yield "contains_itself", contains_itself()
     yield "lone_surrogates", one_style("a\udc00b\ud800")
     yield "fonts", fonts()

@@ -119,6 +119,10 @@ std::vector<std::string> NSCoder::decodableKeys() const {
   refuseDecoding();
 }
 
+bool NSCoder::setLeavesOutUnknownClasses(bool) {
+  refuseDecoding();
+}
+
 bool NSCoder::isDecoding(const NSObject&) const {
   return false;
 }

@@ -85,11 +85,16 @@ class NSCoder {
   virtual std::shared_ptr<NSNumber> decodeNumberForKey(std::string_view key);
   /// The objects of an inline list of references, as collections store theirs. Nothing when the
   /// key is absent, holds something else, or an element is nil. A null entry stands for an object
-  /// that is still being decoded: it leads back to an owner of the list, which must not own it.
+  /// that is left out, or that is still being decoded: it leads back to an owner of the list, which
+  /// must not own it.
   virtual std::optional<std::vector<std::shared_ptr<NSObject>>> decodeObjectsForKey(
       std::string_view key);
   /// The keys of the record being decoded, for classes whose keys differ between writers.
   virtual std::vector<std::string> decodableKeys() const;
+
+  /// Whether objects of unknown classes are left out instead of ending the decoding: they are nil,
+  /// and null entries of lists. Answers what was set before.
+  virtual bool setLeavesOutUnknownClasses(bool leavesOut);
 
   /// True while `object` is allocated by this coder but its initWithCoder has not returned.
   /// Owners must not keep a strong reference to such an object: it would be a cycle.

@@ -1,6 +1,7 @@
 #include "platform/foundation/NSKeyedUnarchiver.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/foundation/FoundationClasses.h"
 #include "platform/foundation/Limits.h"
@@ -199,6 +200,7 @@ void NSKeyedUnarchiver::decodeSlot(Slot& slot, const PropertyListObject& element
     } else if (const auto other = referenceIn(element)) {
       slot.object = resolve(*other);
       slot.height = slots_[*other].height;
+      slot.isLeftOut = slots_[*other].isLeftOut;
       // How high that object is shows only when it is complete.
       if (slots_[*other].state == State::kDecoding) after = State::kUntouched;
     } else {
@@ -218,7 +220,10 @@ void NSKeyedUnarchiver::decodeSlot(Slot& slot, const PropertyListObject& element
 void NSKeyedUnarchiver::decodeInstance(Slot& slot, const PropertyListObject& element) {
   const RecordScope scope(*this, element);
   indexKeys();
-  slot.object = classOfRecord().alloc();
+  const NSClass* const cls = classOfRecord();
+  slot.isLeftOut = cls == nullptr;
+  if (slot.isLeftOut) return;
+  slot.object = cls->alloc();
   records_.back().object = slot.object.get();
   const std::shared_ptr<NSObject> object = slot.object;
   if (!object->initWithCoder(*this)) slot.object = nullptr;
@@ -255,7 +260,12 @@ bool NSKeyedUnarchiver::isDecoding(const NSObject& object) const {
 
 // Classes
 
-const NSClass& NSKeyedUnarchiver::classOfRecord() {
+bool NSKeyedUnarchiver::setLeavesOutUnknownClasses(bool leavesOut) {
+  return std::exchange(leavesOutUnknownClasses_, leavesOut);
+}
+
+/// Null for a class that is unknown and left out.
+const NSClass* NSKeyedUnarchiver::classOfRecord() {
   const auto value = storedValue("$class");
   const auto reference = value ? referenceIn(*value) : std::nullopt;
   if (!reference || *reference == 0 || *reference >= slots_.size()) {
@@ -263,26 +273,27 @@ const NSClass& NSKeyedUnarchiver::classOfRecord() {
   }
   const NSClass*& known = classes_[*reference];
   if (known == nullptr) {
-    known = &classInElement(list_->object(list_->element(objects_, *reference)));
+    known = classInElement(list_->object(list_->element(objects_, *reference)));
   }
-  return *known;
+  return known;
 }
 
 /// The class that a class record names, or the first known one of its substitutes.
-const NSClass& NSKeyedUnarchiver::classInElement(const PropertyListObject& element) const {
+const NSClass* NSKeyedUnarchiver::classInElement(const PropertyListObject& element) const {
   if (element.is(Kind::kDictionary)) charge(element.count() * kBytesPerEntry);
   const PropertyListObject name = list_->find(element, "$classname");
   if (!name.isString()) inconsistent("class record without a name");
   const std::string text = chargedText(name);
-  if (const NSClass* found = NSClassFromString(text)) return *found;
+  if (const NSClass* found = NSClassFromString(text)) return found;
   const PropertyListObject hints = list_->find(element, "$classhints");
   const size_t count = hints.is(Kind::kArray) ? hints.count() : 0;
   charge(count * kBytesPerEntry);
   for (size_t i = 0; i < count; ++i) {
     const PropertyListObject hint = list_->object(list_->element(hints, i));
     const NSClass* found = hint.isString() ? NSClassFromString(chargedText(hint)) : nullptr;
-    if (found != nullptr) return *found;
+    if (found != nullptr) return found;
   }
+  if (leavesOutUnknownClasses_) return nullptr;
   throw NSException(NSInvalidUnarchiveOperationException,
                     "cannot decode object of class (" + text.substr(0, 100) + ")");
 }

@@ -57,6 +57,7 @@ class NSKeyedUnarchiver : public NSCoder {
   std::optional<std::vector<std::shared_ptr<NSObject>>> decodeObjectsForKey(
       std::string_view key) override;
   std::vector<std::string> decodableKeys() const override;
+  bool setLeavesOutUnknownClasses(bool leavesOut) override;
   bool isDecoding(const NSObject& object) const override;
 
  private:
@@ -68,6 +69,8 @@ class NSKeyedUnarchiver : public NSCoder {
     State state = State::kUntouched;
     // Objects below it, itself included, on the longest way down.
     uint16_t height = 0;
+    // Nil for want of its class.
+    bool isLeftOut = false;
   };
 
   /// The keys of a record in the order of their hashes: the hash in the upper half, the position
@@ -94,8 +97,8 @@ class NSKeyedUnarchiver : public NSCoder {
   void decodeSlot(Slot& slot, const PropertyListObject& element);
   void decodeInstance(Slot& slot, const PropertyListObject& element);
   std::shared_ptr<NSObject> plainObject(const PropertyListObject& element) const;
-  const NSClass& classOfRecord();
-  const NSClass& classInElement(const PropertyListObject& element) const;
+  const NSClass* classOfRecord();
+  const NSClass* classInElement(const PropertyListObject& element) const;
   int64_t integerForKey(std::string_view key, int64_t low, int64_t high) const;
   void charge(uint64_t bytes) const;
   std::string chargedText(const PropertyListObject& value) const;
@@ -111,6 +114,7 @@ class NSKeyedUnarchiver : public NSCoder {
   std::unordered_map<std::string_view, Layout> layouts_;
   // Objects being decoded inside each other.
   int depth_ = 0;
+  bool leavesOutUnknownClasses_ = false;
   // What decoding may still copy or list, in bytes.
   mutable uint64_t budget_ = 0;
 };

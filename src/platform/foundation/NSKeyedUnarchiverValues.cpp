@@ -102,9 +102,10 @@ std::optional<std::vector<std::shared_ptr<NSObject>>> NSKeyedUnarchiver::decodeO
   for (size_t i = 0; i < list->count(); ++i) {
     const auto reference = referenceIn(list_->object(list_->element(*list, i)));
     const std::shared_ptr<NSObject> object = reference ? resolve(*reference) : nullptr;
-    if (object == nullptr) return std::nullopt;
+    if (object == nullptr && !(reference && slots_[*reference].isLeftOut)) return std::nullopt;
     // Complete objects have a height, which is quicker to see.
-    const bool isIncomplete = slots_[*reference].height == 0 && isDecoding(*object);
+    const bool isIncomplete =
+        object != nullptr && slots_[*reference].height == 0 && isDecoding(*object);
     objects.push_back(isIncomplete ? nullptr : object);
   }
   return objects;

@@ -37,6 +37,25 @@ class RunReader {
   std::span<const uint8_t> bytes_;
 };
 
+/// Texts may carry attributes of any class, most of which have no part in how they look.
+class AnyAttributeScope {
+ public:
+  explicit AnyAttributeScope(NSCoder& coder)
+      : coder_(coder), before_(coder.setLeavesOutUnknownClasses(true)) {}
+  AnyAttributeScope(const AnyAttributeScope&) = delete;
+  AnyAttributeScope& operator=(const AnyAttributeScope&) = delete;
+  ~AnyAttributeScope() { coder_.setLeavesOutUnknownClasses(before_); }
+
+ private:
+  NSCoder& coder_;
+  bool before_;
+};
+
+std::shared_ptr<NSObject> decodeAttributes(NSCoder& coder) {
+  const AnyAttributeScope scope(coder);
+  return coder.decodeObjectForKey(kAttributesKey);
+}
+
 void appendNumber(std::vector<uint8_t>& bytes, uint64_t value) {
   for (; value >= 0x80; value >>= 7) bytes.push_back(static_cast<uint8_t>(value | 0x80));
   bytes.push_back(static_cast<uint8_t>(value));
@@ -47,7 +66,7 @@ void appendNumber(std::vector<uint8_t>& bytes, uint64_t value) {
 bool NSAttributedString::initWithCoder(NSCoder& coder) {
   setText(utf16FromUTF8(coder.decodeStringForKey(kTextKey).value_or(std::string())), nullptr);
   if (units_.empty()) return true;
-  const std::shared_ptr<NSObject> stored = coder.decodeObjectForKey(kAttributesKey);
+  const std::shared_ptr<NSObject> stored = decodeAttributes(coder);
   if (auto one = std::dynamic_pointer_cast<NSDictionary>(stored)) {
     runs_.back().attributes = std::move(one);
     return true;

@@ -1,9 +1,5 @@
 #include "platform/text/TextClasses.h"
 
-#include <array>
-#include <string_view>
-#include <utility>
-
 #include "platform/text/NSAttributedString.h"
 #include "platform/text/NSFont.h"
 #include "platform/text/NSFontDescriptor.h"
@@ -13,28 +9,12 @@
 
 namespace {
 
-/// Values of attributes that neither layout nor drawing reads. They are decoded to nothing, so that
-/// a text that carries them is still a text.
-template <int kNumber>
-class UnreadAttribute : public NSObject {
- public:
-  static const NSClass kClass;
-  const NSClass& classInfo() const override { return kClass; }
-};
-
-constexpr std::array kUnreadNames = std::to_array<std::string_view>(
-    {"NSTextAttachment", "NSFileWrapper", "NSTextAttachmentCell", "NSCursor", "NSGlyphInfo",
-     "NSTextBlock", "NSTextTable", "NSTextTableBlock", "NSTextList", "NSTextAlternatives"});
-
-template <int kNumber>
-const NSClass UnreadAttribute<kNumber>::kClass{kUnreadNames[kNumber], &NSObject::kClass,
-                                               NSAllocate<UnreadAttribute<kNumber>>};
-
-template <int... kNumbers>
-void registerUnread(std::integer_sequence<int, kNumbers...>) {
-  static constexpr const NSClass* kClasses[] = {&UnreadAttribute<kNumbers>::kClass...};
-  NSRegisterClasses(kClasses);
-}
+/// Names under which some coders leave the classes that the host really makes.
+constexpr NSClass kConcreteClasses[] = {
+    {"NSConcreteAttributedString", &NSAttributedString::kClass, NSAllocate<NSAttributedString>},
+    {"NSConcreteMutableAttributedString", &NSMutableAttributedString::kClass,
+     NSAllocate<NSMutableAttributedString>},
+    {"NSConcreteTextStorage", &NSTextStorage::kClass, NSAllocate<NSTextStorage>}};
 
 }  // namespace
 
@@ -47,9 +27,11 @@ void registerTextClasses() {
                                                   &NSTextTab::kClass,
                                                   &NSAttributedString::kClass,
                                                   &NSMutableAttributedString::kClass,
-                                                  &NSTextStorage::kClass};
+                                                  &NSTextStorage::kClass,
+                                                  &kConcreteClasses[0],
+                                                  &kConcreteClasses[1],
+                                                  &kConcreteClasses[2]};
     NSRegisterClasses(kClasses);
-    registerUnread(std::make_integer_sequence<int, static_cast<int>(kUnreadNames.size())>());
     return true;
   }();
   static_cast<void>(registered);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "TextSupport.h"
+#include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSException.h"
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "platform/foundation/NSKeyedUnarchiver.h"
@@ -205,6 +206,33 @@ TEST_F(NSAttributedStringTest, ValuesOfOtherKindsCountAsNotSet) {
   EXPECT_EQ(style.underline, 1);
   EXPECT_EQ(style.baselineOffset, 2.5);
   EXPECT_EQ(style.paragraph->alignment(), NSTextAlignment::natural);
+}
+
+TEST_F(NSAttributedStringTest, NamesOfConcreteClasses) {
+  NSKeyedUnarchiver coder(madeArchive("text/concrete_classes"));
+  for (const NSClass* cls :
+       {&NSAttributedString::kClass, &NSMutableAttributedString::kClass, &NSTextStorage::kClass}) {
+    const auto text = coder.decodeObjectOfClass<NSAttributedString>(cls->name);
+    ASSERT_NE(text, nullptr) << cls->name;
+    EXPECT_TRUE(text->isMemberOfClass(*cls)) << cls->name;
+    EXPECT_EQ(kernRuns(*text), "3:7") << cls->name;
+  }
+}
+
+TEST_F(NSAttributedStringTest, AttributesOfUnknownClassesAreLeftOut) {
+  NSKeyedUnarchiver coder(madeArchive("text/unknown_attributes"));
+  const auto text = coder.decodeObjectOfClass<NSAttributedString>("root");
+  ASSERT_NE(text, nullptr);
+  EXPECT_TRUE(text->isMemberOfClass(NSTextStorage::kClass));
+  EXPECT_EQ(kernRuns(*text), "2:1 3:2 1:3");
+  EXPECT_EQ(text->attributesAtIndex(0)->count(), 1U);
+  EXPECT_EQ(text->attributesAtIndex(2)->count(), 2U);
+  EXPECT_EQ(text->attributesAtIndex(2)->objectOfClass<NSArray>("NSPresentationIntent")->count(),
+            0U);
+  // They stay nil; what only others refer to is refused as ever.
+  EXPECT_EQ(coder.decodeObjectForKey("note"), nullptr);
+  EXPECT_EQ(coder.decodeObjectOfClass<NSArray>("cells")->count(), 0U);
+  EXPECT_THROW(coder.decodeObjectForKey("other"), NSException);
 }
 
 TEST_F(NSAttributedStringTest, SurvivesTheWayThroughAnArchive) {
