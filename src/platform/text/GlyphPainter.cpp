@@ -50,13 +50,15 @@ struct GlyphPainter::Pen {
   CGAffineTransform transform;
   RGBAColor fill;
   RGBAColor stroke;
-  StrokeStyle line;  ///< of the outline; a width of 0 means none
-  StrokeStyle bold;  ///< of a synthetic bold face, in the fill colour; likewise
+  StrokeStyle line;     ///< of the outline; a width of 0 means none
+  StrokeStyle bold;     ///< of a synthetic bold face, in the fill colour; likewise
+  double pictureAlpha;  ///< pictures have no outline: where only that is drawn they are shown whole
 
   Pen(const ResolvedFont& font, const TextStyle& style) : transform(glyphTransform(font, style)) {
     const RGBAColor foreground = colorOr(style.foreground.get(), {0, 0, 0, 1});
     stroke = colorOr(style.strokeColor.get(), foreground);
     fill = foreground;
+    pictureAlpha = foreground.alpha;
     if (style.strokeWidth > 0) fill.alpha = 0;
     line.width = stroke.alpha > 0 ? strokeWidth(style) : 0;
     line.miterLimit = kMiterLimit;
@@ -157,7 +159,7 @@ const GlyphPainter::Picture& GlyphPainter::picture(const FontFace& face, uint32_
 }
 
 void GlyphPainter::paintPicture(const FontFace& face, uint32_t glyph, const Pen& pen, NSPoint at) {
-  if (!(pen.fill.alpha > 0)) return;
+  if (!(pen.pictureAlpha > 0)) return;
   const Picture& shown = picture(face, glyph);
   if (shown.bitmap == nullptr) return;
   CGAffineTransform place = pen.transform;
@@ -165,7 +167,7 @@ void GlyphPainter::paintPicture(const FontFace& face, uint32_t glyph, const Pen&
   place.ty = at.y;
   const CGContextStateScope state(context_);
   context_.concatenate(place);
-  context_.setAlpha(context_.state().alpha * pen.fill.alpha);
+  context_.setAlpha(context_.state().alpha * pen.pictureAlpha);
   context_.draw(*shown.bitmap, shown.rect);
 }
 

@@ -323,4 +323,7 @@ TEST_F(RealFontTest, EmojiArePicturesAsOpaqueAsTheirText) {
   EXPECT_EQ(p.alpha(1, 1), 0) << "round";
   EXPECT_NEAR(emoji(NSColor::colorWithSRGBRed(0, 0, 0, 0.5)).alpha(25, 20), 128, 1);
   EXPECT_EQ(emoji(NSColor::clearColor()).alpha(25, 20), 0);
+  TextStyle outlined = style(40);
+  outlined.strokeWidth = 3;
+  EXPECT_EQ(Picture({{u"\U0001F600", outlined}}).at(25, 20), middle) << "it has no outline";
 }
