@@ -20,6 +20,7 @@ constexpr uint32_t kHiragana = packed("Hira");
 constexpr uint32_t kKatakana = packed("Kana");
 constexpr uint32_t kHangul = packed("Hang");
 
+constexpr char32_t kZeroWidthJoiner = 0x200d;
 constexpr char32_t kTextSelector = 0xfe0e;
 constexpr char32_t kEmojiSelector = 0xfe0f;
 constexpr char32_t kKeycap = 0x20e3;
@@ -179,7 +180,7 @@ const ResolvedFont* TextItemizer::fontFor(const Paragraph& paragraph, std::u16st
   for (size_t i = 0; i < cluster.size();) {
     const auto [c, units] = characterAt(cluster, i);
     if (missing == 0 && !has(*own->face, c) && !libraries_->isDefaultIgnorable(c)) missing = c;
-    emoji |= c == kEmojiSelector || c == kKeycap || isSkinTone(c);
+    emoji |= c == kEmojiSelector || c == kKeycap || c == kZeroWidthJoiner || isSkinTone(c);
     asText |= c == kTextSelector;
     i += units;
   }

@@ -327,3 +327,13 @@ TEST_F(RealFontTest, EmojiArePicturesAsOpaqueAsTheirText) {
   outlined.strokeWidth = 3;
   EXPECT_EQ(Picture({{u"\U0001F600", outlined}}).at(25, 20), middle) << "it has no outline";
 }
+
+TEST_F(RealFontTest, JoinedSymbolsAreEmoji) {
+  // The text font has both signs, too.
+  for (const auto& [text, isEmoji] :
+       {std::pair{u"\u2642", false}, {u"\u2642\u2640", false}, {u"\u2642\u200d\u2640", true}}) {
+    const TextLayout layout = layoutText(styledText({{text, style(40)}}), {{500, 500}, 0});
+    ASSERT_EQ(layout.runs.size(), 1U);
+    EXPECT_EQ(layout.runs[0].font->face->hasColorBitmaps(), isEmoji);
+  }
+}
