@@ -226,6 +226,8 @@ void SVGDocumentParser::parseGradient(xml::XMLNode node, const AttributeSet& att
 
 void SVGDocumentParser::parseClipPath(xml::XMLNode node, const AttributeSet& attributes) {
   clips_.ParseClipPath(node, attributes, lengths_, clipRule_);
+  // Its shapes may be referred to.
+  parseDefs(node, attributes);
 }
 
 void SVGDocumentParser::ParseShape(xml::XMLNode node, const AttributeSet& attributes) {

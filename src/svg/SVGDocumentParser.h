@@ -26,7 +26,8 @@ ViewBox parseFrame(const AttributeSet& attributes, const LengthContext& lengths,
                    const ViewBox& defaults);
 
 /// Turns XML elements into the tree that is drawn. Elements that are only drawn where something
-/// refers to them (inside "defs", and symbols) are reachable through the map of ids alone.
+/// refers to them (inside "defs" and clip paths, and symbols) are reachable through the map of ids
+/// alone.
 class SVGDocumentParser {
  public:
   /// Elements are made in `memory`, which must outlive them. Every one with an id enters

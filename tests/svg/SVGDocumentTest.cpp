@@ -278,6 +278,11 @@ INSTANTIATE_TEST_SUITE_P(
                  "<defs><path id='p' fill='red'/><path id='p' fill='lime'/>"
                  "</defs><use href='#p'/>",
                  {"save", "path  fill 1,0,0,1", "restore"}},
+        DrawCase{"ToShapesOfClipPaths",
+                 "<clipPath id='c'><path id='p' d='M1 2' fill='lime'/></clipPath>"
+                 "<clipPath id='d'><use href='#p'/></clipPath>"
+                 "<use href='#p' clip-path='url(#d)'/>",
+                 {"save clip((M 1 2) 1 0 0 1 0 0)", "path M 1 2 fill 0,1,0,1", "restore"}},
         // One that reaches itself draws once and stops there.
         DrawCase{"ToThemselves",
                  "<g id='a'><path/><use href='#a'/></g>",
