@@ -39,9 +39,7 @@ LoadedDocument loadDocument(const std::shared_ptr<NSData>& data, std::error_code
 
 ExitStatus writePicture(const char* program, const NSBitmapImageRep& bitmap,
                         const std::string& path) {
-  const std::vector<uint8_t> png = encodePNG(bitmap);
-  if (png.empty()) return fail(program, path, kExitLimitReached, "not enough memory");
-  return writeOutput(program, path, png);
+  return writeOutput(program, path, encodePNG(bitmap));
 }
 
 ExitStatus writeOutput(const char* program, const std::string& path,

@@ -38,7 +38,7 @@ ExitStatus makeThumbnail(const Options& options) {
   const auto thumbnail =
       ThumbnailProvider::replyForImage(std::move(image), {side, side})->drawnBitmap();
   if (thumbnail == nullptr) {
-    return fail(kProgram, options.input, kExitLimitReached, "not enough memory");
+    return fail(kProgram, options.input, kExitLimitReached, "too large a picture");
   }
   return writePicture(kProgram, *thumbnail, options.output);
 }

@@ -26,7 +26,7 @@ struct Renderable {
   std::string reason;
   NSSize size;
   /// The picture no larger than `side` in either direction, in full size when that is 0. Null
-  /// when there is no memory for it.
+  /// when that is too large.
   std::function<Bitmap(int64_t side)> draw;
 };
 
@@ -120,7 +120,7 @@ ExitStatus PictureRun::writeSize(int64_t side) {
   if (bitmap == nullptr) {
     const bool tooLarge = source_.size.width * source_.size.height > limits::kMaxCanvasPixels;
     return tooLarge && side == 0 ? failed(kExitCanvasTooLarge)
-                                 : failed(kExitLimitReached, "not enough memory");
+                                 : failed(kExitLimitReached, "too large a picture");
   }
   if (bitmap->pixelsWide() < 1 || bitmap->pixelsHigh() < 1) return failed(kExitNothingToDraw);
   const std::vector<uint8_t> bytes = encodePicture(*bitmap, format(), request_.quality);
@@ -128,7 +128,7 @@ ExitStatus PictureRun::writeSize(int64_t side) {
       side == 0 ? request_.output : pathForSize(request_.output, side, request_.sizes.size());
   if (bytes.empty()) {
     return fail(kProgram, path, kExitOutputFailed,
-                std::string("too large for ") + nameOf(format()) + ", or not enough memory");
+                std::string("too large for ") + nameOf(format()) + ", or no library for it");
   }
   written_.push_back({path, bitmap->pixelsWide(), bitmap->pixelsHigh(), bytes.size()});
   return writeFile(path, bytes);

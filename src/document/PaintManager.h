@@ -179,10 +179,10 @@ class PAINT_API PaintManager : public NSObject {
   std::shared_ptr<PaintManager> scaledPaintWithSize(NSSize size, ScaleDrawing scaleDrawing) const;
 
   // ---- Composition.
-  /// The composed canvas, refreshed first when needed. Null when there is no memory for it.
+  /// The composed canvas, refreshed first when needed. Null when it is too large.
   std::shared_ptr<NSBitmapImageRep> fullImage();
   /// The same picture of a document that is shown once and not changed: composed in one bitmap, not
-  /// in two, and not kept. Null when there is no memory for it.
+  /// in two, and not kept.
   std::shared_ptr<NSBitmapImageRep> composedImage();
   /// The composed canvas as it stands: maybe null, maybe stale.
   const std::shared_ptr<NSBitmapImageRep>& imageWithoutRefreshing() const { return image_; }

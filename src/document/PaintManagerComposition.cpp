@@ -45,10 +45,9 @@ std::shared_ptr<const NSBitmapImageRep> PaintManager::backgroundMask() const {
 }
 
 void PaintManager::refreshImage() {
+  if (image_ == nullptr && !InitImageRep(size_, &image_)) return clearMemeryBuffer();
   const bool newBuffer = imageBuffer_ == nullptr;
   if (newBuffer) InitImageRep(size_, &imageBuffer_);
-  if (image_ == nullptr) InitImageRep(size_, &image_);
-  if (imageBuffer_ == nullptr || image_ == nullptr) return clearMemeryBuffer();
   // Needed twice, so it is held: the draw itself does not keep what it decodes.
   const auto mask = backgroundMask();
   if (newBuffer || _imageRefreshControl == kRebuildBuffer) rebuildBuffer();

@@ -359,19 +359,27 @@ class Programs(unittest.TestCase):
 
     @unittest.skipIf("PAINT_SANITIZED" in os.environ, "the sanitizers reserve terabytes")
     def test_nothing_is_left_out_for_lack_of_memory(self):
-        # Text, its module or some of its fonts, and pictures go missing or the thumbnail does.
-        for example in ("text", "poster", "composition"):
+        # Text, its module or some of its fonts, pictures and filters go missing or the output does.
+        tool, render = (THUMBNAILER,), (PAINTDOC, "render")
+        most = range(13312, 98304, 1500)
+        for program, example, output, limits in (
+                (tool, "text", "png", most), (tool, "poster", "png", most), (tool, "composition", "png", most),
+                (tool, "pictures", "png", range(60000, 120000, 1500)), (tool, "filters", "png", range(8448, 11264, 64)),
+                (render, "filters", "png", range(8448, 11264, 64)), (render, "filters", "jpg", range(9216, 16384, 200)),
+                (render, "filters", "webp", range(9216, 16384, 200)), (render, "filters", "tiff", range(9216, 24576, 400))):
             path = os.path.join(EXAMPLES, example + ".paintdoc")
-            self.assertEqual(run(THUMBNAILER, path, self.out).returncode, 0)
-            whole = read(self.out)
+            out = f"{self.out}.{output}"
+            self.assertEqual(run(*program, path, out).returncode, 0)
+            whole = read(out)
             ends = collections.Counter()
-            for limit in range(13312, 98304, 1500):
-                result = run("bash", "-c", 'ulimit -v "$0"; exec "$@"', str(limit), THUMBNAILER, path, self.out)
+            for limit in limits:
+                result = run("bash", "-c", 'ulimit -v "$0"; exec "$@"', str(limit), *program, path, out)
                 ends[result.returncode] += 1
                 if result.returncode == 0:
-                    self.assertEqual(read(self.out), whole, (example, limit))
-            self.assertGreater(ends[0], 0, ends)
-            self.assertGreater(ends[75], 0, ends)
+                    self.assertEqual(read(out), whole, (example, output, limit))
+            self.assertGreater(ends.pop(0, 0), 0, (example, output))
+            self.assertGreater(ends.pop(75, 0), 0, (example, output))
+            self.assertLessEqual(set(ends), {127}, (example, output))  # the loader's
 
     def test_processor_time_is_limited(self):
         self.assert_limited(b"time limit", THUMBNAILER, "--limit-time", "1", document("hours of painting"), self.out)

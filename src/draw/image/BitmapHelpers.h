@@ -8,7 +8,7 @@
 
 // Functions that make bitmaps of bitmaps. Arguments never change, except those of the two clearing
 // functions; results are new and have an alpha channel. Rectangles are in pixels, origin bottom
-// left, y upwards. A null bitmap gives null, and so does a result that there is no memory for.
+// left, y upwards. A null bitmap gives null, and so does a result that is too large.
 
 using NSBitmapImageRepPointer = std::shared_ptr<NSBitmapImageRep>;
 

@@ -37,7 +37,7 @@ class ImageFilterMembers {
 
   /// The bitmap filtered, and limited to the scissor (NSBezierPath or ImageMask, in pixels of the
   /// bitmap, y upwards) where the type heeds one: transparent outside. Settings and scissor may be
-  /// null. Null for no bitmap, an unknown type, or no memory.
+  /// null. Null for no bitmap, or an unknown type.
   static std::shared_ptr<NSBitmapImageRep> image(const std::shared_ptr<NSBitmapImageRep>& image,
                                                  int64_t withFilter, const NSDictionary* settings,
                                                  const NSObject* scissor);

@@ -12,7 +12,7 @@ class NSDictionary;
 
 // Functions that make filtered bitmaps of bitmaps. Arguments never change and results are new,
 // except where it is said that the argument itself comes back. A null bitmap gives null, and so
-// does a result that there is no memory for. Coordinates are pixels, y upwards from the bitmap's
+// does a result that is too large for a bitmap. Coordinates are pixels, y upwards from the bitmap's
 // lower left corner.
 
 /// Whether a picture goes on beyond its edges with their pixels while it is filtered; the result

@@ -43,7 +43,7 @@ class DrawMagicSelection : public DrawBase {
   bool isSelectTool() const override { return true; }
 
   /// Searches a copy of the document's picture from a pixel of it, with a tolerance of 0 to 255.
-  /// Null for points outside the picture and when there is no memory.
+  /// Null for points outside the picture.
   static std::shared_ptr<DrawMagicSelection> initWithPoint(NSPoint point, uint32_t tolerance,
                                                            const NSBitmapImageRep& fullImage);
   /// Whether everything but the pixels found is selected.

@@ -22,10 +22,6 @@ size_t lengthOf(int32_t first, int32_t last) {
   return static_cast<size_t>(last) - static_cast<size_t>(first) + 1;
 }
 
-std::unique_ptr<uint8_t[]> byteMap(size_t count) {
-  return std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[count]);
-}
-
 }  // namespace
 
 std::shared_ptr<ImageFill> ImageFill::initWithImage(std::shared_ptr<NSBitmapImageRep> image,
@@ -39,16 +35,15 @@ std::shared_ptr<ImageFill> ImageFill::initWithImage(std::shared_ptr<NSBitmapImag
   fill->h_ = static_cast<int32_t>(fill->imgSrc_->pixelsHigh());
   fill->xStart_ = static_cast<int32_t>(x);
   fill->yStart_ = fill->h_ - 1 - static_cast<int32_t>(y);
-  return fill->measureTolerances() ? fill : nullptr;
+  fill->measureTolerances();
+  return fill;
 }
 
-bool ImageFill::measureTolerances() {
-  tolerance_ = byteMap(pixelCount());
-  if (tolerance_ == nullptr) return false;
+void ImageFill::measureTolerances() {
+  tolerance_ = std::make_unique_for_overwrite<uint8_t[]>(pixelCount());
   const auto* pixels = reinterpret_cast<const uint32_t*>(imgSrc_->bitmapData());
   maxTolerance_ =
       colorDistances(tolerance_.get(), pixels, pixelCount(), pixels[indexOf(xStart_, yStart_)]);
-  return true;
 }
 
 void ImageFill::setFillColor(const NSColor* color) {
@@ -79,8 +74,7 @@ void ImageFill::fillWithTolerance(uint32_t tolerance) {
     toleranceSearch_ = tolerance;
     return;
   }
-  if (search_ == nullptr) search_ = byteMap(pixelCount());
-  if (search_ == nullptr) return;
+  if (search_ == nullptr) search_ = std::make_unique_for_overwrite<uint8_t[]>(pixelCount());
   // A smaller region starts anew; a larger one is painted over the old.
   if (imgDst_ != nullptr && toleranceSearch_ > tolerance) imgDst_->clear();
   bPainted_ = false;
@@ -127,8 +121,8 @@ const std::shared_ptr<NSBitmapImageRep>& ImageFill::fillImage() {
 
 void ImageFill::paintRegion() {
   if (bPainted_) return;
+  if (imgDst_ == nullptr) imgDst_ = NSBitmapImageRep::create(w_, h_);
   bPainted_ = true;
-  if (imgDst_ == nullptr && !InitImageRep(imgSrc_->size(), &imgDst_)) return;
   const size_t width = lengthOf(x1_, x2_);
   std::vector<uint8_t> mask(width);
   for (int32_t y = y1_; y <= y2_; ++y) {

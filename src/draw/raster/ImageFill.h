@@ -21,7 +21,7 @@ class NSColor;
 class ImageFill : public NSObject {
  public:
   /// Seeds the search at the pixel whose column and row are the coordinates rounded half away from
-  /// zero. Null without a bitmap, for a seed outside it, and when there is no memory. The bitmap is
+  /// zero. Null without a bitmap, and for a seed outside it. The bitmap is
   /// kept and must not change.
   static std::shared_ptr<ImageFill> initWithImage(std::shared_ptr<NSBitmapImageRep> image,
                                                   NSPoint point);
@@ -67,7 +67,7 @@ class ImageFill : public NSObject {
     int32_t x0, x1, y, dy, from0, from1;
   };
 
-  bool measureTolerances();
+  void measureTolerances();
   size_t pixelCount() const { return static_cast<size_t>(w_) * static_cast<size_t>(h_); }
   size_t indexOf(int32_t x, int32_t y) const {
     return static_cast<size_t>(y) * static_cast<size_t>(w_) + static_cast<size_t>(x);

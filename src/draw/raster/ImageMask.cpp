@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <utility>
 
 #include "draw/raster/MaskKernels.h"
@@ -149,11 +148,7 @@ bool ImageMask::initWithCoder(NSCoder& coder) {
   const int64_t height = coder.decodeIntegerForKey(kHeight);
   xStart_ = coder.decodeIntegerForKey(kXStart);
   yStart_ = coder.decodeIntegerForKey(kYStart);
-  try {
-    return setContents({bytes.begin(), bytes.end()}, width, height);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  return setContents({bytes.begin(), bytes.end()}, width, height);
 }
 
 void ImageMask::encodeWithCoder(NSCoder& coder) const {

@@ -47,10 +47,10 @@ class ImageMask : public NSObject {
   /// The same with the mask's lower left pixel at another place (rounded down).
   void fillImage(NSBitmapImageRep* image, const NSColor* withColor, NSPoint atStartPoint) const;
 
-  /// A new bitmap of the mask's size, filled under the mask. Null when there is no memory.
+  /// A new bitmap of the mask's size, filled under the mask. Null when that is too large.
   std::shared_ptr<NSBitmapImageRep> renderImageWithColor(const NSColor* color) const;
   /// A new bitmap of the part of `image` inside the mask's rectangle, transparent outside the mask.
-  /// Null when that part is empty, the image is null, or there is no memory.
+  /// Null when that part is empty or the image is null.
   std::shared_ptr<NSBitmapImageRep> scissorImage(const NSBitmapImageRep* image) const;
 
   /// Whether the pixel that holds the point is in.

@@ -14,9 +14,9 @@ class CIImage::Recipe {
  public:
   virtual ~Recipe() = default;
   /// Pixels from which all of `wanted`, which is not empty and inside the image, can be read; no
-  /// bitmap when there is no memory.
+  /// bitmap when they are too many for one.
   virtual OperationSource pixels(const Box& wanted) const = 0;
-  /// A new bitmap of such a box; null when there is no memory.
+  /// A new bitmap of such a box; null when that is too large for one.
   virtual std::shared_ptr<NSBitmapImageRep> render(const Box& box) const;
   /// The colour operation that comes last, and what it is applied to.
   virtual const ColorOperation* lastColorOperation() const { return nullptr; }

@@ -1,5 +1,3 @@
-#include <new>
-
 #include "platform/foundation/Limits.h"
 #include "platform/graphics/CGContext.h"
 #include "platform/graphics/pixels/ImageSource.h"
@@ -8,13 +6,8 @@ namespace {
 
 /// Without a bitmap for boxes that are empty or larger than any canvas.
 PixelSurface surfaceFor(const PixelBox& box) {
-  if (box.empty() || box.height() > limits::kMaxCanvasPixels / box.width()) {
-    return PixelSurface(nullptr, 0, 0);
-  }
-  auto bitmap = NSBitmapImageRep::create(box.width(), box.height());
-  // Going on without would leave out what is drawn into it.
-  if (bitmap == nullptr) throw std::bad_alloc();
-  return PixelSurface(std::move(bitmap), box.x0, box.y0);
+  if (box.empty()) return PixelSurface(nullptr, 0, 0);
+  return PixelSurface(NSBitmapImageRep::create(box.width(), box.height()), box.x0, box.y0);
 }
 
 }  // namespace

@@ -22,7 +22,6 @@ std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::create(int64_t pixelsWide, i
   if (pixelsWide > 0 && pixelsHigh > limits::kMaxCanvasPixels / pixelsWide) return nullptr;
   const size_t bytes = static_cast<size_t>(pixelsWide) * static_cast<size_t>(pixelsHigh) * 4;
   ZeroedMemory memory(bytes);
-  if (memory.empty() && bytes > 0) return nullptr;
   return std::shared_ptr<NSBitmapImageRep>(
       new NSBitmapImageRep(pixelsWide, pixelsHigh, std::move(memory)));
 }

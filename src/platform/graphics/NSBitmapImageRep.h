@@ -34,7 +34,7 @@ class PAINT_API NSBitmapImageRep : public NSObject {
   static const NSClass kClass;
 
   /// A transparent bitmap. Null when a side is negative, or when it would hold more pixels than
-  /// limits::kMaxCanvasPixels, or when the system has no memory for it.
+  /// limits::kMaxCanvasPixels; throws std::bad_alloc when the system has no memory for it.
   static std::shared_ptr<NSBitmapImageRep> create(int64_t pixelsWide, int64_t pixelsHigh);
 
   /// An empty bitmap of 0 by 0 pixels; archives allocate this before decoding.
@@ -87,7 +87,7 @@ class PAINT_API NSBitmapImageRep : public NSObject {
   /// Makes every pixel transparent; the memory of large bitmaps goes back to the system.
   void clear();
 
-  /// A copy of the pixels; null when there is no memory.
+  /// A copy of the pixels.
   std::shared_ptr<NSBitmapImageRep> copy() const;
 
  private:

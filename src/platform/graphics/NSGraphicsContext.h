@@ -65,7 +65,7 @@ class ZTFocusScope {
 };
 
 /// Makes a transparent bitmap of the size truncated to whole pixels. Null, and false, for sides
-/// that are negative or not finite and where NSBitmapImageRep::create fails.
+/// that are negative or not finite and where NSBitmapImageRep::create gives none.
 bool InitImageRep(const NSSize& size, std::shared_ptr<NSBitmapImageRep>* bitmap);
 
 // The calls below draw into the current context, and do nothing without one.

@@ -66,7 +66,6 @@ std::shared_ptr<NSBitmapImageRep> movedPixels(const NSBitmapImageRep& source,
   const int64_t height = source.pixelsHigh();
   auto result = move.transposed ? NSBitmapImageRep::create(height, width)
                                 : NSBitmapImageRep::create(width, height);
-  if (result == nullptr) return nullptr;
   if (move.transposed) {
     moveColumns(source, move, *result);
   } else {

@@ -16,7 +16,6 @@ struct PixelMove {
 inline constexpr PixelMove kQuarterTurnClockwise{true, true, false};
 inline constexpr PixelMove kQuarterTurnCounterclockwise{true, false, true};
 
-/// A new bitmap with the same pixels in other places; transposing exchanges its sides. Null when
-/// there is no memory.
+/// A new bitmap with the same pixels in other places; transposing exchanges its sides.
 std::shared_ptr<NSBitmapImageRep> movedPixels(const NSBitmapImageRep& source,
                                               const PixelMove& move);

@@ -67,7 +67,7 @@ class Resampler {
 };
 
 /// A part of a bitmap, in pixels with rows counted from the top, stretched to a new size; null when
-/// NSBitmapImageRep::create fails.
+/// that is too large for a bitmap.
 std::shared_ptr<NSBitmapImageRep> resampledPart(const NSBitmapImageRep& source, const NSRect& part,
                                                 int64_t width, int64_t height);
 

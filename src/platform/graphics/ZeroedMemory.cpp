@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace {
@@ -42,7 +43,8 @@ uint8_t* map(size_t bytes) {
 ZeroedMemory::ZeroedMemory(size_t bytes) {
   if (bytes == 0) return;
   data_ = bytes < kMapped ? static_cast<uint8_t*>(std::calloc(bytes, 1)) : map(bytes);
-  if (data_ != nullptr) bytes_ = bytes;
+  if (data_ == nullptr) throw std::bad_alloc();
+  bytes_ = bytes;
 }
 
 ZeroedMemory::ZeroedMemory(ZeroedMemory&& other) noexcept

@@ -12,7 +12,7 @@
 class ZeroedMemory {
  public:
   ZeroedMemory() = default;
-  /// Empty when the system has no memory.
+  /// Throws std::bad_alloc when the system has no memory. Empty for none.
   explicit ZeroedMemory(size_t bytes);
   ZeroedMemory(ZeroedMemory&& other) noexcept;
   ZeroedMemory& operator=(ZeroedMemory&& other) noexcept;

@@ -24,7 +24,7 @@ class PAINT_API QLThumbnailReply {
 
   /// What the thumbnail service does with a reply: makes a bitmap of the context size (truncated to
   /// whole pixels), makes it the current context and runs the block. Null when the block answers
-  /// false and when there is no memory for the bitmap.
+  /// false and when the bitmap would be too large.
   std::shared_ptr<NSBitmapImageRep> drawnBitmap() const;
 
  private:

@@ -1,5 +1,6 @@
 #include "platform/graphics/codecs/DecodedPicture.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/graphics/PixelMoves.h"
@@ -21,7 +22,12 @@ PixelMove uprighting(int orientation) {
 
 uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   if (info.width <= 0 || info.height <= 0) return nullptr;
-  bitmap_ = NSBitmapImageRep::create(info.width, info.height);
+  try {
+    bitmap_ = NSBitmapImageRep::create(info.width, info.height);
+  } catch (const std::bad_alloc&) {
+    // Codecs may stand on C code, which nothing may be thrown through.
+    lacksMemory_ = true;
+  }
   if (bitmap_ == nullptr) return nullptr;
   layout_ = info.layout;
   orientation_ = info.exif.empty() ? info.orientation : exifOrientation(info.exif);
@@ -52,6 +58,7 @@ void DecodedPicture::finish(int64_t first, int64_t end) {
 }
 
 std::shared_ptr<NSBitmapImageRep> DecodedPicture::take() {
+  if (lacksMemory_) throw std::bad_alloc();
   if (bitmap_ == nullptr || bitmap_->usedRows().empty()) return nullptr;
   if (orientation_ <= 1 || orientation_ > 8) return std::move(bitmap_);
   return movedPixels(*std::exchange(bitmap_, nullptr), uprighting(orientation_));

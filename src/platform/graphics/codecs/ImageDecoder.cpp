@@ -1,6 +1,7 @@
 #include "platform/graphics/codecs/ImageDecoder.h"
 
 #include <cstring>
+#include <new>
 #include <string_view>
 
 #include "platform/LoadableModule.h"
@@ -44,8 +45,11 @@ const PictureCodec* webpCodec() {
 std::vector<uint8_t> encode(const PictureCodec* codec, const NSBitmapImageRep& bitmap,
                             double quality) {
   if (codec == nullptr || bitmap.pixelsWide() == 0 || bitmap.pixelsHigh() == 0) return {};
-  return codec->encode(
-      {bitmap.pixelsWide(), bitmap.pixelsHigh(), bitmap.bitmapData(), bitmap.hasAlpha()}, quality);
+  const PictureSource source{bitmap.pixelsWide(), bitmap.pixelsHigh(), bitmap.bitmapData(),
+                             bitmap.hasAlpha()};
+  std::vector<uint8_t> file;
+  if (!codec->encode(source, quality, file)) throw std::bad_alloc();
+  return file;
 }
 
 }  // namespace

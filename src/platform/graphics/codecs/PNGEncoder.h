@@ -30,7 +30,6 @@ struct PNGOptions {
   PNGAlpha alpha = PNGAlpha::whenNeeded;
 };
 
-/// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha. Empty when a side is zero or
-/// there is no memory.
+/// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha. Empty when a side is zero.
 PAINT_API std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap,
                                          const PNGOptions& options = {});

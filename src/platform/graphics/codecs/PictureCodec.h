@@ -63,9 +63,11 @@ class PictureCodec {
   /// unfinished, a file that is none leaves the target untouched.
   virtual void decode(std::span<const uint8_t> file, PictureTarget& target) const = 0;
 
-  /// The picture as a file; empty when the format or the library cannot. `quality` (0 to 1) is for
-  /// formats that lose some; translucent pixels of formats without alpha appear over black.
-  virtual std::vector<uint8_t> encode(const PictureSource& picture, double quality) const = 0;
+  /// Makes the picture a file, which stays empty when the format cannot hold the picture.
+  /// `quality` (0 to 1) is for formats that lose some; translucent pixels of formats without alpha
+  /// appear over black. Answers false when there is no memory.
+  virtual bool encode(const PictureSource& picture, double quality,
+                      std::vector<uint8_t>& file) const = 0;
 };
 
 /// Name and type of the one function that each codec module exports.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 #include "platform/TargetClones.h"
 #include "platform/graphics/pixels/PixelMath.h"
@@ -45,7 +44,6 @@ VECTOR_CLONES void blockRanges(const uint8_t* covers, int32_t blocks, uint8_t* l
 AlphaMask::AlphaMask(const PixelBox& box) {
   if (box.empty()) return;
   bytes_ = ZeroedMemory(static_cast<size_t>(box.width()) * static_cast<size_t>(box.height()));
-  if (bytes_.empty()) throw std::bad_alloc();
   box_ = box;
 }
 

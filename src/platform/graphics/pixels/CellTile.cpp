@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <new>
 
 using grid::kFullArea;
 using grid::kOne;
@@ -231,7 +230,6 @@ void CellTile::reset(int64_t width, int64_t height) {
   if (bytes > memory_.size() || (memory_.size() > kKeptBytes && bytes < memory_.size() / 2)) {
     memory_ = ZeroedMemory();
     memory_ = ZeroedMemory(std::max(bytes, kLeastBytes));
-    if (memory_.empty()) throw std::bad_alloc();
   }
   // Sweeping leaves zeros behind, so the border between the two may move.
   void* const memory = memory_.data();

@@ -77,10 +77,12 @@ bool JPEGWriter::write(const PictureSource& picture, double quality) {
 
 }  // namespace
 
-std::vector<uint8_t> writeJPEG(const PictureSource& picture, double quality) {
+bool writeJPEG(const PictureSource& picture, double quality, std::vector<uint8_t>& file) {
   constexpr int64_t kMaxSide = JPEG_MAX_DIMENSION;
-  if (picture.width > kMaxSide || picture.height > kMaxSide) return {};
+  if (picture.width > kMaxSide || picture.height > kMaxSide) return true;
   JPEGWriter writer;
   const double inRange = quality >= 0 ? std::min(quality, 1.0) : 0;
-  return writer.write(picture, inRange) ? writer.file() : std::vector<uint8_t>();
+  if (!writer.write(picture, inRange)) return false;
+  file = writer.file();
+  return true;
 }

@@ -7,4 +7,4 @@ struct PictureSource;
 
 /// Encodes as PictureCodec::encode says; quality 1 is the library's 100. From 0.9 on colours keep
 /// the full resolution.
-std::vector<uint8_t> writeJPEG(const PictureSource& picture, double quality);
+bool writeJPEG(const PictureSource& picture, double quality, std::vector<uint8_t>& file);

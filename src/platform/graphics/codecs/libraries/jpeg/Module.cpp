@@ -10,8 +10,9 @@ class JPEGCodec final : public PictureCodec {
   void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
     readJPEG(file, target);
   }
-  std::vector<uint8_t> encode(const PictureSource& picture, double quality) const override {
-    return writeJPEG(picture, quality);
+  bool encode(const PictureSource& picture, double quality,
+              std::vector<uint8_t>& file) const override {
+    return writeJPEG(picture, quality, file);
   }
 };
 

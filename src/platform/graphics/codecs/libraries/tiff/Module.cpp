@@ -10,8 +10,8 @@ class TIFFCodec final : public PictureCodec {
   void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
     readTIFF(file, target);
   }
-  std::vector<uint8_t> encode(const PictureSource& picture, double) const override {
-    return writeTIFF(picture);
+  bool encode(const PictureSource& picture, double, std::vector<uint8_t>& file) const override {
+    return writeTIFF(picture, file);
   }
 };
 

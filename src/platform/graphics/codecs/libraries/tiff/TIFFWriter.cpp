@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr int64_t kLargestBlock = int64_t{1} << 28;
+/// Bytes that the library may take at once: more than any row has.
+constexpr int64_t kLargestBlock = int64_t{1} << 30;
 
 void describe(TIFF* tiff, const PictureSource& picture) {
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(picture.width));
@@ -39,18 +40,19 @@ void packRow(const PictureSource& picture, int64_t y, uint8_t* out) {
 
 }  // namespace
 
-std::vector<uint8_t> writeTIFF(const PictureSource& picture) {
+bool writeTIFF(const PictureSource& picture, std::vector<uint8_t>& file) {
   TIFFMemory memory;
   // Big-endian, as the host's own files.
   TIFFHandle tiff = memory.open("wb", kLargestBlock);
-  if (tiff == nullptr) return {};
+  if (tiff == nullptr) return false;
   describe(tiff.get(), picture);
   std::vector<uint8_t> row(static_cast<size_t>(picture.width) * 4);
   for (int64_t y = 0; y < picture.height; ++y) {
     packRow(picture, y, row.data());
-    if (TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) < 0) return {};
+    if (TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) < 0) return false;
   }
-  if (TIFFFlush(tiff.get()) != 1) return {};
+  if (TIFFFlush(tiff.get()) != 1) return false;
   tiff.reset();
-  return memory.takeOutput();
+  file = memory.takeOutput();
+  return true;
 }

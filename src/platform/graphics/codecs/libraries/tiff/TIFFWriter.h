@@ -6,4 +6,4 @@
 struct PictureSource;
 
 /// Encodes as PictureCodec::encode says, without loss: premultiplied alpha, LZW with prediction.
-std::vector<uint8_t> writeTIFF(const PictureSource& picture);
+bool writeTIFF(const PictureSource& picture, std::vector<uint8_t>& file);

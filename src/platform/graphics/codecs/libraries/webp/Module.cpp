@@ -10,8 +10,9 @@ class WebPCodec final : public PictureCodec {
   void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
     readWebP(file, target);
   }
-  std::vector<uint8_t> encode(const PictureSource& picture, double quality) const override {
-    return writeWebP(picture, quality);
+  bool encode(const PictureSource& picture, double quality,
+              std::vector<uint8_t>& file) const override {
+    return writeWebP(picture, quality, file);
   }
 };
 

@@ -30,7 +30,7 @@ class WebPPictureHolder {
     WebPMemoryWriterClear(&writer_);
   }
 
-  std::vector<uint8_t> encode(const PictureSource& source, const WebPConfig& config);
+  bool encode(const PictureSource& source, const WebPConfig& config, std::vector<uint8_t>& file);
 
  private:
   WebPPicture picture_{};
@@ -38,9 +38,9 @@ class WebPPictureHolder {
   bool valid_;
 };
 
-std::vector<uint8_t> WebPPictureHolder::encode(const PictureSource& source,
-                                               const WebPConfig& config) {
-  if (!valid_) return {};
+bool WebPPictureHolder::encode(const PictureSource& source, const WebPConfig& config,
+                               std::vector<uint8_t>& file) {
+  if (!valid_) return true;
   picture_.width = static_cast<int>(source.width);
   picture_.height = static_cast<int>(source.height);
   picture_.use_argb = config.lossless;
@@ -48,19 +48,25 @@ std::vector<uint8_t> WebPPictureHolder::encode(const PictureSource& source,
   const int imported = source.hasAlpha
                            ? WebPPictureImportRGBA(&picture_, straightPixels(source).data(), stride)
                            : WebPPictureImportRGBX(&picture_, source.pixels, stride);
-  if (imported == 0 || WebPEncode(&config, &picture_) == 0) return {};
-  return {writer_.mem, writer_.mem + writer_.size};
+  if (imported == 0 || WebPEncode(&config, &picture_) == 0) {
+    // Other errors are numbers that do not fit into the format.
+    return picture_.error_code != VP8_ENC_ERROR_OUT_OF_MEMORY &&
+           picture_.error_code != VP8_ENC_ERROR_BITSTREAM_OUT_OF_MEMORY &&
+           picture_.error_code != VP8_ENC_ERROR_BAD_WRITE;
+  }
+  file.assign(writer_.mem, writer_.mem + writer_.size);
+  return true;
 }
 
 }  // namespace
 
-std::vector<uint8_t> writeWebP(const PictureSource& picture, double quality) {
-  if (picture.width > WEBP_MAX_DIMENSION || picture.height > WEBP_MAX_DIMENSION) return {};
+bool writeWebP(const PictureSource& picture, double quality, std::vector<uint8_t>& file) {
+  if (picture.width > WEBP_MAX_DIMENSION || picture.height > WEBP_MAX_DIMENSION) return true;
   WebPConfig config;
   const double inRange = quality >= 0 ? std::min(quality, 1.0) : 0;
   if (WebPConfigPreset(&config, WEBP_PRESET_DRAWING, static_cast<float>(inRange * 100)) == 0) {
-    return {};
+    return true;
   }
   if (inRange == 1) WebPConfigLosslessPreset(&config, 1);
-  return WebPPictureHolder().encode(picture, config);
+  return WebPPictureHolder().encode(picture, config, file);
 }

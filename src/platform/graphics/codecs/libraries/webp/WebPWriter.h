@@ -7,4 +7,4 @@ struct PictureSource;
 
 /// Encodes as PictureCodec::encode says; quality 1 is lossless. Colours below an alpha of zero are
 /// not kept.
-std::vector<uint8_t> writeWebP(const PictureSource& picture, double quality);
+bool writeWebP(const PictureSource& picture, double quality, std::vector<uint8_t>& file);
