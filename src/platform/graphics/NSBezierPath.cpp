@@ -22,14 +22,18 @@ std::shared_ptr<NSBezierPath> NSBezierPath::bezierPathWithOvalInRect(const NSRec
 }
 
 void NSBezierPath::append(PathVerb verb, std::initializer_list<NSPoint> points) {
-  firstPoint_.push_back(static_cast<uint32_t>(data_.points.size()));
+  indexElement(verb, static_cast<uint32_t>(data_.points.size()));
   data_.verbs.push_back(verb);
   data_.points.insert(data_.points.end(), points);
 }
 
+void NSBezierPath::indexElement(PathVerb verb, uint32_t nextPoint) {
+  if (verb == PathVerb::move) start_ = nextPoint;
+  firstPoint_.push_back(verb == PathVerb::close ? start_ : nextPoint);
+}
+
 void NSBezierPath::moveToPoint(NSPoint p) {
   const size_t n = data_.verbs.size();
-  start_ = p;
   // The move that a close brought along only stands in for one that did not come.
   if (n >= 2 && data_.verbs[n - 1] == PathVerb::move && data_.verbs[n - 2] == PathVerb::close) {
     data_.points.back() = p;
@@ -51,13 +55,13 @@ void NSBezierPath::curveToPoint(NSPoint end, NSPoint controlPoint1, NSPoint cont
 void NSBezierPath::closePath() {
   if (isEmpty()) return;
   append(PathVerb::close, {});
-  append(PathVerb::move, {start_});
+  append(PathVerb::move, {data_.points[start_]});
 }
 
 void NSBezierPath::removeAllPoints() {
   data_.clear();
   firstPoint_.clear();
-  start_ = {};
+  start_ = 0;
 }
 
 void NSBezierPath::appendShape(const PathData& shape) {
@@ -154,12 +158,8 @@ NSBezierPathElement NSBezierPath::elementAtIndex(int64_t index, NSPoint* points)
   const PathVerb verb = data_.verbs[i];
   if (points != nullptr) {
     const NSPoint* p = data_.points.data() + firstPoint_[i];
-    for (int k = 0; k < pointCount(verb); ++k) points[k] = p[k];
-    if (verb == PathVerb::close) {
-      size_t move = i;
-      while (move > 0 && data_.verbs[move] != PathVerb::move) --move;
-      points[0] = data_.points[firstPoint_[move]];
-    }
+    const int count = verb == PathVerb::close ? 1 : pointCount(verb);
+    for (int k = 0; k < count; ++k) points[k] = p[k];
   }
   return static_cast<NSBezierPathElement>(verb);
 }
@@ -176,13 +176,12 @@ void NSBezierPath::removeElementsFrom(int64_t index) {
   const auto i = static_cast<size_t>(index);
   if (i >= data_.verbs.size()) return;
   data_.verbs.resize(i);
-  data_.points.resize(firstPoint_[i]);
   reindex();
 }
 
 std::optional<NSPoint> NSBezierPath::currentPoint() const {
   if (isEmpty()) return std::nullopt;
-  return data_.verbs.back() == PathVerb::close ? start_ : data_.points.back();
+  return data_.verbs.back() == PathVerb::close ? data_.points[start_] : data_.points.back();
 }
 
 NSRect NSBezierPath::bounds() const {
@@ -195,7 +194,6 @@ NSRect NSBezierPath::controlPointBounds() const {
 
 void NSBezierPath::transformUsingAffineTransform(const NSAffineTransform& transform) {
   for (NSPoint& p : data_.points) p = transform.transformPoint(p);
-  start_ = transform.transformPoint(start_);
 }
 
 void NSBezierPath::setLineDash(std::span<const CGFloat> pattern, CGFloat phase) {
@@ -207,11 +205,12 @@ void NSBezierPath::reindex() {
   firstPoint_.clear();
   firstPoint_.reserve(data_.verbs.size());
   uint32_t next = 0;
+  start_ = 0;
   for (const PathVerb verb : data_.verbs) {
-    firstPoint_.push_back(next);
-    if (verb == PathVerb::move) start_ = data_.points[next];
+    indexElement(verb, next);
     next += static_cast<uint32_t>(pointCount(verb));
   }
+  data_.points.resize(next);
 }
 
 namespace {

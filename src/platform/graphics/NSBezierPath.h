@@ -112,14 +112,16 @@ class NSBezierPath : public NSObject {
 
  private:
   void append(PathVerb verb, std::initializer_list<NSPoint> points);
+  void indexElement(PathVerb verb, uint32_t nextPoint);
   void appendShape(const PathData& shape);
   void reindex();
 
   PathData data_;
-  /// For each element the index of its first point in data_.points.
+  /// For each element the index of its first point in data_.points; for a close that of the point
+  /// where its subpath began.
   std::vector<uint32_t> firstPoint_;
-  /// Where the current subpath began.
-  NSPoint start_;
+  /// The index of the point where the current subpath began.
+  uint32_t start_ = 0;
   CGFloat lineWidth_ = 1;
   CGFloat miterLimit_ = 10;
   CGFloat flatness_ = 0.6;

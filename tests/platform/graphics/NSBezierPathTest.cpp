@@ -107,6 +107,12 @@ TEST(NSBezierPath, ClosesEndWhereTheirSubpathBegan) {
   ASSERT_EQ(verbsOf(*path), "MLZMLZ") << "not every archive has the move behind a close";
   EXPECT_EQ(endOf(*path, 2), NSMakePoint(3, 4)) << "not where the next subpath begins";
   EXPECT_EQ(endOf(*path, 5), NSMakePoint(50, 60));
+  const NSPoint moved{55, 65};
+  path->setAssociatedPoints(&moved, 3);
+  EXPECT_EQ(endOf(*path, 5), moved);
+  EXPECT_EQ(path->currentPoint(), moved);
+  path->closePath();
+  EXPECT_EQ(endOf(*path, 7), moved) << "the move behind a close goes there, too";
 }
 
 TEST(NSBezierPath, ElementsCanBeMovedAndDropped) {
