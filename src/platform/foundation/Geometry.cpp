@@ -28,6 +28,13 @@ bool startsNumber(std::string_view text) {
   return i < text.size() && text[i] >= '0' && text[i] <= '9';
 }
 
+/// What the C library makes of a number that double cannot hold.
+CGFloat outOfRange(std::string_view number) {
+  const bool isTiny = number.find("e-") != number.npos || number.find("E-") != number.npos;
+  const CGFloat size = isTiny ? 0 : HUGE_VAL;
+  return number.front() == '-' ? -size : size;
+}
+
 /// Picks up to four numbers in order of appearance; the rest stay 0.
 std::array<CGFloat, 4> pickNumbers(std::string_view text) {
   std::array<CGFloat, 4> values{};
@@ -39,10 +46,8 @@ std::array<CGFloat, 4> pickNumbers(std::string_view text) {
     }
     const char* first = text.data() + (text[0] == '+' ? 1 : 0);
     const auto [end, error] = std::from_chars(first, text.data() + text.size(), values[count]);
-    if (error == std::errc::result_out_of_range) {
-      // from_chars leaves the value alone; the C library would answer infinity or zero.
-      values[count] = *text.data() == '-' ? -HUGE_VAL : HUGE_VAL;
-    }
+    // The value is left alone then.
+    if (error == std::errc::result_out_of_range) values[count] = outOfRange({first, end});
     text.remove_prefix(std::max<size_t>(1, static_cast<size_t>(end - text.data())));
     ++count;
   }

@@ -28,10 +28,13 @@ TEST(Geometry, ParsingPicksNumbersInOrder) {
       {"nan, inf", {0, 0}},
       {"{, }", {0, 0}},
       {"--3 -4", {-3, -4}},
+      {"{1e-999, -2.5E-400}", {0, 0}},
+      {"{4e-320, 7}", {4e-320, 7}},
   };
   for (const Case& c : cases) EXPECT_EQ(NSSizeFromString(c.text), c.expected) << c.text;
   EXPECT_EQ(NSRectFromString("{{1, 2}, {3, 4}}"), NSMakeRect(1, 2, 3, 4));
-  EXPECT_TRUE(std::isinf(NSSizeFromString("{1e999, 2}").width));
+  EXPECT_EQ(NSSizeFromString("{1e999, 2}"), NSMakeSize(HUGE_VAL, 2));
+  EXPECT_EQ(NSSizeFromString("{-1E+999, 2}"), NSMakeSize(-HUGE_VAL, 2));
 }
 
 TEST(Geometry, RectangleAlgebra) {
