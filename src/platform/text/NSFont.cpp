@@ -21,10 +21,15 @@ constexpr const char* kDefaultName = "Helvetica";
 constexpr const char* kSystemName = ".AppleSystemUIFont";
 constexpr const char* kBoldSystemName = ".AppleSystemUIFontBold";
 
-// Flags of archived fonts.
+// Flags of archived fonts: in the second byte the part that a font of the system plays (titles,
+// labels, menus, ...), 0 for fonts that were chosen by name.
 constexpr int32_t kUserFontFlags = 0x10;
-constexpr int32_t kSystemFlag = 0x400;
-constexpr int32_t kBoldSystemFlag = 0x800;
+constexpr int32_t kBoldSystemRole = 8;
+constexpr int32_t kBoldSmallSystemRole = 13;
+
+int32_t systemRole(int32_t flags) {
+  return flags >> 8 & 0xff;
+}
 
 constexpr size_t kMatrixBytes = 6 * sizeof(float);
 /// Larger factors are damaged values; together with the largest size they would leave the range of
@@ -40,8 +45,9 @@ bool isKnown(std::string_view name) {
 }
 
 const char* nameForFlags(int32_t flags) {
-  if ((flags & kBoldSystemFlag) != 0) return kBoldSystemName;
-  return (flags & kSystemFlag) != 0 ? kSystemName : kDefaultName;
+  const int32_t role = systemRole(flags);
+  if (role == kBoldSystemRole || role == kBoldSmallSystemRole) return kBoldSystemName;
+  return role != 0 ? kSystemName : kDefaultName;
 }
 
 /// An archived matrix holds the size too; the result does not. The identity when the matrix is
@@ -111,8 +117,8 @@ bool NSFont::isFixedPitch() const {
 }
 
 std::string_view NSFont::drawnName() const {
-  const bool isSystemFont = (flags_ & (kSystemFlag | kBoldSystemFlag)) != 0;
-  return isSystemFont && !isKnown(name_) ? nameForFlags(flags_) : std::string_view(name_);
+  return systemRole(flags_) != 0 && !isKnown(name_) ? nameForFlags(flags_)
+                                                    : std::string_view(name_);
 }
 
 const std::shared_ptr<const ResolvedFont>& NSFont::resolved() const {

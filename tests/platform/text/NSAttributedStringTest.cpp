@@ -317,7 +317,11 @@ TEST_F(NSAttributedStringTest, SystemFontsOfUnknownNamesAreDrawnAsOne) {
   constexpr double kSystemAscent = 0.9521, kHelveticaAscent = 0.77, kMenloAscent = 0.928;
   for (const Case& c :
        {Case{"other system", kSystemAscent, 400}, Case{"other bold system", kSystemAscent, 700},
-        Case{"other", kHelveticaAscent, 700}, Case{"plain system", kMenloAscent, 400}}) {
+        Case{"other small bold system", kSystemAscent, 700},
+        Case{"other small system", kSystemAscent, 400},
+        Case{"other mini system", kSystemAscent, 400}, Case{"other label", kSystemAscent, 400},
+        Case{"other menu", kSystemAscent, 400}, Case{"other", kHelveticaAscent, 700},
+        Case{"plain system", kMenloAscent, 400}}) {
     const auto font = archive.decodeObjectOfClass<NSFont>(c.key);
     EXPECT_NEAR(font->ascender(), 20 * c.ascent, 0.01) << c.key;
     EXPECT_EQ(font->resolved()->style.weight, c.weight) << c.key;
