@@ -5,7 +5,8 @@ Every glyph is a box: 0.4 em wide with 0.05 em on either side (so each advance i
 the baseline to 0.7 em. The space is a quarter em wide. Ascent 0.8 em, descent 0.2 em, no leading,
 1000 units to the em. Box also has a kerning pair (A V, -0.1 em), a ligature (f i, 0.8 em), Hebrew
 and Arabic letters, a mark without width and a few general punctuation marks. BoxTall has the
-letters A to Z only, ascent 1.2 em, descent 0.4 em and leading 0.3 em.
+letters A to Z only, ascent 1.2 em, descent 0.4 em and leading 0.3 em. The rest have nothing but the
+names and the styles of faces that stand in for others.
 
 Needs fontTools (Debian: python3-fonttools). The results are kept in the repository, so that tests
 do not; run this again after changing it.
@@ -33,7 +34,7 @@ def box(left, right, top):
     return pen.glyph()
 
 
-def build(name, style_name, characters, vertical, features=""):
+def build(name, style_name, characters, vertical, features="", family=None, weight=400, width=5):
     ascent, descent, gap = vertical
     glyphs = {".notdef": (ADVANCE, box(50, 450, 700)), "space": (SPACE, box(0, 0, 0))}
     cmap = {0x20: "space"}
@@ -55,12 +56,13 @@ def build(name, style_name, characters, vertical, features=""):
     builder.setupHorizontalMetrics({g: (a, 50) for g, (a, _) in glyphs.items()})
     builder.setupHorizontalHeader(ascent=ascent, descent=-descent, lineGap=gap)
     builder.setupNameTable({
-        "familyName": name, "styleName": style_name, "fullName": name + " " + style_name,
+        "familyName": family or name, "styleName": style_name, "fullName": name + " " + style_name,
         "psName": name + "-" + style_name, "version": "1.0", "uniqueFontIdentifier": name,
     })
     builder.setupOS2(sTypoAscender=ascent, sTypoDescender=-descent, sTypoLineGap=gap,
                      usWinAscent=ascent, usWinDescent=descent, sxHeight=500, sCapHeight=700,
-                     yStrikeoutPosition=250, yStrikeoutSize=50)
+                     yStrikeoutPosition=250, yStrikeoutSize=50, usWeightClass=weight,
+                     usWidthClass=width)
     builder.setupPost(underlinePosition=-100, underlineThickness=50)
     if features:
         builder.addOpenTypeFeatures(features)
@@ -81,6 +83,9 @@ def main():
     """
     build("Box", "Regular", everything, (800, 200, 0), features)
     build("BoxTall", "Regular", list(range(0x41, 0x5B)), (1200, 400, 300))
+    build("NimbusSans", "Bold", [0x41], (800, 200, 0), family="Nimbus Sans", weight=700)
+    build("NimbusSansNarrow", "Bold", [0x41], (800, 200, 0), family="Nimbus Sans Narrow", weight=700,
+          width=3)
 
 
 if __name__ == "__main__":

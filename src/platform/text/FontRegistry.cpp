@@ -134,7 +134,11 @@ std::optional<FontRegistry::StandIn> FontRegistry::standIn(const HostFamily& fam
   for (const HostSubstitute& s : family.substitutes) {
     if (wanted.weight < s.minimumWeight || wanted.weight > s.maximumWeight) continue;
     if (size < s.minimumSize) continue;
-    if (const auto face = nearest(s.family, wanted)) return StandIn{*face, s.xScale};
+    std::optional<size_t> face;
+    // Some families have their condensed faces in one of their own.
+    if (wanted.narrow()) face = nearest(std::string(s.family) + " Narrow", wanted);
+    if (!face) face = nearest(s.family, wanted);
+    if (face) return StandIn{*face, s.xScale};
   }
   return std::nullopt;
 }

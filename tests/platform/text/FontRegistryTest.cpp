@@ -34,6 +34,17 @@ TEST_F(FontRegistryTest, AnyFaceStandsInWhenThereIsNoBetterOne) {
   EXPECT_EQ(unknown->slant, 0);
 }
 
+TEST_F(FontRegistryTest, CondensedFacesHaveCondensedStandIns) {
+  const std::string folder = sourcePath("tests/fixtures/fonts/");
+  FontRegistry::useFontFiles({folder + "NimbusSans.ttf", folder + "NimbusSansNarrow.ttf"});
+  const auto registry = FontRegistry::shared();
+  const auto face = [&](const char* name) { return registry->resolve(name, 12)->face; };
+  EXPECT_EQ(face("HelveticaNeue-CondensedBold"), face("NimbusSansNarrow-Bold"));
+  EXPECT_EQ(face("HelveticaNeue-Bold"), face("NimbusSans-Bold"));
+  EXPECT_NE(face("NimbusSans-Bold"), face("NimbusSansNarrow-Bold"));
+  useBoxFonts();
+}
+
 TEST_F(FontRegistryTest, FallbackFindsTheFaceThatHasTheCharacter) {
   const auto registry = FontRegistry::shared();
   const FontStyle regular;
