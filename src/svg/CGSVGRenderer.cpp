@@ -93,17 +93,19 @@ std::shared_ptr<Transform> CGSVGRenderer::CreateTransform() {
 }
 
 void CGSVGRenderer::Save(const GraphicStyleImpl& style) {
-  save(style, Layering::whenTranslucent);
+  save(style, Layering::whenNeeded);
 }
 
-// A group that is opaque looks the same drawn directly and as a layer, and so does one that paints
-// each pixel once at most: then the alpha alone is enough.
+// What paints each pixel once at most looks the same drawn directly and as a layer: then the alpha
+// alone is enough. So does an opaque group, unless the edges of the clip cut pixels: there, what
+// lies below in the group would shine through.
 void CGSVGRenderer::save(const GraphicStyleImpl& style, Layering layering) {
   SVG_ASSERT(context_ != nullptr, kSource);
   context_->saveGState();
   if (style.transform != nullptr) context_->concatenate(matrixOf(style.transform.get()));
   if (style.clippingPath != nullptr) clipTo(*style.clippingPath);
-  const bool layer = layering == Layering::whenTranslucent && style.opacity < 1.0f &&
+  const bool cutsPixels = style.hasSeveralParts && !context_->state().clip.isBox();
+  const bool layer = layering == Layering::whenNeeded && (style.opacity < 1.0f || cutsPixels) &&
                      openLayers_ < limits::kMaxSvgLayers;
   context_->setAlpha(layer || layering == Layering::never ? style.opacity : 1.0);
   if (layer) {
@@ -138,9 +140,11 @@ void CGSVGRenderer::DrawPath(const Path& path, const GraphicStyleImpl& graphicSt
                              const FillStyleImpl& fillStyle, const StrokeStyleImpl& strokeStyle) {
   if (context_ == nullptr) return;
   const auto& drawn = static_cast<const CGSVGPath&>(path);
-  const bool translucentPair =
-      graphicStyle.opacity < 1.0f && fillStyle.hasFill && strokeStyle.hasStroke;
-  if (translucentPair) {
+  const bool isPair = fillStyle.hasFill && strokeStyle.hasStroke;
+  const bool isLayer =
+      isPair && (graphicStyle.opacity < 1.0f || graphicStyle.clippingPath != nullptr ||
+                 !context_->state().clip.isBox());
+  if (isLayer) {
     // The layer should be no larger than the shape.
     context_->saveGState();
     GraphicStyleImpl outer = graphicStyle;
@@ -150,14 +154,14 @@ void CGSVGRenderer::DrawPath(const Path& path, const GraphicStyleImpl& graphicSt
       outer.transform = nullptr;
     }
     context_->clip(NSInsetRect(drawn.path().boundingBox(), -reach, -reach));
-    save(outer, Layering::whenTranslucent);
+    save(outer, Layering::whenNeeded);
   } else {
     save(graphicStyle, Layering::never);
   }
   if (fillStyle.hasFill) fill(drawn, fillStyle);
   if (strokeStyle.hasStroke) stroke(drawn, strokeStyle);
   Restore();
-  if (translucentPair) context_->restoreGState();
+  if (isLayer) context_->restoreGState();
 }
 
 void CGSVGRenderer::fill(const CGSVGPath& path, const FillStyleImpl& style) {

@@ -32,7 +32,7 @@ class CGSVGRenderer : public SVGRenderer {
   Rect GetBounds(const std::function<void()>& draw) override;
 
  private:
-  enum class Layering { never, whenTranslucent };
+  enum class Layering { never, whenNeeded };
   void save(const GraphicStyleImpl& style, Layering layering);
   void clipTo(const ClippingPath& clip);
   void fill(const CGSVGPath& path, const FillStyleImpl& style);

@@ -130,6 +130,7 @@ void SVGDocumentParser::ParseChildren(xml::XMLNode parent, const std::shared_ptr
   groupStack_.push_back(group);
   for (xml::XMLNode node = parent.FirstChild(); node; node = node.NextSibling()) ParseChild(node);
   groupStack_.pop_back();
+  group->style.hasSeveralParts = group->children.size() > 1;
 }
 
 void SVGDocumentParser::ParseChild(xml::XMLNode node) {
@@ -195,6 +196,7 @@ void SVGDocumentParser::parseDefs(xml::XMLNode node, const AttributeSet& attribu
 void SVGDocumentParser::parseUse(xml::XMLNode /*node*/, const AttributeSet& attributes) {
   auto reference = memory_.makeShared<Reference>();
   ParseGraphic(*reference, attributes);
+  reference->style.hasSeveralParts = false;
   reference->style.transform = parsePlacement(attributes, lengths_, renderer_);
   reference->target = referencedId(attributes.text(Attribute::href));
   reference->width = lengths_.ParseLength(attributes, Attribute::width, LengthType::horizontal);

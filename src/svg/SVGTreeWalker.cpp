@@ -58,8 +58,8 @@ void SVGTreeWalker::Visit(const Group& group) {
   renderer_.Save(group.style);
   if (group.viewport == nullptr) {
     walkChildren(group);
-  } else if (const auto styles =
-                 viewportStyles(placedViewport(*group.viewport, placing), renderer_)) {
+  } else if (auto styles = viewportStyles(placedViewport(*group.viewport, placing), renderer_)) {
+    styles->content.hasSeveralParts = group.style.hasSeveralParts;
     renderer_.Save(styles->clip);
     renderer_.Save(styles->content);
     walkChildren(group);

@@ -99,6 +99,7 @@ std::optional<ViewportStyles> viewportStyles(const Viewport& viewport, SVGRender
   transform->Set(map->scaleX, 0.0f, 0.0f, map->scaleY, map->x, map->y);
   ViewportStyles styles;
   styles.clip.clippingPath = std::move(clip);
+  styles.clip.hasSeveralParts = false;
   styles.content.transform = std::move(transform);
   return styles;
 }

@@ -99,6 +99,28 @@ TEST_F(CGSVGRendererTest, OpacityAppliesToFillAndStrokeTogether) {
   EXPECT_EQ(at(4, 4), Pixel{});
 }
 
+// The clip's edge cuts a pixel in half. Whatever is painted below, only what is on top shows there.
+TEST_F(CGSVGRendererTest, NothingBelowShinesThroughWhereAClipCutsPixels) {
+  const std::string red = "<rect width='40' height='40' fill='red'/>";
+  const std::string blue = "<rect width='40' height='40' fill='blue'/>";
+  const std::string cases[] = {
+      "<g clip-path='url(#c)'>" + red + blue + "</g>",
+      "<g clip-path='url(#c)'><g><g>" + red + blue + "</g></g></g>",
+      "<g clip-path='url(#c)'>" + red + "<g>" + red + blue + "</g></g>",
+      "<defs><g id='g'>" + red + blue + "</g></defs><use href='#g' clip-path='url(#c)'/>",
+      "<svg x='10.5' y='10' width='20' height='20' viewBox='5 5 20 20'>" + red + blue + "</svg>",
+      "<rect x='5' y='5' width='30' height='30' fill='red' stroke='blue' stroke-width='20' "
+      "clip-path='url(#c)'/>",
+      "<g clip-path='url(#c)'><rect x='9' y='10' width='9' height='9' fill='red' stroke='blue' "
+      "stroke-width='10'/></g>"};
+  for (const std::string& content : cases) {
+    useContext();
+    draw(content + "<clipPath id='c'><rect x='10.5' y='10' width='20' height='20'/></clipPath>");
+    EXPECT_EQ(at(10, 12), (Pixel{0, 0, 128, 128})) << content;
+    EXPECT_EQ(at(9, 12), Pixel{}) << content;
+  }
+}
+
 TEST_F(CGSVGRendererTest, MitersReachBeyondTheShapeOfTheLayer) {
   useContext();
   // A miter reaches far beyond the path; the layer of the pair must hold it.
