@@ -5,8 +5,6 @@
 #include <system_error>
 
 #include "platform/foundation/FileWriting.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/codecs/PNGEncoder.h"
 
 std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
   auto url = NSURL::URLWithString(argument);
@@ -35,11 +33,6 @@ LoadedDocument loadDocument(const std::shared_ptr<NSData>& data, std::error_code
   loaded.document = PaintManager::paintMgrWithPaintData(data, &loaded.resolution, &code);
   loaded.status = static_cast<ExitStatus>(code);
   return loaded;
-}
-
-ExitStatus writePicture(const char* program, const NSBitmapImageRep& bitmap,
-                        const std::string& path) {
-  return writeOutput(program, path, encodePNG(bitmap));
 }
 
 ExitStatus writeOutput(const char* program, const std::string& path,

@@ -10,8 +10,6 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSURL.h"
 
-class NSBitmapImageRep;
-
 /// The file that an argument means: a path, or a file: URI.
 std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument);
 
@@ -35,7 +33,3 @@ std::shared_ptr<NSData> readInput(const std::string& argument, std::error_code* 
 /// wrong; the file is then as empty as it was, or absent.
 ExitStatus writeOutput(const char* program, const std::string& path,
                        std::span<const uint8_t> bytes);
-
-/// Encodes the bitmap and writes the file as writeOutput does.
-ExitStatus writePicture(const char* program, const NSBitmapImageRep& bitmap,
-                        const std::string& path);

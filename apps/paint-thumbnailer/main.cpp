@@ -8,6 +8,7 @@
 #include "common/ResourceLimits.h"
 #include "extension/ThumbnailProvider.h"
 #include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/codecs/PNGEncoder.h"
 
 namespace {
 
@@ -20,6 +21,14 @@ struct Options {
   int64_t size = 128;
   ResourceLimits limits;
 };
+
+/// What desktops keep with a thumbnail and show as the dimensions of the document.
+std::vector<PNGText> textsFor(NSSize canvas) {
+  const auto pixels = [](CGFloat side) { return std::to_string(static_cast<int64_t>(side)); };
+  return {{"Software", std::string(kProgram) + " " + PAINT_VERSION},
+          {"Thumb::Image::Width", pixels(canvas.width)},
+          {"Thumb::Image::Height", pixels(canvas.height)}};
+}
 
 ExitStatus makeThumbnail(const Options& options) {
   LoadedDocument loaded = loadDocument(*fileURLFromArgument(options.input));
@@ -40,7 +49,7 @@ ExitStatus makeThumbnail(const Options& options) {
   if (thumbnail == nullptr) {
     return fail(kProgram, options.input, kExitLimitReached, "too large a picture");
   }
-  return writePicture(kProgram, *thumbnail, options.output);
+  return writeOutput(kProgram, options.output, encodePNG(*thumbnail, {.texts = textsFor(canvas)}));
 }
 
 ExitStatus run(int argc, char** argv, Options& options) {

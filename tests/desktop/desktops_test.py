@@ -69,7 +69,10 @@ def gnome(folder, uri):
         factory.save_thumbnail(pixbuf, uri, mtime, None)
         path = factory.lookup(uri, mtime)
         check(path == cached(folder, flavor, uri), f"place in the cache: {path}")
-        check(pixels_of(GdkPixbuf.Pixbuf.new_from_file(path)) == expected(folder, SIZES[flavor]), "GNOME's cache")
+        kept = GdkPixbuf.Pixbuf.new_from_file(path)
+        check(pixels_of(kept) == expected(folder, SIZES[flavor]), "GNOME's cache")
+        sides = [kept.get_option("tEXt::Thumb::Image::" + side) for side in ("Width", "Height")]
+        check(sides == ["420", "594"], f"the document's size in GNOME's cache: {sides}")
 
 
 def tumbler(folder, uri):

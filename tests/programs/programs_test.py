@@ -58,6 +58,17 @@ def read_png(path):
     return width, height, channels, rows
 
 
+def png_texts(path):
+    data, texts, position = read(path), {}, 8
+    while position < len(data):
+        length, kind = struct.unpack(">I4s", data[position:position + 8])
+        if kind == b"tEXt":
+            key, _, text = data[position + 8:position + 8 + length].partition(b"\0")
+            texts[key.decode("latin-1")] = text.decode("latin-1")
+        position += length + 12
+    return texts
+
+
 def unfilter(kind, row, above, step):
     for i in range(len(row)):
         left = row[i - step] if i >= step else 0
@@ -110,6 +121,9 @@ class Programs(unittest.TestCase):
         width, height, channels, rows = read_png(self.out)
         self.assertEqual((width, height), (64, 32))
         self.assertEqual({pixel[:3] for row in rows for pixel in row}, {(255, 0, 0)})
+        texts = png_texts(self.out)
+        self.assertRegex(texts.pop("Software"), r"^paint-thumbnailer [0-9]")
+        self.assertEqual(texts, {"Thumb::Image::Width": "100", "Thumb::Image::Height": "50"})
 
     def test_uri_and_default_size(self):
         odd = self.write("a b%41\n\xe9.paintdoc", read(document("tall")))
@@ -227,7 +241,7 @@ class Programs(unittest.TestCase):
                                        "height": height, "bytes": os.path.getsize(picture["file"])})
             self.assertEqual(read_png(picture["file"])[:2], (width, height))
         self.assertEqual(run(THUMBNAILER, "-s", "20", document("red"), self.out).returncode, 0)
-        self.assertEqual(read(self.out), read(os.path.join(self.folder.name, "out-20.png")))
+        self.assertEqual(read_png(self.out), read_png(os.path.join(self.folder.name, "out-20.png")))
         os.makedirs(os.path.join(self.folder.name, "30"))
         result = run(PAINTDOC, "render", document("red"), os.path.join(self.folder.name, "%s", "a"), "30")
         self.assertEqual(read_png(os.path.join(self.folder.name, "30", "a"))[:2], (30, 15))
