@@ -145,6 +145,14 @@ TEST(SVGHostileTextTest, LongEntitiesInManyValues) {
   }
 }
 
+TEST(SVGHostileTextTest, DamageIsNotReported) {
+  testing::internal::CaptureStderr();
+  rendered("<path xml:id='1 2' id='p'/><path id='p' id='q' a:b='c'/>&x;&#1;</g>",
+           "<!DOCTYPE svg [<!ELEMENT svg (a)><!ELEMENT svg ANY><!ATTLIST path xml:id CDATA "
+           "#IMPLIED><!ATTLIST path id ID #IMPLIED>]>");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST(SVGHostileTextTest, FilesAreNotIncluded) {
   EXPECT_EQ(rendered("<xi:include xmlns:xi='http://www.w3.org/2001/XInclude' href='/etc/hosts' "
                      "parse='text'/><path/>",

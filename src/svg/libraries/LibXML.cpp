@@ -15,6 +15,21 @@ namespace {
 constexpr int kOptions = XML_PARSE_RECOVER | XML_PARSE_NONET | XML_PARSE_NOERROR |
                          XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
 
+/// The options leave out what the library says of declarations and of "xml:id".
+class Silence {
+ public:
+  Silence() : handler_(xmlStructuredError), context_(xmlStructuredErrorContext) {
+    xmlSetStructuredErrorFunc(nullptr, [](void*, auto) {});
+  }
+  Silence(const Silence&) = delete;
+  Silence& operator=(const Silence&) = delete;
+  ~Silence() { xmlSetStructuredErrorFunc(context_, handler_); }
+
+ private:
+  xmlStructuredErrorFunc handler_;
+  void* context_;
+};
+
 std::string_view view(const xmlChar* text) {
   return text == nullptr ? "" : reinterpret_cast<const char*>(text);
 }
@@ -122,6 +137,7 @@ struct FreeDocument {
 class LibXML : public SVGNative::xml::XMLLibrary {
  public:
   xmlDoc* read(const char* text) const override {
+    const Silence silence;
     std::unique_ptr<xmlDoc, FreeDocument> document(
         xmlReadDoc(reinterpret_cast<const xmlChar*>(text), nullptr, nullptr, kOptions));
     if (document != nullptr && document->intSubset != nullptr) {
