@@ -74,8 +74,10 @@ std::optional<OuterArchive> readOuterArchive(const std::shared_ptr<const NSData>
   OuterArchive outer;
   outer.version = unarchiver.decodeIntegerForKey(kVersion);
   if (outer.version > DrawBase::version()) return outer;
-  const double stored = resolution != nullptr ? unarchiver.decodeDoubleForKey(kResolution) : 0;
-  if (stored != 0) *resolution = stored;
+  if (resolution != nullptr) {
+    const double stored = unarchiver.decodeDoubleForKey(kResolution);
+    if (stored != 0) *resolution = stored;
+  }
   outer.paintData = unarchiver.decodeObjectOfClass<NSData>(kPaintData);
   unarchiver.finishDecoding();
   return outer;
