@@ -119,10 +119,10 @@ struct ClippingPath {
 /// What applies to an element as a whole.
 struct GraphicStyleImpl {
   float opacity = 1.0f;
-  std::shared_ptr<const Transform> transform;        ///< null for none
-  std::shared_ptr<const ClippingPath> clippingPath;  ///< null for none; inside `transform`
   /// False when it applies to one part only, which cares for its own parts.
   bool hasSeveralParts = true;
+  std::shared_ptr<const Transform> transform;        ///< null for none
+  std::shared_ptr<const ClippingPath> clippingPath;  ///< null for none; inside `transform`
 };
 
 /// Draws. Paints given to it are resolved: colours, or gradients whose coordinates are user units
