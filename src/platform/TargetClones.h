@@ -12,7 +12,12 @@
 #endif
 #if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__SANITIZE_THREAD__) && \
     !defined(PAINT_NO_CLONES) && (!defined(__clang__) || __clang_major__ >= 17)
-#define VECTOR_CLONES __attribute__((target_clones("arch=x86-64-v4", "avx2", "default")))
+#define PAINT_CLONES 1
+#ifdef PAINT_NO_AVX512
+#define VECTOR_CLONES __attribute__((target_clones("arch=x86-64-v3", "default")))
+#else
+#define VECTOR_CLONES __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
+#endif
 #else
 // Not inlined either: a loop that is loses the promises its restrict parameters make.
 #define VECTOR_CLONES __attribute__((noinline))

@@ -2,13 +2,9 @@
 
 #include <cstring>
 
-#include "platform/TargetClones.h"
+#include "platform/LaneClones.h"
 
 namespace {
-
-/// As wide as the widest registers; narrower processors use several.
-using Wide = float __attribute__((vector_size(64)));
-constexpr size_t kWide = 16;
 
 /// One pixel's channels.
 using Pixel4 = float __attribute__((vector_size(16)));
@@ -19,26 +15,52 @@ inline void load(const float* p, Vector& v) {
 }
 
 /// Sums of kSums vectors from element `i` on.
-template <size_t kSums>
-inline __attribute__((always_inline)) void weighAt(const float* const* taps, const float* weights,
-                                                   size_t radius, size_t i, float* out) {
-  Wide sums[kSums];
+template <size_t kLanes, size_t kSums>
+INTO_CLONES void weighAt(const float* const* taps, const float* weights, size_t radius, size_t i,
+                         float* out) {
+  using Vectors = Lanes<kLanes>;
+  typename Vectors::Floats sums[kSums];
+#pragma GCC unroll 4
   for (size_t s = 0; s < kSums; ++s) {
-    load(taps[radius] + i + s * kWide, sums[s]);
+    Vectors::load(taps[radius] + i + s * kLanes, sums[s]);
     sums[s] *= weights[0];
   }
   for (size_t k = 1; k <= radius; ++k) {
     const float* before = taps[radius - k] + i;
     const float* after = taps[radius + k] + i;
     for (size_t s = 0; s < kSums; ++s) {
-      Wide a, b;
-      load(before + s * kWide, a);
-      load(after + s * kWide, b);
+      typename Vectors::Floats a, b;
+      Vectors::load(before + s * kLanes, a);
+      Vectors::load(after + s * kLanes, b);
       sums[s] += weights[k] * (a + b);
     }
   }
-  std::memcpy(out + i, sums, sizeof sums);
+#pragma GCC unroll 4
+  for (size_t s = 0; s < kSums; ++s) Vectors::store(sums[s], out + i + s * kLanes);
 }
+
+template <size_t kLanes>
+INTO_CLONES void weighIn(const float* const* taps, const float* weights, size_t radius, float* out,
+                         size_t count) {
+  // As many sums at a time as hide the time that an addition takes.
+  constexpr size_t kSums = 4;
+  size_t i = 0;
+  for (; i + kSums * kLanes <= count; i += kSums * kLanes) {
+    weighAt<kLanes, kSums>(taps, weights, radius, i, out);
+  }
+  for (; i + kLanes <= count; i += kLanes) weighAt<kLanes, 1>(taps, weights, radius, i, out);
+  for (; i < count; ++i) {
+    float sum = weights[0] * taps[radius][i];
+    for (size_t k = 1; k <= radius; ++k) {
+      sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
+    }
+    out[i] = sum;
+  }
+}
+LANE_CLONES(weighInLanes,
+            (const float* const* taps, const float* weights, size_t radius, float* out,
+             size_t count),
+            weighIn, (taps, weights, radius, out, count))
 
 VECTOR_CLONES void halveSingle(const float* __restrict in, float* __restrict out, size_t count) {
   const float* even = in;
@@ -118,22 +140,9 @@ void weighSymmetricScalar(const float* const* taps, const float* weights, size_t
   }
 }
 
-VECTOR_CLONES void weighSymmetric(const float* const* taps, const float* weights, size_t radius,
-                                  float* out, size_t count) {
-  // As many sums at a time as hide the time that an addition takes.
-  constexpr size_t kSums = 4;
-  size_t i = 0;
-  for (; i + kSums * kWide <= count; i += kSums * kWide) {
-    weighAt<kSums>(taps, weights, radius, i, out);
-  }
-  for (; i + kWide <= count; i += kWide) weighAt<1>(taps, weights, radius, i, out);
-  for (; i < count; ++i) {
-    float sum = weights[0] * taps[radius][i];
-    for (size_t k = 1; k <= radius; ++k) {
-      sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
-    }
-    out[i] = sum;
-  }
+void weighSymmetric(const float* const* taps, const float* weights, size_t radius, float* out,
+                    size_t count) {
+  weighInLanes(taps, weights, radius, out, count);
 }
 
 void halveRow(const float* in, size_t channels, float* out, size_t pixelCount) {

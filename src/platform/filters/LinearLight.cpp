@@ -35,7 +35,9 @@ inline float codeOfLight(float light) {
                                -69.6781511F,   172.686069F, -291.324756F, 326.723603F,
                                -232.472931F,   94.8034801F, -16.8553537F};
   constexpr float kLastOfLine = 0.0031308F;
-  const float x = light > 0 ? (light < 1 ? light : 1.0F) : 0.0F;
+  constexpr float kLeast = 1.0F / 65536;  // has code 0, and so has what is no number
+  const float atLeast = light > kLeast ? light : kLeast;
+  const float x = atLeast < 1 ? atLeast : 1.0F;
   const float root = std::sqrt(x);
   float power = kPowers[10];
   for (int i = 9; i >= 0; --i) power = power * root + kPowers[i];

@@ -2,11 +2,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 #include <vector>
 
-#include "platform/TargetClones.h"
+#include "platform/LaneClones.h"
 #include "platform/filters/GridOperations.h"
-#include "platform/filters/WideCodes.h"
 
 namespace {
 
@@ -55,10 +55,11 @@ VECTOR_CLONES void placeSites(const float* __restrict x, const float* __restrict
   }
 }
 
-/// Neighbouring pixels, whose nearest sites are looked for together.
-constexpr size_t kLanes = 16;
-using Floats = float __attribute__((vector_size(4 * kLanes)));
-using Ints = int32_t __attribute__((vector_size(4 * kLanes)));
+/// Of neighbouring pixels, whose nearest sites are looked for together.
+template <size_t kLanes>
+using Floats = typename Lanes<kLanes>::Floats;
+template <size_t kLanes>
+using Ints = typename Lanes<kLanes>::Ints;
 using Pixel = float __attribute__((vector_size(16)));
 
 /// What is known of the sites around a row of pixels. Cells are counted from the one left of the
@@ -75,79 +76,95 @@ struct SiteWindow {
 };
 
 /// The nearest sites so far.
+template <size_t kLanes>
 struct Nearest {
-  Ints payload = {};
-  Floats squared = Floats{} + std::numeric_limits<float>::max();
+  Ints<kLanes> payload = {};
+  Floats<kLanes> squared = Floats<kLanes>{} + std::numeric_limits<float>::max();
 };
 
-INTO_CLONES void consider(const Floats& dx, const Floats& squaredDy, const Ints& payload,
-                          Nearest& nearest) {
-  const Floats squared = dx * dx + squaredDy;
+template <size_t kLanes>
+INTO_CLONES void consider(const Floats<kLanes>& dx, const Floats<kLanes>& squaredDy,
+                          const Ints<kLanes>& payload, Nearest<kLanes>& nearest) {
+  const Floats<kLanes> squared = dx * dx + squaredDy;
   nearest.payload = squared < nearest.squared ? payload : nearest.payload;
   nearest.squared = squared < nearest.squared ? squared : nearest.squared;
 }
 
-/// Payload and squared distance of the site nearest to each pixel. Writes up to kLanes - 1 more
+/// Payload and squared distance of the site nearest to each pixel. Writes up to kMostLanes - 1 more
 /// than there are.
-VECTOR_CLONES void findNearest(const SiteWindow& window, int32_t* found, float* squaredDistance) {
-  constexpr Floats kSteps = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+template <size_t kLanes>
+INTO_CLONES void findNearestBy(const SiteWindow& window, int32_t* found, float* squaredDistance) {
+  constexpr float kSteps[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  Floats<kLanes> steps;
+  Lanes<kLanes>::load(kSteps, steps);
   const size_t cells = window.cells;
   const float shifts[] = {-window.pitch, 0, window.pitch};
   for (size_t n = 1; n + 1 < cells; ++n) {
     const auto end = static_cast<size_t>(window.begin[n + 1]);
     float first = window.offset[n];
     for (auto pixel = static_cast<size_t>(window.begin[n]); pixel < end; pixel += kLanes) {
-      const Floats x = kSteps + first;
-      Nearest nearest;
+      const Floats<kLanes> x = steps + first;
+      Nearest<kLanes> nearest;
       for (size_t row = 0; row < 3; ++row) {
         if (window.tooFar[row]) continue;
         for (size_t side = 0; side < 3; ++side) {
           const size_t site = row * cells + n - 1 + side;
-          consider(x - (window.x[site] + shifts[side]), Floats{} + window.squaredDy[site],
-                   Ints{} + window.payload[site], nearest);
+          consider<kLanes>(x - (window.x[site] + shifts[side]),
+                           Floats<kLanes>{} + window.squaredDy[site],
+                           Ints<kLanes>{} + window.payload[site], nearest);
         }
       }
-      std::memcpy(found + pixel, &nearest.payload, sizeof nearest.payload);
-      std::memcpy(squaredDistance + pixel, &nearest.squared, sizeof nearest.squared);
+      Lanes<kLanes>::store(nearest.payload, found + pixel);
+      Lanes<kLanes>::store(nearest.squared, squaredDistance + pixel);
       first += kLanes;
     }
   }
 }
-
-/// The first four of sixteen values, four lanes for each.
-template <class Vector, class Value>
-INTO_CLONES void spread(const Value* values, Vector& lanes) {
-  Vector all;
-  std::memcpy(&all, values, sizeof all);
-  lanes = __builtin_shufflevector(all, all, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3);
-}
+LANE_CLONES(findNearest, (const SiteWindow& window, int32_t* found, float* squaredDistance),
+            findNearestBy, (window, found, squaredDistance))
 
 /// The widest pitch whose cells have at most four pixels.
 constexpr double kNarrowPitch = 4;
+constexpr size_t kNarrowLanes = 4;
 
-/// The same for narrow cells, four of them at a time.
-VECTOR_CLONES void findNearestNarrow(const SiteWindow& window, int32_t* found,
+/// The first values, four lanes for each.
+template <size_t kLanes, class Vector, class Value, size_t... kPlaces>
+INTO_CLONES void spreadTo(const Value* values, Vector& lanes, std::index_sequence<kPlaces...>) {
+  Vector all;
+  Lanes<kLanes>::load(values, all);
+  lanes = __builtin_shufflevector(all, all, (kPlaces / kNarrowLanes)...);
+}
+template <size_t kLanes, class Vector, class Value>
+INTO_CLONES void spread(const Value* values, Vector& lanes) {
+  spreadTo<kLanes>(values, lanes, std::make_index_sequence<kLanes>());
+}
+
+/// The same for narrow cells, as many of them at a time as there is room for.
+template <size_t kLanes>
+INTO_CLONES void findNearestNarrowBy(const SiteWindow& window, int32_t* found,
                                      float* squaredDistance) {
-  constexpr Floats kSteps = {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3};
-  constexpr size_t kCells = 4;
+  constexpr float kSteps[] = {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3};
+  Floats<kLanes> steps;
+  Lanes<kLanes>::load(kSteps, steps);
+  constexpr size_t kCells = kLanes / kNarrowLanes;
   const size_t cells = window.cells;
   const float shifts[] = {-window.pitch, 0, window.pitch};
   for (size_t n = 1; n + 1 < cells; n += kCells) {
-    Floats x;
-    spread(window.offset.data() + n, x);
-    x += kSteps;
-    Nearest nearest;
+    Floats<kLanes> x;
+    spread<kLanes>(window.offset.data() + n, x);
+    x += steps;
+    Nearest<kLanes> nearest;
     for (size_t row = 0; row < 3; ++row) {
       if (window.tooFar[row]) continue;
       for (size_t side = 0; side < 3; ++side) {
         const size_t site = row * cells + n - 1 + side;
-        Floats siteX;
-        Floats squaredDy;
-        Ints payload;
-        spread(window.x.data() + site, siteX);
-        spread(window.squaredDy.data() + site, squaredDy);
-        spread(window.payload.data() + site, payload);
-        consider(x - siteX - shifts[side], squaredDy, payload, nearest);
+        Floats<kLanes> siteX;
+        Floats<kLanes> squaredDy;
+        Ints<kLanes> payload;
+        spread<kLanes>(window.x.data() + site, siteX);
+        spread<kLanes>(window.squaredDy.data() + site, squaredDy);
+        spread<kLanes>(window.payload.data() + site, payload);
+        consider<kLanes>(x - siteX - shifts[side], squaredDy, payload, nearest);
       }
     }
     // Each cell's lanes beyond its pixels are written over by the next cell's.
@@ -160,6 +177,8 @@ VECTOR_CLONES void findNearestNarrow(const SiteWindow& window, int32_t* found,
     }
   }
 }
+LANE_CLONES(findNearestNarrow, (const SiteWindow& window, int32_t* found, float* squaredDistance),
+            findNearestNarrowBy, (window, found, squaredDistance))
 
 VECTOR_CLONES void squareDistances(const float* __restrict y, float from, float* __restrict squared,
                                    size_t count) {
@@ -186,10 +205,10 @@ class SiteRows {
     const size_t cells = static_cast<size_t>(column(static_cast<double>(width) - 0.5) + 2 - first_);
     window_.cells = cells;
     window_.pitch = static_cast<float>(grid.pitch);
-    // Narrow cells are read four at a time.
-    window_.x.resize(3 * cells + kLanes - 1);
-    window_.squaredDy.resize(3 * cells + kLanes - 1);
-    window_.payload.resize(3 * cells + kLanes - 1);
+    // Narrow cells are read a few at a time.
+    window_.x.resize(3 * cells + kMostLanes - 1);
+    window_.squaredDy.resize(3 * cells + kMostLanes - 1);
+    window_.payload.resize(3 * cells + kMostLanes - 1);
     values_.resize(3 * cells * 4);
     for (Row& row : rows_) row.y.resize(cells);
     sampleX_.resize(cells);
@@ -237,7 +256,7 @@ class SiteRows {
       window_.begin.push_back(static_cast<int32_t>(pixel));
       window_.offset.push_back(static_cast<float>(pixel + 0.5 - edge));
     }
-    window_.offset.resize(window_.offset.size() + kLanes);
+    window_.offset.resize(window_.offset.size() + kMostLanes);
     // Rounding must leave no pixel out.
     window_.begin[1] = 0;
     window_.begin[window_.cells - 1] = static_cast<int32_t>(width);
@@ -303,15 +322,18 @@ void SiteOperation::render(const OperationSource& source, const OperationTarget&
   const SourceView view(source, target);
   SiteRows sites(shape_, grid_, view, target);
   const auto width = static_cast<size_t>(target.bitmap.pixelsWide());
-  std::vector<int32_t> found(width + kLanes);
-  std::vector<float> squaredDistance(width + kLanes);
+  std::vector<int32_t> found(width + kMostLanes);
+  std::vector<float> squaredDistance(width + kMostLanes);
   std::vector<float> values(shape_ == SiteShape::kDot ? 4 * width : 0);
   const auto dotRadius = static_cast<float>(kDotRadius * grid_.pitch);
-  // Where lanes cannot be permuted freely, one narrow cell at a time is faster.
-  const bool narrow = grid_.pitch <= kNarrowPitch && hasWideCodes();
-  const auto find = narrow ? findNearestNarrow : findNearest;
+  const bool narrow = grid_.pitch <= kNarrowPitch;
   for (int64_t y = rows.first; y < rows.end; ++y) {
-    find(sites.moveTo(y), found.data(), squaredDistance.data());
+    const SiteWindow& window = sites.moveTo(y);
+    if (narrow) {
+      findNearestNarrow(window, found.data(), squaredDistance.data());
+    } else {
+      findNearest(window, found.data(), squaredDistance.data());
+    }
     uint8_t* out = target.bitmap.writableRows(y, y + 1);
     if (shape_ == SiteShape::kCell) {
       std::memcpy(out, found.data(), 4 * width);

@@ -10,7 +10,7 @@
 /// VBMI. To be called only where the processor has them; each does what the function of nearly the
 /// same name does that calls it.
 inline bool hasWideCodes() {
-#if defined(__x86_64__) && defined(__GNUC__)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(PAINT_NO_AVX512)
   // Processors that have these have the other extensions as well that are used with them.
   return __builtin_cpu_supports("avx512vbmi") > 0 && __builtin_cpu_supports("avx512vl") > 0;
 #else
