@@ -1,6 +1,7 @@
 #include "platform/filters/CodeTables.h"
 
 #include <bit>
+#include <cstring>
 
 #include "platform/filters/WideCodes.h"
 
@@ -18,9 +19,17 @@ FloatTable makeFloatTable(TableBits bits, const std::function<float(int)>& funct
 
 void lookUpBytesScalar(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
                        uint8_t* results) {
-  for (size_t i = 0; i < count; ++i) {
-    const bool keep = kept == KeptBytes::kAlphas && i % 4 == 3;
-    results[i] = keep ? bytes[i] : table[bytes[i]];
+  if (kept == KeptBytes::kNone) {
+    for (size_t i = 0; i < count; ++i) results[i] = table[bytes[i]];
+    return;
+  }
+  for (size_t i = 0; i < count; i += 4) {
+    uint32_t pixel;
+    std::memcpy(&pixel, bytes + i, sizeof pixel);
+    pixel = (pixel & 0xFF000000) | table[pixel & 0xFF] |
+            static_cast<uint32_t>(table[pixel >> 8 & 0xFF]) << 8 |
+            static_cast<uint32_t>(table[pixel >> 16 & 0xFF]) << 16;
+    std::memcpy(results + i, &pixel, sizeof pixel);
   }
 }
 

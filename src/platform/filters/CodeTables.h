@@ -24,7 +24,8 @@ FloatTable makeFloatTable(TableBits bits, const std::function<float(int)>& funct
 
 /// Which of the bytes table lookups leave as they are.
 enum class KeptBytes : uint8_t { kNone, kAlphas };
-/// Each byte replaced by what the table has for it; bytes and results may be the same.
+/// Each byte replaced by what the table has for it; bytes and results may be the same. Where alphas
+/// are kept, the bytes are whole pixels.
 void lookUpBytes(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
                  uint8_t* results);
 /// The same byte by byte.

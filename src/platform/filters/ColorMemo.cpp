@@ -22,7 +22,9 @@ void ColorMemo::apply(const uint32_t* in, uint32_t* out, size_t count) {
       applyStages(stages_, in + begin, out + begin, length);
       continue;
     }
-    const size_t missed = lookUp(in + begin, out + begin, length);
+    const auto number = static_cast<uint32_t>(out + begin - origin_);
+    const size_t missed = findEntries(entries_.data(), in + begin, length, out + begin, number,
+                                      pixels_ + waiting_, places_ + waiting_);
     skipped_ = missed <= length / 2 ? 0 : std::min(2 * skipped_ + 1, kMostSkipped);
     toSkip_ = skipped_;
     waiting_ += missed;
@@ -37,24 +39,6 @@ void ColorMemo::apply(const uint32_t* in, uint32_t* out, size_t count) {
 void ColorMemo::finish() {
   compute(waiting_);
   waiting_ = 0;
-}
-
-size_t ColorMemo::lookUp(const uint32_t* in, uint32_t* out, size_t count) {
-  const auto first = static_cast<uint32_t>(out - origin_);
-  if (hasWideCodes()) {
-    return wideFind(entries_.data(), in, count, out, first, pixels_ + waiting_, places_ + waiting_);
-  }
-  size_t waiting = waiting_;
-  for (size_t i = 0; i < count; ++i) {
-    const MemoPlace place = memoPlace(in[i]);
-    const uint32_t entry = entries_[place.entry];
-    const bool known = (entry & kMemoMark) == place.mark && (in[i] & kMemoMark) == kMemoMark;
-    out[i] = entry | kMemoMark;
-    pixels_[waiting] = in[i];
-    places_[waiting] = first + static_cast<uint32_t>(i);
-    waiting += known ? 0 : 1;
-  }
-  return waiting - waiting_;
 }
 
 void ColorMemo::compute(size_t count) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/filters/ColorStage.h"
-#include "platform/filters/WideCodes.h"
+#include "platform/filters/MemoEntries.h"
 
 /// Colour filters' results by pixel value: pictures repeat their colours far more often than they
 /// show new ones, and finding a result costs less than several filters.
@@ -22,8 +22,6 @@ class ColorMemo {
   void finish();
 
  private:
-  /// Answers how many it did not find.
-  size_t lookUp(const uint32_t* in, uint32_t* out, size_t count);
   /// Results of the first waiting pixels, at most kColorBatch.
   void compute(size_t count);
 
@@ -35,7 +33,7 @@ class ColorMemo {
   size_t toSkip_ = 0;
   /// Pixels that were not found wait until there is a batch of them.
   size_t waiting_ = 0;
-  static constexpr size_t kMostWaiting = 2 * kColorBatch + 16;  // wide look-ups write 16 at a time
+  static constexpr size_t kMostWaiting = 2 * kColorBatch + 16;  // as findEntries needs
   uint32_t pixels_[kMostWaiting];
   uint32_t places_[kMostWaiting];
 };

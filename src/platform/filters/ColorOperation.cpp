@@ -59,9 +59,9 @@ int costOf(const ColorStage& stage) {
 }
 
 /// Beyond which cost looking colours up is cheaper, those included that are not found. Without wide
-/// look-ups it takes longer, but all else even more so.
+/// codes it takes longer, but all else even more so.
 int lookUpCost() {
-  return hasWideCodes() ? 5 : 2;
+  return hasWideCodes() ? 5 : 1;
 }
 
 /// The common part of the picture and the target, row by row. Colour filters have no business

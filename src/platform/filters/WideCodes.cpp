@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/filters/MemoEntries.h"
+
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
 
@@ -268,14 +270,14 @@ INTO_WIDE __m512i entriesAt(const uint32_t* memo, __m512i numbers) {
   return _mm512_inserti64x4(low, _mm256_set_m128i(fours[3], fours[2]), 1);
 }
 
-/// Sixteen pixels of `wideFind`, of which `wanted` count.
+/// Sixteen pixels of `wideFindEntries`, of which `wanted` count.
 INTO_WIDE size_t findSixteen(const uint32_t* memo, const uint32_t* pixels, __mmask16 wanted,
                              uint32_t* results, uint32_t first, uint32_t* missed,
                              uint32_t* missedNumbers) {
   const __m512i lanes = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
   const __m512i factor = _mm512_set1_epi32(static_cast<int>(kMemoFactor));
   const __m512i alpha = _mm512_set1_epi32(static_cast<int>(kMemoMark));
-  const __m512i set = _mm512_set1_epi32(static_cast<int>(0x80000000));
+  const __m512i set = _mm512_set1_epi32(static_cast<int>(kMemoSet));
   const __m512i pixel = _mm512_loadu_si512(pixels);
   const __m512i mixed = _mm512_slli_epi32(_mm512_mullo_epi32(pixel, factor), 8);
   const __m512i entry = entriesAt(memo, _mm512_srli_epi32(mixed, 32 - kMemoBits));
@@ -294,8 +296,9 @@ INTO_WIDE size_t findSixteen(const uint32_t* memo, const uint32_t* pixels, __mma
 
 }  // namespace
 
-WIDE size_t wideFind(const uint32_t* memo, const uint32_t* pixels, size_t count, uint32_t* results,
-                     uint32_t first, uint32_t* missed, uint32_t* missedNumbers) {
+WIDE size_t wideFindEntries(const uint32_t* memo, const uint32_t* pixels, size_t count,
+                            uint32_t* results, uint32_t first, uint32_t* missed,
+                            uint32_t* missedNumbers) {
   size_t misses = 0;
   size_t i = 0;
   for (; i + kFloats <= count; i += kFloats) {
@@ -314,8 +317,8 @@ WIDE size_t wideFind(const uint32_t* memo, const uint32_t* pixels, size_t count,
 
 #else
 
-size_t wideFind(const uint32_t*, const uint32_t*, size_t, uint32_t*, uint32_t, uint32_t*,
-                uint32_t*) {
+size_t wideFindEntries(const uint32_t*, const uint32_t*, size_t, uint32_t*, uint32_t, uint32_t*,
+                       uint32_t*) {
   return 0;
 }
 void wideCurve(const HalfOctaveCubics&, const float*, size_t, float*) {}
