@@ -37,9 +37,6 @@ ExitStatus makeThumbnail(const Options& options) {
   }
   const auto side = static_cast<CGFloat>(options.size);
   const NSSize canvas = loaded.document->size();
-  if (canvas.width < 1 || canvas.height < 1) {
-    return fail(kProgram, options.input, kExitNothingToDraw);
-  }
   const NSSize size = ThumbnailProvider::contextSize(
       static_cast<int64_t>(canvas.width), static_cast<int64_t>(canvas.height), {side, side});
   if (size.width < 1 || size.height < 1) return fail(kProgram, options.input, kExitNothingToDraw);

@@ -14,6 +14,14 @@ inline void load(const float* p, Vector& v) {
   std::memcpy(&v, p, sizeof v);
 }
 
+INTO_CLONES float sumAt(const float* const* taps, const float* weights, size_t radius, size_t i) {
+  float sum = weights[0] * taps[radius][i];
+  for (size_t k = 1; k <= radius; ++k) {
+    sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
+  }
+  return sum;
+}
+
 /// Sums of kSums vectors from element `i` on.
 template <size_t kLanes, size_t kSums>
 INTO_CLONES void weighAt(const float* const* taps, const float* weights, size_t radius, size_t i,
@@ -49,13 +57,7 @@ INTO_CLONES void weighIn(const float* const* taps, const float* weights, size_t 
     weighAt<kLanes, kSums>(taps, weights, radius, i, out);
   }
   for (; i + kLanes <= count; i += kLanes) weighAt<kLanes, 1>(taps, weights, radius, i, out);
-  for (; i < count; ++i) {
-    float sum = weights[0] * taps[radius][i];
-    for (size_t k = 1; k <= radius; ++k) {
-      sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
-    }
-    out[i] = sum;
-  }
+  for (; i < count; ++i) out[i] = sumAt(taps, weights, radius, i);
 }
 LANE_CLONES(weighInLanes,
             (const float* const* taps, const float* weights, size_t radius, float* out,
@@ -131,13 +133,7 @@ void doubleSingle(const float* in, size_t odd, float* out, size_t count) {
 
 void weighSymmetricScalar(const float* const* taps, const float* weights, size_t radius, float* out,
                           size_t count) {
-  for (size_t i = 0; i < count; ++i) {
-    float sum = weights[0] * taps[radius][i];
-    for (size_t k = 1; k <= radius; ++k) {
-      sum += weights[k] * (taps[radius - k][i] + taps[radius + k][i]);
-    }
-    out[i] = sum;
-  }
+  for (size_t i = 0; i < count; ++i) out[i] = sumAt(taps, weights, radius, i);
 }
 
 void weighSymmetric(const float* const* taps, const float* weights, size_t radius, float* out,

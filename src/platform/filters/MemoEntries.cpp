@@ -19,15 +19,13 @@ INTO_CLONES void compareEntriesBy(const uint32_t* memo, const uint32_t* pixels, 
   using Vectors = Lanes<kLanes>;
   using Words = typename Vectors::Words;
   for (size_t i = 0; i < kColorBatch; i += kLanes) {
-    Words pixel;
+    Words pixel, number, mark;
     Vectors::load(pixels + i, pixel);
-    const Words mixed = (pixel * kMemoFactor) << 8;
-    const Words number = mixed >> (32 - kMemoBits);
+    findMemoPlace(pixel, number, mark);
     // One load for each: on many processors the instruction that gathers them takes longer.
     Words entry{};
 #pragma GCC unroll 8
     for (size_t lane = 0; lane < kLanes; ++lane) entry[lane] = memo[number[lane]];
-    const Words mark = (mixed << kMemoBits) >> 1 | kMemoSet;
     const Words difference = ((entry ^ mark) | ~pixel) & kMemoMark;
     Vectors::store(entry | kMemoMark, results + i);
     Vectors::store(difference, differences + i);

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/TargetClones.h"
+
 // What a colour filter makes of pixels, by pixel value.
 
 /// Where a memo has an opaque pixel's result: the 24 bits of its colour, mixed, are the number of
@@ -17,9 +19,17 @@ constexpr size_t kMemoEntries = size_t{1} << kMemoBits;
 constexpr uint32_t kMemoFactor = 0x9E3779B1U;
 constexpr uint32_t kMemoMark = 0xFF000000;
 constexpr uint32_t kMemoSet = 0x80000000;
+/// `Word` is uint32_t or a vector of them.
+template <class Word>
+INTO_CLONES constexpr void findMemoPlace(const Word& pixel, Word& entry, Word& mark) {
+  const Word mixed = (pixel * kMemoFactor) << 8;
+  entry = mixed >> (32 - kMemoBits);
+  mark = (mixed << kMemoBits) >> 1 | kMemoSet;
+}
 constexpr MemoPlace memoPlace(uint32_t pixel) {
-  const uint32_t mixed = (pixel * kMemoFactor) << 8;
-  return {mixed >> (32 - kMemoBits), (mixed << kMemoBits) >> 1 | kMemoSet};
+  MemoPlace place{};
+  findMemoPlace(pixel, place.entry, place.mark);
+  return place;
 }
 
 /// Writes what a memo of kMemoEntries has in the places of `count` pixels, opaque, whether it is
