@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/foundation/Limits.h"
-#include "platform/graphics/CGContextFunctions.h"
 #include "platform/graphics/CGGradient.h"
 #include "svg/CGSVGImageData.h"
 #include "svg/CGSVGTransform.h"

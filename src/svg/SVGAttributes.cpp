@@ -9,7 +9,6 @@ namespace {
 // In the order of the enumeration.
 constexpr std::array<std::string_view, kAttributeCount> kNames{"clip-path",
                                                                "clip-rule",
-                                                               "clipPathUnits",
                                                                "color",
                                                                "cx",
                                                                "cy",

@@ -14,7 +14,6 @@ namespace SVGNative {
 enum class Attribute : uint8_t {
   clipPath,
   clipRule,
-  clipPathUnits,
   color,
   cx,
   cy,

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <optional>
 
 #include "document/DrawGroup.h"
 #include "document/PaintManager.h"
+#include "draw/core/PaintManagerContext.h"
 #include "draw/image/DrawImage2.h"
+#include "platform/foundation/NSKeyedArchiver.h"
 #include "platform/foundation/NSKeyedUnarchiver.h"
 #include "platform/graphics/NSColor.h"
 #include "platform/graphics/NSGradient.h"
@@ -267,6 +270,35 @@ TEST(PaintManagerArchive, WritesWhatItReads) {
   const auto second = again->paintDataWithResolution(300);
   const auto third = PaintManager::paintMgrWithPaintData(second, nullptr, nullptr);
   EXPECT_TRUE(inner(second)->isEqual(*inner(third->paintDataWithResolution(300))));
+}
+
+TEST(PaintManagerArchive, DrawsLearnWhatSavedTheFile) {
+  struct Case {
+    std::optional<double> scale;
+    std::optional<int64_t> version;
+    double expectedScale;
+    int64_t expectedVersion;
+  };
+  const Case cases[] = {{2.0, 19, 2, 19}, {2.0, {}, 2, 22}, {{}, 19, 1, 19}};
+  for (const Case& c : cases) {
+    std::shared_ptr<PaintManagerContext> context;
+    const SampleCoding coding(
+        [&](Sample&, NSCoder& coder) {
+          EXPECT_EQ(paintMangerContext(coder), nullptr);
+          PaintManager().initWithCoder(coder);
+          context = paintMangerContext(coder);
+          return true;
+        },
+        [&](NSCoder& coder) {
+          if (c.scale) coder.encodeDouble(*c.scale, "BackingScale");
+          if (c.version) coder.encodeInteger(*c.version, "Version");
+        });
+    NSKeyedUnarchiver::unarchiveObjectWithData(
+        NSKeyedArchiver::archivedDataWithRootObject(std::make_shared<Sample>()));
+    ASSERT_NE(context, nullptr);
+    EXPECT_EQ(context->savedBackingScale(), c.expectedScale);
+    EXPECT_EQ(context->savedVersion(), c.expectedVersion);
+  }
 }
 
 TEST(PaintManagerArchive, OuterArchiveHasTheKindsThatOtherReadersExpect) {

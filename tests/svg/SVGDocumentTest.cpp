@@ -423,6 +423,12 @@ TEST(SVGDocumentTest, OneElementById) {
                                                   "path " + kBlack, "restore", "restore"));
   parsed.document->Render("s", 5, 10);
   EXPECT_EQ(parsed.renderer->lines[6], "save [0.5 0 0 0.5 0 0]");
+
+  const Parsed colored("<svg width='10' height='20'><path id='p' fill='var(--a, red)'/></svg>");
+  colored.document->Render("p", ColorMap{{"--a", {0, 0.5f, 1, 0.25f}}}, 20, 40);
+  EXPECT_THAT(colored.renderer->lines,
+              ElementsAre("save clip(R 0 0 20 40)", "save [2 0 0 2 0 0]", "path  fill 0,0.5,1,0.25",
+                          "restore", "restore"));
 }
 
 TEST(SVGDocumentTest, BoundsAreTheRenderers) {
@@ -450,6 +456,35 @@ TEST(SVGDocumentTest, EntitiesOfTheTextStandInValues) {
       "<g fill='&lime;'><use xlink:href='#g'/></g></svg>");
   parsed.document->Render();
   EXPECT_THAT(parsed.renderer->lines, testing::Contains("path M 1 2 L 3 4 L 3 4 Z fill 0,1,0,1"));
+}
+
+TEST(SVGDocumentTest, KeepsItsRenderer) {
+  const Parsed parsed("<svg width='30' height='40'/>");
+  EXPECT_EQ(parsed.document->Renderer(), parsed.renderer);
+}
+
+TEST(RectTest, SetsOfPoints) {
+  const Rect empty;
+  const Rect rect = Rect::FromSize(1, 2, 4, 6);  // x from 1 to 5, y from 2 to 8
+  const Rect line = Rect::FromSize(5, 0, 0, 3);  // x 5, y from 0 to 3
+  const Rect apart = Rect::FromSize(6, 2, 1, 1);
+  EXPECT_TRUE(empty.IsEmpty());
+  EXPECT_FALSE(line.IsEmpty()) << "it holds points";
+  EXPECT_EQ(rect.Intersection(line), Rect::FromSize(5, 2, 0, 1));
+  EXPECT_EQ(rect.Intersection(Rect::FromSize(0, 7, 3, 9)), Rect::FromSize(1, 7, 2, 1));
+  EXPECT_EQ(rect.Intersection(apart), empty);
+  EXPECT_EQ(rect.Intersection(empty), empty);
+  EXPECT_EQ(rect.Union(line), Rect::FromSize(1, 0, 4, 8));
+  EXPECT_EQ(rect.Union(empty), rect);
+  EXPECT_EQ(empty.Union(rect), rect);
+  EXPECT_EQ(apart.Union(line), Rect::FromSize(5, 0, 2, 3));
+  EXPECT_TRUE(rect.Contains(5, 8));
+  EXPECT_FALSE(rect.Contains(5.5f, 8));
+  EXPECT_FALSE(rect.Contains(1, 1));
+  EXPECT_TRUE(rect.Contains(Rect::FromSize(2, 2, 3, 6)));
+  EXPECT_FALSE(rect.Contains(line));
+  EXPECT_TRUE(rect.Contains(empty));
+  EXPECT_FALSE(empty.Contains(rect));
 }
 
 TEST(SVGDocumentTest, DamagedTexts) {

@@ -88,7 +88,6 @@ class DrawText : public DrawRoundRectangle {
   void normalizeOpacity();
 
   /// While the text is edited the editor draws it.
-  bool isEditingText() const { return bEdittingText_; }
   void setIsEditingText(bool on) { bEdittingText_ = on; }
   /// While the draw is created with the mouse nothing is drawn.
   bool isNewCreated() const { return _isNewCreated; }

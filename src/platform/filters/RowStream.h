@@ -40,7 +40,6 @@ class RowStream {
   RowStream& operator=(const RowStream&) = delete;
   virtual ~RowStream() = default;
 
-  ColumnRange columns() const { return columns_; }
   size_t channels() const { return static_cast<size_t>(channels_); }
   size_t valueCount() const { return columns_.count() * channels(); }
   /// Writes valueCount() values.

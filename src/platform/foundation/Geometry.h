@@ -32,7 +32,6 @@ struct NSRange {
 };
 
 using CGPoint = NSPoint;
-using CGSize = NSSize;
 using CGRect = NSRect;
 
 /// x' = a x + c y + tx, y' = b x + d y + ty.

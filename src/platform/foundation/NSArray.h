@@ -23,7 +23,6 @@ class NSArray : public NSObject {
   }
 
   size_t count() const { return objects_.size(); }
-  const Objects& objects() const { return objects_; }
   Objects::const_iterator begin() const { return objects_.begin(); }
   Objects::const_iterator end() const { return objects_.end(); }
   /// Throws NSException (NSRangeException) beyond the end.

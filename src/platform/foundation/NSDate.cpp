@@ -1,17 +1,10 @@
 #include "platform/foundation/NSDate.h"
 
-#include <chrono>
 #include <functional>
 
 #include "platform/foundation/NSCoder.h"
 
 const NSClass NSDate::kClass{"NSDate", &NSObject::kClass, NSAllocate<NSDate>};
-
-std::shared_ptr<NSDate> NSDate::date() {
-  using Seconds = std::chrono::duration<double>;
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return dateWithTimeIntervalSince1970(std::chrono::duration_cast<Seconds>(now).count());
-}
 
 std::shared_ptr<NSDate> NSDate::dateWithTimeIntervalSinceReferenceDate(double seconds) {
   auto date = std::make_shared<NSDate>();

@@ -12,12 +12,9 @@ class NSDate : public NSObject {
   static constexpr double kIntervalBetween1970AndReferenceDate = 978307200;
 
   NSDate() = default;
-  /// The time now.
-  static std::shared_ptr<NSDate> date();
   static std::shared_ptr<NSDate> dateWithTimeIntervalSinceReferenceDate(double seconds);
   static std::shared_ptr<NSDate> dateWithTimeIntervalSince1970(double seconds);
 
-  double timeIntervalSinceReferenceDate() const { return seconds_; }
   double timeIntervalSince1970() const { return seconds_ + kIntervalBetween1970AndReferenceDate; }
 
   const NSClass& classInfo() const override { return kClass; }

@@ -21,7 +21,6 @@ class NSString : public NSObject {
   }
 
   const std::string& string() const { return utf8_; }
-  const char* UTF8String() const { return utf8_.c_str(); }
   /// Number of UTF-16 units, in which the platform counts ranges of text.
   size_t length() const;
 
@@ -32,7 +31,7 @@ class NSString : public NSObject {
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
 
- protected:
+ private:
   std::string utf8_;
 };
 
@@ -40,9 +39,6 @@ class NSMutableString : public NSString {
  public:
   static const NSClass kClass;
   using NSString::NSString;
-
-  void setString(std::string utf8) { utf8_ = std::move(utf8); }
-  void appendString(std::string_view utf8) { utf8_ += utf8; }
 
   const NSClass& classInfo() const override { return kClass; }
 };

@@ -22,7 +22,6 @@ class PAINT_API NSURL : public NSObject {
   /// a URL cannot hold are percent-encoded, so that any file name survives.
   static std::shared_ptr<NSURL> fileURLWithPath(std::string_view path);
 
-  const std::string& relativeString() const { return relative_; }
   const std::shared_ptr<const NSURL>& baseURL() const { return base_; }
   /// The text with its base in front when it has no scheme of its own (a base's last path
   /// component is replaced).

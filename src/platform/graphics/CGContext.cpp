@@ -165,12 +165,6 @@ void CGContext::addPath(const PathData& path) {
   append(sameSpace ? path : transformedPath(path, state_.transform), path_.path);
 }
 
-void CGContext::fillPath(WindingRule winding) {
-  const PlacedPath placed = std::exchange(path_, {});
-  paint(FillShape(renderer_, placed.path, {winding, toDevice(placed.transform), antialias()}),
-        SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)), state_.operation);
-}
-
 void CGContext::clipToPath(WindingRule winding) {
   const PlacedPath placed = std::exchange(path_, {});
   state_.clip = renderer_.clipToPath(placed.path, winding, toDevice(placed.transform), antialias(),
@@ -184,10 +178,6 @@ PathData CGContext::takePathInUserSpace() {
   return transformedPath(
       placed.path,
       CGAffineTransformConcat(placed.transform, CGAffineTransformInvert(state_.transform)));
-}
-
-void CGContext::strokePath() {
-  stroke(takePathInUserSpace(), state_.stroke);
 }
 
 void CGContext::replacePathWithStrokedPath() {

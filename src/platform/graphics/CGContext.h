@@ -49,7 +49,7 @@ class CGContext {
   void setInterpolation(NSImageInterpolation quality) { state_.interpolation = quality; }
   void setFillColor(const RGBAColor& color) { state_.fillColor = color; }
   void setStrokeColor(const RGBAColor& color) { state_.strokeColor = color; }
-  /// The pen of strokePath and replacePathWithStrokedPath.
+  /// The pen of replacePathWithStrokedPath.
   StrokeStyle& strokeStyle() { return state_.stroke; }
 
   /// Applies `transform` to everything drawn from now on, before the transform in force.
@@ -90,13 +90,12 @@ class CGContext {
   void draw(const NSBitmapImageRep& image, const NSRect& destination);
 
   // The current path belongs to the context, not to its state. Its points are fixed by the
-  // transform at the time they are added. Painting it or clipping to it empties it.
+  // transform at the time they are added. Clipping to it empties it.
   void beginPath() { path_ = {}; }
   void addPath(const PathData& path);
-  void fillPath(WindingRule winding);
-  void strokePath();
   void clipToPath(WindingRule winding);
-  /// The outline of the line that strokePath would draw, without dashes, becomes the current path.
+  /// The outline of the line along it, drawn with the state's pen and without dashes, becomes the
+  /// current path.
   void replacePathWithStrokedPath();
 
   /// Starts a transparent layer that takes what is painted from now on. Inside it the state is as

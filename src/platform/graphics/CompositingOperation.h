@@ -37,47 +37,6 @@ enum class NSCompositingOperation : uint8_t {
   luminosity = 28,
 };
 
-/// The same choices under the numbers of the drawing context.
-enum class CGBlendMode : uint8_t {
-  normal = 0,
-  multiply = 1,
-  screen = 2,
-  overlay = 3,
-  darken = 4,
-  lighten = 5,
-  colorDodge = 6,
-  colorBurn = 7,
-  softLight = 8,
-  hardLight = 9,
-  difference = 10,
-  exclusion = 11,
-  hue = 12,
-  saturation = 13,
-  color = 14,
-  luminosity = 15,
-  clear = 16,
-  copy = 17,
-  sourceIn = 18,
-  sourceOut = 19,
-  sourceAtop = 20,
-  destinationOver = 21,
-  destinationIn = 22,
-  destinationOut = 23,
-  destinationAtop = 24,
-  exclusiveOr = 25,
-  plusDarker = 26,
-  plusLighter = 27,
-};
-
-constexpr NSCompositingOperation operationForBlendMode(CGBlendMode mode) {
-  const auto number = static_cast<uint8_t>(mode);
-  if (mode == CGBlendMode::normal) return NSCompositingOperation::sourceOver;
-  if (mode <= CGBlendMode::luminosity) return static_cast<NSCompositingOperation>(number + 13);
-  if (mode <= CGBlendMode::copy) return static_cast<NSCompositingOperation>(number - 16);
-  if (mode <= CGBlendMode::plusDarker) return static_cast<NSCompositingOperation>(number - 15);
-  return NSCompositingOperation::plusLighter;
-}
-
 /// True when a fully transparent source leaves every destination as it is.
 constexpr bool keepsDestinationUnderNothing(NSCompositingOperation operation) {
   switch (operation) {

@@ -43,7 +43,6 @@ class FilterAxis {
   /// Source pixels per cell. Cell c averages the pixels from firstPixel() + c * cellSize(), as many
   /// as there are; only the last cell may hold fewer.
   int64_t cellSize() const { return cellSize_; }
-  int64_t cellCount() const { return cellCount_; }
   int64_t firstPixel() const { return firstPixel_; }
   int64_t endPixel() const { return endPixel_; }
 

@@ -14,7 +14,6 @@ enum class NSImageInterpolation : uint8_t {
   none = 1,       ///< the nearest pixel
   low = 2,        ///< bilinear
   high = 3,       ///< the resampling filter; bilinear under rotation
-  medium = 4,     ///< as high
 };
 
 /// A drop shadow. The offset is in the bitmap's own axes (x to the right, y up, pixels), whatever

@@ -39,10 +39,6 @@ void NSAffineTransform::rotateByDegrees(CGFloat degrees) {
   t_ = CGAffineTransformConcat(rotation(degrees), t_);
 }
 
-void NSAffineTransform::prependTransform(const NSAffineTransform& other) {
-  t_ = CGAffineTransformConcat(other.t_, t_);
-}
-
 void NSAffineTransform::appendTransform(const NSAffineTransform& other) {
   t_ = CGAffineTransformConcat(t_, other.t_);
 }

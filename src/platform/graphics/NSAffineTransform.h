@@ -18,19 +18,13 @@ class NSAffineTransform final : public NSObject {
 
   void translateXBy(CGFloat dx, CGFloat dy);
   void scaleXBy(CGFloat sx, CGFloat sy);
-  void scaleBy(CGFloat s) { scaleXBy(s, s); }
   /// Counter-clockwise for positive angles. Multiples of 90 degrees are exact.
   void rotateByDegrees(CGFloat degrees);
-  void prependTransform(const NSAffineTransform& other);
   void appendTransform(const NSAffineTransform& other);
   /// Becomes its inverse; a singular transform stays as it is.
   void invert() { t_ = CGAffineTransformInvert(t_); }
 
   NSPoint transformPoint(const NSPoint& p) const { return CGPointApplyAffineTransform(p, t_); }
-  /// Maps a vector: the translation plays no part.
-  NSSize transformSize(const NSSize& s) const {
-    return {t_.a * s.width + t_.c * s.height, t_.b * s.width + t_.d * s.height};
-  }
 
   /// Archived as big-endian floats under "NSTransformStruct": 24 bytes, or a short form.
   bool initWithCoder(NSCoder& coder) override;

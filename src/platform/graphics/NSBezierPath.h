@@ -91,7 +91,6 @@ class NSBezierPath : public NSObject {
   CGFloat miterLimit() const { return miterLimit_; }
   void setMiterLimit(CGFloat limit) { miterLimit_ = limit; }
   CGFloat flatness() const { return flatness_; }
-  void setFlatness(CGFloat flatness) { flatness_ = flatness; }
   WindingRule windingRule() const { return windingRule_; }
   void setWindingRule(WindingRule rule) { windingRule_ = rule; }
   std::span<const CGFloat> lineDash() const { return dash_; }

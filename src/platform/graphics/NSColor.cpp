@@ -65,16 +65,8 @@ const Shared& NSColor::blackColor() {
   static const Shared color = colorWithCalibratedWhite(0, 1);
   return color;
 }
-const Shared& NSColor::darkGrayColor() {
-  static const Shared color = colorWithCalibratedWhite(1.0 / 3, 1);
-  return color;
-}
 const Shared& NSColor::grayColor() {
   static const Shared color = colorWithCalibratedWhite(0.5, 1);
-  return color;
-}
-const Shared& NSColor::lightGrayColor() {
-  static const Shared color = colorWithCalibratedWhite(2.0 / 3, 1);
   return color;
 }
 const Shared& NSColor::whiteColor() {

@@ -45,11 +45,9 @@ class NSColor : public NSObject {
   /// A colour that stands for a repeated picture; its components are black.
   static std::shared_ptr<NSColor> colorWithPatternImage(std::shared_ptr<NSObject> image);
 
-  // Calibrated whites 0, 1/3, 0.5, 2/3 and 1; clearColor is black with alpha 0.
+  // Calibrated whites 0, 0.5 and 1; clearColor is black with alpha 0.
   static const std::shared_ptr<NSColor>& blackColor();
-  static const std::shared_ptr<NSColor>& darkGrayColor();
   static const std::shared_ptr<NSColor>& grayColor();
-  static const std::shared_ptr<NSColor>& lightGrayColor();
   static const std::shared_ptr<NSColor>& whiteColor();
   static const std::shared_ptr<NSColor>& clearColor();
   // Calibrated primaries.

@@ -98,7 +98,7 @@ void drawInRect(const NSBitmapImageRep& bitmap, const NSRect& destination) {
 }
 
 void drawInRect(const NSBitmapImageRep& bitmap, const NSRect& destination, const NSRect& fromRect,
-                NSCompositingOperation operation, CGFloat fraction, RespectFlipped) {
+                NSCompositingOperation operation, CGFloat fraction) {
   if (CGContext* port = currentPort()) {
     port->draw(bitmap, destination, fromRect, operation, fraction);
   }

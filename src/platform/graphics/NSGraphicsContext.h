@@ -29,9 +29,7 @@ class NSGraphicsContext {
 
   NSCompositingOperation compositingOperation() const { return port_.state().operation; }
   void setCompositingOperation(NSCompositingOperation operation) { port_.setOperation(operation); }
-  bool shouldAntialias() const { return port_.state().antialias; }
   void setShouldAntialias(bool antialias) { port_.setShouldAntialias(antialias); }
-  NSImageInterpolation imageInterpolation() const { return port_.state().interpolation; }
   void setImageInterpolation(NSImageInterpolation quality) { port_.setInterpolation(quality); }
 
  private:
@@ -79,11 +77,8 @@ void NSRectClip(const NSRect& rect);
 /// Draws the whole bitmap stretched over `destination`, with the context's operation and alpha.
 void drawInRect(const NSBitmapImageRep& bitmap, const NSRect& destination);
 
-enum class RespectFlipped : uint8_t { no, yes };
-
 /// Draws part of a bitmap stretched over `destination`. The zero rectangle as `fromRect` means
 /// the whole bitmap. `fraction` (0..1; above 1 counts as 1) takes the place of the context's
-/// alpha. Contexts are never flipped, so respectFlipped changes nothing.
+/// alpha.
 void drawInRect(const NSBitmapImageRep& bitmap, const NSRect& destination, const NSRect& fromRect,
-                NSCompositingOperation operation, CGFloat fraction,
-                RespectFlipped respectFlipped = RespectFlipped::no);
+                NSCompositingOperation operation, CGFloat fraction);

@@ -42,10 +42,6 @@ std::shared_ptr<PDFDocument> PDFDocument::initWithData(std::shared_ptr<NSData> d
   return std::shared_ptr<PDFDocument>(new PDFDocument(std::move(data), std::move(file)));
 }
 
-int PDFDocument::pageCount() const {
-  return file_->pageCount();
-}
-
 std::shared_ptr<PDFPage> PDFDocument::firstPage() const {
   const NSSize size = file_->firstPageSize();
   if (!(size.width > 0 && size.height > 0)) return nullptr;

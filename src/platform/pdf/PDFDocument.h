@@ -16,7 +16,6 @@ class PDFDocument : public std::enable_shared_from_this<PDFDocument> {
   static std::shared_ptr<PDFDocument> initWithData(std::shared_ptr<NSData> data);
   ~PDFDocument();
 
-  int pageCount() const;
   /// Null for a document without pages, and when the page is damaged. The page keeps the document.
   std::shared_ptr<PDFPage> firstPage() const;
 

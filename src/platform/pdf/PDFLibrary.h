@@ -21,7 +21,6 @@ class PDFFile {
  public:
   virtual ~PDFFile() = default;
 
-  virtual int pageCount() const = 0;
   /// Size of the first page's crop box in points, after the page's rotation; zero when the page is
   /// damaged.
   virtual NSSize firstPageSize() const = 0;

@@ -23,13 +23,12 @@ std::vector<FontMember> membersOfFontFamily(std::string_view name) {
   std::vector<FontMember> members;
   if (const HostFamily* family = hostFamilyNamed(name)) {
     for (const HostFace& face : family->faces) {
-      members.push_back(
-          {std::string(face.postScriptName), std::string(face.style), styleOf(*family, face)});
+      members.push_back({std::string(face.postScriptName), styleOf(*family, face)});
     }
     return members;
   }
   for (const FontFaceInfo* face : FontRegistry::shared()->installedFamily(name)) {
-    members.push_back({face->postScriptName, face->style, styleOf(*face)});
+    members.push_back({face->postScriptName, styleOf(*face)});
   }
   return members;
 }

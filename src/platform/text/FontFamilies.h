@@ -11,7 +11,6 @@
 
 struct FontMember {
   std::string postScriptName;
-  std::string styleName;
   FontStyle style;
 };
 

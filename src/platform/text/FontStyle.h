@@ -10,7 +10,6 @@ enum class NSFontTraitMask : uint32_t {
   italic = 0x1,
   bold = 0x2,
   unbold = 0x4,
-  nonStandardCharacterSet = 0x8,
   narrow = 0x10,
   expanded = 0x20,
   condensed = 0x40,

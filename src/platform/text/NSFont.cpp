@@ -91,14 +91,6 @@ std::shared_ptr<NSFont> NSFont::fontWithDescriptor(const NSFontDescriptor& descr
   return fontWithName(descriptor.postscriptName(), size == 0 ? descriptor.pointSize() : size);
 }
 
-std::shared_ptr<NSFont> NSFont::systemFontOfSize(CGFloat size) {
-  return std::make_shared<NSFont>(kSystemName, size);
-}
-
-std::shared_ptr<NSFont> NSFont::boldSystemFontOfSize(CGFloat size) {
-  return std::make_shared<NSFont>(kBoldSystemName, size);
-}
-
 const std::shared_ptr<const NSFont>& NSFont::defaultFont() {
   static const std::shared_ptr<const NSFont> font = std::make_shared<NSFont>();
   return font;
@@ -151,19 +143,10 @@ CGFloat NSFont::capHeight() const {
   return resolved()->face == nullptr ? 0 : unitsToPoints(resolved()->face->metrics().capHeight);
 }
 
-CGFloat NSFont::underlinePosition() const {
-  return resolved()->face == nullptr ? 0
-                                     : unitsToPoints(resolved()->face->metrics().underlinePosition);
-}
-
 CGFloat NSFont::underlineThickness() const {
   return resolved()->face == nullptr
              ? 0
              : unitsToPoints(resolved()->face->metrics().underlineThickness);
-}
-
-CGFloat NSFont::italicAngle() const {
-  return resolved()->face == nullptr ? 0 : resolved()->face->metrics().italicAngle;
 }
 
 bool NSFont::isEqual(const NSObject& other) const {

@@ -29,8 +29,6 @@ class NSFont : public NSObject {
   /// As above, by the descriptor's name; its size too when `size` is 0.
   static std::shared_ptr<NSFont> fontWithDescriptor(const NSFontDescriptor& descriptor,
                                                     CGFloat size);
-  static std::shared_ptr<NSFont> systemFontOfSize(CGFloat size);
-  static std::shared_ptr<NSFont> boldSystemFontOfSize(CGFloat size);
   /// The font of text without one.
   static const std::shared_ptr<const NSFont>& defaultFont();
 
@@ -49,10 +47,7 @@ class NSFont : public NSObject {
   CGFloat leading() const;
   CGFloat xHeight() const;
   CGFloat capHeight() const;
-  /// Of the underline's middle, negative below the baseline.
-  CGFloat underlinePosition() const;
   CGFloat underlineThickness() const;
-  CGFloat italicAngle() const;
 
   /// The face that draws it and how; found at the first call, which may index the fonts.
   const std::shared_ptr<const ResolvedFont>& resolved() const;

@@ -22,8 +22,6 @@ class NSFontDescriptor : public NSObject {
   std::string postscriptName() const;
   /// 0 when the descriptor has no size.
   CGFloat pointSize() const;
-  /// May be null.
-  const std::shared_ptr<NSDictionary>& fontAttributes() const { return attributes_; }
 
   const NSClass& classInfo() const override { return kClass; }
   bool initWithCoder(NSCoder& coder) override;

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <string_view>
-#include <vector>
 
 #include "platform/text/FontFamilies.h"
 #include "platform/text/FontStyle.h"
@@ -36,8 +35,4 @@ class NSFontManager {
   /// Null when the family is unknown or has no face with these traits.
   std::shared_ptr<NSFont> fontWithFamily(std::string_view family, NSFontTraitMask traits,
                                          int64_t weight, CGFloat size) const;
-
-  std::vector<FontMember> availableMembersOfFontFamily(std::string_view family) const {
-    return membersOfFontFamily(family);
-  }
 };

@@ -30,7 +30,6 @@ class NSLayoutManager {
   /// Text is set into the first container only.
   void addTextContainer(std::shared_ptr<NSTextContainer> container);
 
-  bool usesFontLeading() const { return leading_ == FontLeading::used; }
   void setUsesFontLeading(bool uses);
 
   /// The units that have a place in the container; {0, 0} for text that has none.

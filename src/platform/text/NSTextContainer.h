@@ -18,12 +18,6 @@ class NSTextContainer {
   /// Space kept free at the start and the end of each line; 5 unless set.
   CGFloat lineFragmentPadding() const { return padding_; }
   void setLineFragmentPadding(CGFloat padding);
-  /// Whether the container follows the size of a view. There are no views here; the settings are
-  /// kept.
-  bool widthTracksTextView() const { return widthTracksTextView_; }
-  void setWidthTracksTextView(bool tracks) { widthTracksTextView_ = tracks; }
-  bool heightTracksTextView() const { return heightTracksTextView_; }
-  void setHeightTracksTextView(bool tracks) { heightTracksTextView_ = tracks; }
 
   /// The layout manager that sets text into it, or null.
   NSLayoutManager* layoutManager() const { return layoutManager_; }
@@ -34,7 +28,5 @@ class NSTextContainer {
 
   NSSize size_;
   CGFloat padding_ = 5;
-  bool widthTracksTextView_ = false;
-  bool heightTracksTextView_ = false;
   NSLayoutManager* layoutManager_ = nullptr;
 };

@@ -37,7 +37,7 @@ class FontIndex {
   virtual bool covers(size_t face, char32_t character) const = 0;
 };
 
-/// Horizontal line metrics and decoration positions of a face, in font units, y up. Descent is
+/// Horizontal line metrics and the underline of a face, in font units, y up. Descent is
 /// positive downwards.
 struct FaceMetrics {
   int32_t unitsPerEm = 1000;
@@ -46,9 +46,7 @@ struct FaceMetrics {
   int32_t leading = 0;
   int32_t xHeight = 0;
   int32_t capHeight = 0;
-  int32_t underlinePosition = 0;  ///< of the line's middle; negative below the baseline
   int32_t underlineThickness = 0;
-  double italicAngle = 0;  ///< degrees counter-clockwise from vertical
 };
 
 /// A glyph as shaping answers it. Distances are in font units.

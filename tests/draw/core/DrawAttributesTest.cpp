@@ -118,6 +118,15 @@ TEST(DrawAttributes, TravelFromDrawToDraw) {
   wrong->setObject(NSNumber::numberWithInteger(2), "DAKeyArrowStyle");
   EXPECT_TRUE(line->setDrawAttributes(*wrong));
   EXPECT_EQ(line->arrowStyle(), 2);
+
+  const auto outlined = made<DrawCurve>();
+  outlined->setEnableStrokeOutline(true);
+  outlined->setStrokeOutlineWidth(2.5F);
+  outlined->setStrokeOutlineColor(NSColor::blueColor());
+  EXPECT_EQ(line->strokeOutlineColor(), nullptr);
+  EXPECT_TRUE(line->setDrawAttributes(*outlined->drawAttributes()));
+  EXPECT_EQ(line->strokeOutlineColor(), NSColor::blueColor());
+  EXPECT_EQ(line->strokeOutlineWidth(), 2.5F);
 }
 
 TEST(DrawAttributes, Capabilities) {
@@ -154,6 +163,78 @@ TEST(DrawAttributes, Capabilities) {
   group->setVisible(false);
   EXPECT_FALSE(line->visibleWithGroup());
   EXPECT_FALSE(line->canBeRotated());
+}
+
+TEST(DrawAttributes, WhatEditorsAskAboutNewDraws) {
+  struct Case {
+    std::shared_ptr<DrawBase> draw;
+    bool border;   ///< shouldDrawBorderWhenCreating
+    bool knobs;    ///< shouldDrawKnobWhenCreating
+    bool focused;  ///< shouldFocusedWhenAdded
+    bool clicked;  ///< canBeSelectedByClick
+    bool copied;   ///< canCopyDrawAttributes
+  };
+  const Case cases[] = {
+      {made<DrawPen>(), false, false, false, true, true},
+      {made<DrawEraser>(), false, false, false, false, false},
+      {made<DrawAirbrush>(), false, false, false, true, true},
+      {made<DrawFill>(), true, false, false, true, true},
+      {made<DrawClear>(), true, false, false, false, false},
+      {made<DrawLine>(), false, false, true, true, true},
+      {made<DrawRectangle>(), false, false, true, true, true},
+      {made<DrawBrokenLine>(), false, true, true, true, true},
+      {made<DrawFreePolygon>(), true, true, true, true, true},
+      {made<DrawBezierPath>(), true, true, true, true, true},
+      {made<DrawCrop>(), false, false, true, true, false},
+      {made<DrawPolygonSelection>(), true, true, true, true, false},
+      {made<DrawOldPolygonSelection>(), true, true, true, true, false},
+      {made<DrawGroup>(), true, false, true, true, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.draw->className());
+    EXPECT_EQ(c.draw->shouldDrawBorderWhenCreating(), c.border);
+    EXPECT_EQ(c.draw->shouldDrawKnobWhenCreating(), c.knobs);
+    EXPECT_EQ(c.draw->shouldFocusedWhenAdded(), c.focused);
+    EXPECT_EQ(c.draw->canBeSelectedByClick(), c.clicked);
+    EXPECT_EQ(c.draw->canCopyDrawAttributes(), c.copied);
+    c.draw->setLocked(true);
+    EXPECT_FALSE(c.draw->canBeSelectedByClick());
+  }
+  EXPECT_TRUE(DrawGroup::treatAsOneObject());
+}
+
+TEST(DrawAttributes, ReflectionsFollowShadows) {
+  EXPECT_TRUE(made<DrawLine>()->canSetReflection());
+  EXPECT_TRUE(made<DrawGradient>()->canSetReflection()) << "it has a fill";
+  EXPECT_FALSE(made<DrawCrop>()->canSetReflection());
+  EXPECT_FALSE(made<DrawClear>()->canSetReflection()) << "it composites by copying";
+  EXPECT_FALSE(made<DrawGroup>()->canSetReflection()) << "it has neither stroke nor fill";
+}
+
+TEST(DrawAttributes, GroupsFlipAndTurnWithWhatIsVisibleInThem) {
+  const auto line = made<DrawLine>();
+  const auto other = made<DrawRectangle>();
+  const auto group = DrawGroup::initWithDraws({line, other});
+  const auto expect = [&](bool able) {
+    EXPECT_EQ(group->canBeFliped(), able);
+    EXPECT_EQ(group->canBeRotatedFreely(), able);
+  };
+  expect(true);
+  line->setVisible(false);
+  expect(true);
+  EXPECT_FALSE(line->canBeFliped());
+  EXPECT_FALSE(line->canBeRotatedFreely());
+  other->setOpacity(0);
+  expect(false);
+  line->setVisible(true);
+  expect(true);
+  group->setVisible(false);
+  expect(false);
+  EXPECT_FALSE(line->canBeFliped()) << "its group is hidden";
+  expect(false);
+  group->setDraws({});
+  group->setVisible(true);
+  expect(false);
 }
 
 TEST(ZTSmallKits, ColorsEqualWithinOneStep) {

@@ -122,6 +122,11 @@ TEST(DrawBaseRendering, RotationIsCounterClockwiseAboutTheCentre) {
   EXPECT_EQ(turned.at(59, 69), kRed);
   EXPECT_EQ(turned.at(35, 50), kClear);
   EXPECT_EQ(bar->drawRect(), NSMakeRect(40, 30, 20, 40));
+  // The right end goes to the top, and back.
+  EXPECT_EQ(bar->transform().transformPoint({70, 50}), NSMakePoint(50, 70));
+  EXPECT_EQ(bar->invertTransform().transformPoint({50, 70}), NSMakePoint(70, 50));
+  EXPECT_TRUE(
+      filled(NSMakeRect(30, 40, 40, 20), NSColor::redColor())->invertTransform().isIdentity());
   // A triangle pointing right points up after a quarter turn.
   auto triangle = std::make_shared<DrawFreePolygon>();
   triangle->init();

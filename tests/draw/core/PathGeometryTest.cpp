@@ -104,6 +104,62 @@ TEST(PathGeometry, CubicsDivide) {
   EXPECT_FALSE(DivideCubicBezierPath(p[0], p[1], p[2], p[3], 1).hasSecond);
 }
 
+TEST(PathGeometry, NearestPoints) {
+  struct Case {
+    NSPoint p, nearest;
+  };
+  // On the segment from (0, 0) to (8, 6), across which (-3, 4) and (3, -4) point.
+  const Case onSegment[] = {{{4, 3}, {4, 3}}, {{1, 7}, {4, 3}},   {{7, -1}, {4, 3}},
+                            {{9, 9}, {8, 6}}, {{-5, -1}, {0, 0}}, {{11, 2}, {8, 6}}};
+  for (const Case& c : onSegment) {
+    const NSPoint found = GetPointOnLineClosestToPoint({0, 0}, {8, 6}, c.p);
+    EXPECT_NEAR(found.x, c.nearest.x, 1e-12) << c.p.x << ", " << c.p.y;
+    EXPECT_NEAR(found.y, c.nearest.y, 1e-12) << c.p.x << ", " << c.p.y;
+  }
+  EXPECT_EQ(GetPointOnLineClosestToPoint({2, 1}, {2, 1}, {9, 9}), NSMakePoint(2, 1));
+
+  // A quarter circle of radius 100 about the origin, to the error of the cubic (its radius varies
+  // by 0.03) and of half a step (157 / 2000 / 2).
+  const double k = 55.22847498;
+  for (const double degrees : {0.0, 10.0, 45.0, 72.0, 90.0}) {
+    const double x = std::cos(degrees * M_PI / 180);
+    const double y = std::sin(degrees * M_PI / 180);
+    for (const double radius : {80.0, 150.0}) {
+      const NSPoint found = GetPointOnCurveClosestToPoint({100, 0}, {100, k}, {k, 100}, {0, 100},
+                                                          {radius * x, radius * y});
+      EXPECT_NEAR(found.x, 100 * x, 0.1) << degrees << " at " << radius;
+      EXPECT_NEAR(found.y, 100 * y, 0.1) << degrees << " at " << radius;
+    }
+  }
+  // Beyond its ends.
+  EXPECT_EQ(GetPointOnCurveClosestToPoint({100, 0}, {100, k}, {k, 100}, {0, 100}, {110, -40}),
+            NSMakePoint(100, 0));
+  EXPECT_EQ(GetPointOnCurveClosestToPoint({100, 0}, {100, k}, {k, 100}, {0, 100}, {-40, 110}),
+            NSMakePoint(0, 100));
+}
+
+TEST(PathGeometry, PathsTravelToTheDrawingLayerAndBack) {
+  const auto path = NSBezierPath::bezierPath();
+  EXPECT_TRUE(CreateCGPathFrom(*path).isEmpty());
+  path->moveToPoint({1, 2});
+  path->lineToPoint({3, 4});
+  path->curveToPoint({9, 10}, {5, 6}, {7, 8});
+  path->closePath();
+  const CGPath made = CreateCGPathFrom(*path);
+  EXPECT_EQ(made.boundingBox(), NSMakeRect(1, 2, 8, 8));
+  CGPath expected;
+  expected.moveToPoint({1, 2});
+  expected.addLineToPoint({3, 4});
+  expected.addCurveToPoint({5, 6}, {7, 8}, {9, 10});
+  expected.closeSubpath();
+  expected.moveToPoint({1, 2});  // closing goes back to the start
+  EXPECT_EQ(made.data().verbs, expected.data().verbs);
+  EXPECT_EQ(made.data().points, expected.data().points);
+  const auto back = NSBezierPath::bezierPath();
+  AppendCGPathToBezierPath(*back, made);
+  EXPECT_EQ(back->data().points, path->data().points);
+}
+
 TEST(PathGeometry, PathsAreMeasuredAndCut) {
   auto path = NSBezierPath::bezierPath();
   path->moveToPoint({0, 0});

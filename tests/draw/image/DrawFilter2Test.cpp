@@ -9,6 +9,7 @@
 #include "draw/image/DrawFilter.h"
 #include "draw/image/DrawFilter2.h"
 #include "draw/raster/ImageMask.h"
+#include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSString.h"
@@ -134,6 +135,21 @@ TEST_F(Filters, EveryTypeWithItsDefaults) {
   EXPECT_LE(maxDifference(*shown("black and white"), *expectedOf(9, *plain()).bitmap), 2);
   EXPECT_EQ(shown("settings of an unknown type"), nullptr);
   EXPECT_EQ(shown("without picture"), nullptr);
+}
+
+TEST_F(Filters, OfferTheSettingsOfTheirType) {
+  const auto namesOf = [this](const char* title) {
+    std::vector<std::string> names;
+    const auto settings = titled(title)->availableSettings();
+    for (const auto& object : *settings) {
+      const auto& setting = dynamic_cast<const NSDictionary&>(*object);
+      names.push_back(setting.objectOfClass<NSString>("SetttingName")->string());
+    }
+    return names;
+  };
+  EXPECT_THAT(namesOf("inverted"), testing::IsEmpty());
+  EXPECT_THAT(namesOf("type 1"), testing::ElementsAre("inputRadius"));
+  EXPECT_THAT(namesOf("type 7"), testing::ElementsAre("inputScale"));
 }
 
 TEST_F(Filters, SettingsAsArchived) {

@@ -284,7 +284,9 @@ TEST_F(Pictures, VectorPicturesForgetFlipsWhenDrawnAnew) {
   EXPECT_EQ(flippedPixel(), 0);
   draw->moveByX(5, 5);
   EXPECT_EQ(flippedPixel(), 0);
+  EXPECT_FALSE(draw->isResizingByDragging());
   draw->setResizingByDragging(true);
+  EXPECT_TRUE(draw->isResizingByDragging());
   draw->setBezierPathWithBounds(NSMakeRect(0, 0, 8, 4));
   EXPECT_EQ(draw->image()->size(), (NSSize{4, 2}));
   EXPECT_EQ(flippedPixel(), 0);

@@ -172,6 +172,7 @@ TEST(ImageFill, BordersEncloseTheRegion) {
     const int64_t w = picture->pixelsWide(), h = picture->pixelsHigh();
     const auto fill =
         ImageFill::initWithImage(picture, {static_cast<double>(w / 2), static_cast<double>(h / 2)});
+    EXPECT_EQ(fill->inputImage(), picture) << "the bitmap is kept";
     fill->fillWithTolerance(static_cast<uint32_t>(random() % 100));
     const auto mask = fill->imageMask();
     const auto expected =
@@ -321,7 +322,9 @@ TEST(DrawMagicSelection, SelectsWhatAFillWouldReach) {
   const auto selection = DrawMagicSelection::initWithPoint({0, 1}, 90, *picture);
   picture->clear();
   EXPECT_EQ(rowsOf(*selection->imageMaskForSelection()), PixelRows(2, "##"));
+  EXPECT_FALSE(selection->isInverted());
   selection->setInverted(true);
+  EXPECT_TRUE(selection->isInverted());
   EXPECT_EQ(rowsOf(*selection->imageMaskForSelection()), PixelRows(2, "..##"));
   EXPECT_TRUE(selection->isSelectTool());
   EXPECT_EQ(DrawMagicSelection::initWithPoint({4, 0}, 90, *picture), nullptr);

@@ -109,6 +109,22 @@ TEST(DrawLine, PointsFollowWhateverChangesThePath) {
   EXPECT_EQ(curve->ctlPoint2(), NSMakePoint(12, 2));
 }
 
+TEST(DrawFreePolygon, IsATriangleBySidesOrByPath) {
+  const auto polygon = made<DrawFreePolygon>();
+  for (const NSPoint p : {NSPoint{0, 0}, {9, 0}, {9, 9}, {5, 14}, {0, 9}})
+    polygon->bezierPath()->lineToPoint(p);
+  polygon->bezierPath()->closePath();
+  EXPECT_EQ(polygon->name(), "Free Polygon");
+  polygon->setSemgents(3);
+  EXPECT_EQ(polygon->name(), "Triangle") << "that is what is being created";
+  EXPECT_EQ(polygon->semgents(), 3);
+  const auto read = std::dynamic_pointer_cast<DrawFreePolygon>(
+      DrawBase::drawFromEncodedData(DrawBase::encodedData(polygon)));
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->semgents(), 0) << "it is not archived";
+  EXPECT_EQ(read->name(), "Free Polygon");
+}
+
 TEST(DrawBezierPath, IsFilledExactlyWhenClosed) {
   const auto path = made<DrawBezierPath>();
   path->setEnableStrokeOutline(true);
@@ -117,6 +133,8 @@ TEST(DrawBezierPath, IsFilledExactlyWhenClosed) {
     path->bezierPath()->lineToPoint(p);
   EXPECT_EQ(path->name(), "Path");
   EXPECT_TRUE(path->hasStrokeOutline());
+  EXPECT_FALSE(DrawBezierPath::mustClosePath());
+  EXPECT_TRUE(DrawBezierPath::canResizedWithRectangleKnobs());
   path->bezierPath()->closePath();
   EXPECT_EQ(path->name(), "Shape");
   EXPECT_TRUE(path->classDrawFill());

@@ -200,6 +200,20 @@ TEST(DrawMessages, TheOutlineIsTheRoundedBoxWithATail) {
   EXPECT_EQ(first[0], NSMakePoint(50, -30)) << "begins at the tip";
 }
 
+TEST(DrawMessages, EllipticBubblesReachTheirTip) {
+  const auto draw = made<DrawEllipseMessage>();
+  draw->setArrow({50, -30});
+  draw->setBezierPathWithBounds(NSMakeRect(10, 20, 200, 100));
+  EXPECT_EQ(draw->arrow(), NSMakePoint(50, -30));
+  NSPoint first[3];
+  draw->bezierPath()->elementAtIndex(0, first);
+  EXPECT_TRUE(isSame(first[0], {60, -10})) << "an offset from the box's origin";
+  draw->scaleByX(2, 0.5, NSZeroPoint, ResizeLineWidth::no);
+  EXPECT_EQ(draw->arrow(), NSMakePoint(100, -15));
+  draw->bezierPath()->elementAtIndex(0, first);
+  EXPECT_TRUE(isSame(first[0], {120, -5}));
+}
+
 TEST(DrawMessages, NumbersThatAreNoneBuildSomething) {
   const double nan = std::numeric_limits<double>::quiet_NaN(), inf = HUGE_VAL;
   const auto bubble = made<DrawRectMessage>();

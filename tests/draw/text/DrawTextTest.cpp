@@ -332,6 +332,13 @@ TEST_F(DrawTextTest, TheImageMovesWithABoxThatKeepsItsLines) {
     draw->makeSureHasValidTextImage();
     EXPECT_EQ(draw->textImageRep(), image);
     EXPECT_EQ(draw->textDrawRect().origin, NSMakePoint(x, 5));
+    // A larger box lays its text out anew.
+    const NSSize most = draw->maxTextSize();
+    EXPECT_EQ(most, NSMakeSize(1000, 1000));
+    draw->setBezierPathWithBounds({NSZeroPoint, most});
+    EXPECT_EQ(draw->textImageRep(), image);
+    draw->setBezierPathWithBounds({NSZeroPoint, NSMakeSize(most.width + 1, most.height)});
+    EXPECT_EQ(draw->textImageRep(), nullptr);
   }
 }
 
@@ -430,6 +437,7 @@ TEST(LayoutManagerForDrawText, IsOneOnTheMainThreadAndPrivateElsewhere) {
   EXPECT_EQ(LayoutManagerForDrawText(), shared);
   ASSERT_EQ(shared->textContainers().size(), 1u);
   EXPECT_EQ(shared->textContainers()[0]->lineFragmentPadding(), 0);
+  EXPECT_EQ(DrawText::textContainerlineFragmentPadding(), 0);
   std::thread([&] {
     const auto mine = LayoutManagerForDrawText();
     EXPECT_NE(mine, shared);

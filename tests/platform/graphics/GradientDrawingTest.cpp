@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/graphics/CGContextFunctions.h"
+#include "platform/graphics/CGContext.h"
 #include "platform/graphics/GradientDrawing.h"
 #include "support/Bitmaps.h"
 
@@ -13,6 +13,13 @@ const CGGradient kBlackToWhite({{0, {0, 0, 0, 1}}, {1, {1, 1, 1, 1}}});
 /// The grey at the pixel (x, y) counted from the bottom.
 int grayAt(const NSBitmapImageRep& bitmap, int64_t x, int64_t y) {
   return pixelAt(bitmap, x, bitmap.pixelsHigh() - 1 - y)[0];
+}
+
+/// The inside of the context's current path in the fill colour.
+void paintCurrentPath(CGContext& context) {
+  const CGContextStateScope state(context);
+  context.clipToPath(WindingRule::nonZero);
+  context.fill(NSMakeRect(-1000, -1000, 2000, 2000));
 }
 
 struct AxisCase {
@@ -170,34 +177,32 @@ TEST(CGGradient, ComponentsAndLocations) {
   EXPECT_TRUE(CGGradientCreateWithColorComponents({}, locations).stops().empty());
 }
 
-TEST(CGContextFunctions, PathsAreFixedByTheTransformAtTheirTime) {
+TEST(CGContext, PathsAreFixedByTheTransformAtTheirTime) {
   const auto bitmap = NSBitmapImageRep::create(20, 20);
   CGContext context(bitmap);
-  CGContext* const c = &context;
-  CGContextSetRGBFillColor(c, 1, 0, 0, 1);
-  CGContextBeginPath(c);
-  CGContextAddPath(c, pathOfRect(NSMakeRect(0, 0, 2, 2)));
-  CGContextTranslateCTM(c, 10, 10);
-  CGContextAddPath(c, pathOfRect(NSMakeRect(0, 0, 2, 2)));
-  CGContextScaleCTM(c, 100, 100);
-  CGContextFillPath(c);
+  context.setFillColor({1, 0, 0, 1});
+  context.beginPath();
+  context.addPath(pathOfRect(NSMakeRect(0, 0, 2, 2)));
+  context.concatenate(CGAffineTransformMakeTranslation(10, 10));
+  context.addPath(pathOfRect(NSMakeRect(0, 0, 2, 2)));
+  context.concatenate(CGAffineTransformMakeScale(100, 100));
+  paintCurrentPath(context);
   const auto filled = [&](int64_t x, int64_t y) { return pixelAt(*bitmap, x, 19 - y)[3] == 255; };
   for (int64_t y = 0; y < 20; ++y) {
     for (int64_t x = 0; x < 20; ++x) {
       EXPECT_EQ(filled(x, y), (x < 2 && y < 2) || (x >= 10 && x < 12 && y >= 10 && y < 12));
     }
   }
-  CGContextClearRect(c, NSMakeRect(-1, -1, 2, 2));
+  context.fill(NSMakeRect(-1, -1, 2, 2), NSCompositingOperation::clear);
   EXPECT_FALSE(filled(0, 0));
   // The path is gone.
-  CGContextFillPath(c);
+  paintCurrentPath(context);
   EXPECT_FALSE(filled(0, 0));
 }
 
-TEST(CGContextFunctions, StrokesAreAsWideAsTheTransformInForceMakesThem) {
+TEST(CGContext, StrokesAreAsWideAsTheTransformInForceMakesThem) {
   const auto bitmap = NSBitmapImageRep::create(20, 20);
   CGContext context(bitmap);
-  CGContext* const c = &context;
   PathData line;
   line.move({2, 10});
   line.line({18, 10});
@@ -206,41 +211,23 @@ TEST(CGContextFunctions, StrokesAreAsWideAsTheTransformInForceMakesThem) {
     for (int64_t y = 0; y < 20; ++y) rows += pixelAt(*bitmap, x, y)[3] == 255 ? 1 : 0;
     return rows;
   };
-  CGContextSetLineWidth(c, 2);
-  CGContextAddPath(c, line);
-  CGContextScaleCTM(c, 1, 3);
-  CGContextStrokePath(c);
+  context.strokeStyle().width = 2;
+  context.addPath(line);
+  context.concatenate(CGAffineTransformMakeScale(1, 3));
+  context.replacePathWithStrokedPath();
+  paintCurrentPath(context);
   EXPECT_EQ(rowsAt(10), 6);
-  // As an outline it can be filled and clipped to.
+  // A gradient along a line.
   context.fill(NSMakeRect(0, 0, 20, 20), NSCompositingOperation::clear);
-  CGContextScaleCTM(c, 1, 1.0 / 3);
-  CGContextSetLineWidth(c, 4);
-  CGContextAddPath(c, line);
-  CGContextReplacePathWithStrokedPath(c);
-  CGContextClip(c);
-  CGContextDrawLinearGradient(c, kBlackToWhite, {2, 0}, {18, 0}, GradientExtent::both);
+  context.concatenate(CGAffineTransformMakeScale(1, 1.0 / 3));
+  context.strokeStyle().width = 4;
+  context.addPath(line);
+  context.replacePathWithStrokedPath();
+  context.clipToPath(WindingRule::nonZero);
+  context.draw(kBlackToWhite, LinearAxis{{2, 0}, {18, 0}}, GradientExtent::both);
   EXPECT_EQ(rowsAt(10), 4);
   EXPECT_EQ(rowsAt(1), 0);
   EXPECT_NEAR(grayAt(*bitmap, 10, 10), 8.5 / 16 * 255, 1);
-}
-
-TEST(CGContextFunctions, BlendModesHaveNumbersOfTheirOwn) {
-  EXPECT_EQ(operationForBlendMode(CGBlendMode::normal), NSCompositingOperation::sourceOver);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(1)), NSCompositingOperation::multiply);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(15)),
-            NSCompositingOperation::luminosity);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(16)), NSCompositingOperation::clear);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(17)), NSCompositingOperation::copy);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(18)), NSCompositingOperation::sourceIn);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(19)), NSCompositingOperation::sourceOut);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(22)),
-            NSCompositingOperation::destinationIn);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(25)),
-            NSCompositingOperation::exclusiveOr);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(26)),
-            NSCompositingOperation::plusDarker);
-  EXPECT_EQ(operationForBlendMode(static_cast<CGBlendMode>(27)),
-            NSCompositingOperation::plusLighter);
 }
 
 TEST(CGContext, GeometryThatIsNotFinitePaintsNothing) {
@@ -260,7 +247,8 @@ TEST(CGContext, GeometryThatIsNotFinitePaintsNothing) {
     context.draw(kBlackToWhite, LinearAxis{{0, 0}, {1, 1}}, GradientExtent::both);
     context.addPath(pathOfRect(NSMakeRect(0, 0, 4, 4)));
     context.concatenate({1, 0, 0, 1, 1, 1});
-    context.strokePath();
+    context.replacePathWithStrokedPath();
+    paintCurrentPath(context);
   }
   {
     const CGContextStateScope state(context);

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "platform/graphics/CGContext.h"
-#include "platform/graphics/CGContextFunctions.h"
 #include "platform/graphics/GradientDrawing.h"
 #include "support/Bitmaps.h"
 #include "support/ReferenceBlend.h"
@@ -348,25 +347,22 @@ TEST(Layer, InnerShadowRecipeGivesItsClosedForm) {
   const auto before = randomBitmap(kSide, kSide, 8);
   const auto bitmap = before->copy();
   CGContext context(bitmap);
-  CGContext* const c = &context;
   const PathData path = pathOfRect(shapeRect);
-  CGContextSaveGState(c);
-  CGContextClipToRect(c, NSMakeRect(10, 12, 27, 25));
-  CGContextSetAlpha(c, kShadowAlpha);
-  CGContextBeginTransparencyLayer(c);
-  CGContextSetShadowWithColor(c, {4, -3}, 5, shadow);
-  CGContextSetBlendMode(c, CGBlendMode::sourceOut);
-  CGContextBeginTransparencyLayer(c);
+  context.saveGState();
+  context.clip(NSMakeRect(10, 12, 27, 25));
+  context.setAlpha(kShadowAlpha);
+  context.beginTransparencyLayer();
+  context.setShadow({{4, -3}, 5, shadow});
+  context.setOperation(Op::sourceOut);
+  context.beginTransparencyLayer();
   context.setFillColor(shadow);
-  CGContextAddPath(c, path);
-  CGContextFillPath(c);
-  CGContextSetBlendMode(c, CGBlendMode::destinationIn);
-  CGContextBeginTransparencyLayer(c);
+  context.fill(path, WindingRule::nonZero);
+  context.setOperation(Op::destinationIn);
+  context.beginTransparencyLayer();
   context.setFillColor(fill);
-  CGContextAddPath(c, path);
-  CGContextFillPath(c);
-  for (int i = 0; i < 3; ++i) CGContextEndTransparencyLayer(c);
-  CGContextRestoreGState(c);
+  context.fill(path, WindingRule::nonZero);
+  for (int i = 0; i < 3; ++i) context.endTransparencyLayer();
+  context.restoreGState();
 
   const Field cover = rectField(kSide, shapeRect);
   // The path's coverage counts twice where it is partial: it was filled, and cut by its own fill.
@@ -397,7 +393,7 @@ TEST(Layer, ReflectionRecipeFadesTheMirroredDraw) {
   {
     const CGTransparencyLayerScope mirrored(context);
     context.fill(rect);
-    context.setOperation(operationForBlendMode(CGBlendMode::destinationIn));
+    context.setOperation(Op::destinationIn);
     const CGTransparencyLayerScope fade(context);
     drawGradientInRect(context, CGGradient({{0, {0, 0, 0, 0.7}}, {1, {0, 0, 0, 0}}}), strip, 90);
   }

@@ -125,11 +125,6 @@ void PathRenderer::fillPath(const PathData& path, WindingRule winding,
   fillFlat({winding, antialias}, box, clip, sink);
 }
 
-void PathRenderer::fillRect(const NSRect& rect, const CGAffineTransform& toDevice,
-                            Antialias antialias, const ClipRegion& clip, CoverageSink& sink) {
-  fillPath(pathOfRect(rect), WindingRule::nonZero, toDevice, antialias, clip, sink);
-}
-
 void PathRenderer::fillRectangle(const DeviceBounds& rectangle, Antialias antialias,
                                  const ClipRegion& clip, CoverageSink& sink) {
   emitThrough(clip, sink, [&](CoverageSink& target) {

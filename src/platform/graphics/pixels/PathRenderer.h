@@ -26,10 +26,6 @@ class PathRenderer {
   void fillPath(const PathData& path, WindingRule winding, const CGAffineTransform& toDevice,
                 Antialias antialias, const ClipRegion& clip, CoverageSink& sink);
 
-  /// Fills a rectangle, whatever the signs of its sides.
-  void fillRect(const NSRect& rect, const CGAffineTransform& toDevice, Antialias antialias,
-                const ClipRegion& clip, CoverageSink& sink);
-
   /// Strokes the path. The pen is round in user space: the transform shapes it. With
   /// antialiasing off, lines of up to one device pixel are drawn one pixel thin.
   void strokePath(const PathData& path, const StrokeStyle& style, const CGAffineTransform& toDevice,

@@ -15,11 +15,6 @@
 std::optional<DeviceBounds> deviceRectangle(const PathData& path,
                                             const CGAffineTransform& toDevice);
 
-/// Whether `toDevice` maps rectangles to rectangles.
-constexpr bool keepsRectangles(const CGAffineTransform& toDevice) {
-  return (toDevice.b == 0 && toDevice.c == 0) || (toDevice.a == 0 && toDevice.d == 0);
-}
-
 /// The coverage of a rectangle within `box`, the same as the scan converter's, without scan
 /// conversion.
 void emitRectangle(const DeviceBounds& rectangle, Antialias antialias, const PixelBox& box,

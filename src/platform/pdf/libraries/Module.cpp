@@ -111,9 +111,6 @@ class PopplerFile final : public PDFFile {
     }
   }
 
-  int pageCount() const override {
-    return guarded(0, [this] { return poppler_document_get_n_pages(document_.get()); });
-  }
   NSSize firstPageSize() const override {
     return guarded(NSZeroSize, [this] {
       const auto page = firstPage();

@@ -62,9 +62,7 @@ FaceMetrics readMetrics(hb_font_t* font) {
   m.leading = std::max(0, position(HB_OT_METRICS_TAG_HORIZONTAL_LINE_GAP));
   m.xHeight = position(HB_OT_METRICS_TAG_X_HEIGHT);
   m.capHeight = position(HB_OT_METRICS_TAG_CAP_HEIGHT);
-  m.underlinePosition = position(HB_OT_METRICS_TAG_UNDERLINE_OFFSET);
   m.underlineThickness = position(HB_OT_METRICS_TAG_UNDERLINE_SIZE);
-  m.italicAngle = hb_style_get_value(font, HB_STYLE_TAG_SLANT_ANGLE);
   return m;
 }
 
