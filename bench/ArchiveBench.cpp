@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "Ratio.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
 #include "platform/graphics/GraphicsClasses.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/color/NSColor.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <functional>
 
 #include "Ratio.h"
-#include "platform/graphics/CGContext.h"
-#include "platform/graphics/GradientDrawing.h"
+#include "platform/graphics/context/CGContext.h"
+#include "platform/graphics/context/GradientDrawing.h"
 
 namespace {
 

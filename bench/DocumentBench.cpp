@@ -7,9 +7,9 @@
 
 #include "document/PaintManager.h"
 #include "draw/shapes/DrawRectangle.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 

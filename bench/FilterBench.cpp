@@ -14,7 +14,7 @@
 
 #include "Ratio.h"
 #include "platform/filters/CIFilter.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/values/NSNumber.h"
 
 namespace {
 

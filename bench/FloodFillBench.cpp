@@ -10,8 +10,8 @@
 #include "Ratio.h"
 #include "draw/raster/ImageFill.h"
 #include "draw/raster/ImageMask.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
 
 namespace {
 

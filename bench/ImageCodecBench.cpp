@@ -8,9 +8,8 @@
 #include <cstdlib>
 
 #include "Ratio.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/codecs/ImageDecoder.h"
-#include "platform/graphics/codecs/PNGEncoder.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "document/PaintManager.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectangle.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
 
 namespace {
 

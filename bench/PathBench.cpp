@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "Ratio.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/pixels/PathRenderer.h"
-#include "platform/graphics/pixels/SpanCompositor.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/pixels/coverage/PathRenderer.h"
+#include "platform/graphics/pixels/paint/SpanCompositor.h"
 
 namespace {
 
@@ -163,7 +163,7 @@ class Ours {
     }
   }
 
-  PixelSurface surface_{NSBitmapImageRep::create(kWidth, kHeight), 0, 0};
+  PixelSurface surface_{std::make_shared<PixelBuffer>(kWidth, kHeight), 0, 0};
   PathRenderer renderer_;
 };
 

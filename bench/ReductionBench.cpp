@@ -6,7 +6,7 @@
 #include <random>
 
 #include "Ratio.h"
-#include "platform/graphics/Resampler.h"
+#include "platform/graphics/resample/Resampler.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 
 #include "Ratio.h"
 #include "draw/raster/DrawBrushes.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 

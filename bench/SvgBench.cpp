@@ -11,10 +11,10 @@
 #include <string>
 
 #include "Ratio.h"
-#include "platform/foundation/NSData.h"
+#include "platform/foundation/values/NSData.h"
 #include "svg/CGSVGRenderer.h"
-#include "svg/SVGDocument.h"
 #include "svg/ZTSVGTool.h"
+#include "svg/tree/SVGDocument.h"
 
 namespace {
 

@@ -5,11 +5,12 @@
 #include <string>
 
 #include "Ratio.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/text/NSLayoutManager.h"
-#include "platform/text/NSTextStorage.h"
-#include "platform/text/TextDrawing.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/text/drawing/TextDrawing.h"
+#include "platform/text/host/NSLayoutManager.h"
+#include "platform/text/host/NSTextStorage.h"
+#include "platform/text/host/TextAttributes.h"
 
 namespace {
 

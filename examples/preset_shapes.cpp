@@ -11,8 +11,8 @@
 #include "draw/shapes/DrawMessages.h"
 #include "draw/shapes/DrawRectShape.h"
 #include "draw/shapes/FixedOutlines.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/color/NSColor.h"
 
 namespace {
 

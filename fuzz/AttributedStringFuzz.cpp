@@ -8,22 +8,23 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/graphics/CGContext.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/foundation/values/NSNumber.h"
 #include "platform/graphics/GraphicsClasses.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSShadow.h"
-#include "platform/text/FontRegistry.h"
-#include "platform/text/NSTextStorage.h"
-#include "platform/text/TextClasses.h"
-#include "platform/text/TextDecorations.h"
-#include "platform/text/TextDrawing.h"
-#include "platform/text/TextLayout.h"
-#include "platform/text/TextRanges.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/CGContext.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/text/drawing/TextDecorations.h"
+#include "platform/text/drawing/TextDrawing.h"
+#include "platform/text/fonts/FontRegistry.h"
+#include "platform/text/host/NSTextStorage.h"
+#include "platform/text/host/TextAttributes.h"
+#include "platform/text/host/TextClasses.h"
+#include "platform/text/layout/TextLayout.h"
+#include "platform/text/layout/TextRanges.h"
 
 namespace {
 

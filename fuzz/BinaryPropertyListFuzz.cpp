@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/foundation/BinaryPropertyList.h"
+#include "platform/foundation/archive/BinaryPropertyList.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // A whole document: decode it, compose it, write it again.
 #include "document/PaintManager.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/text/FontRegistry.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/text/fonts/FontRegistry.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // What happens to be installed plays no part.

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/values/NSData.h"
 #include "platform/graphics/GraphicsClasses.h"
 
 namespace {

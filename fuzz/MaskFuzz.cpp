@@ -10,13 +10,13 @@
 #include "draw/raster/DrawFill.h"
 #include "draw/raster/ImageMask.h"
 #include "draw/raster/RegionBorder.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

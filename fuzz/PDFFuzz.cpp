@@ -1,7 +1,7 @@
 // PDF files, as far as the engine goes with them: the first page on a small bitmap.
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/pdf/PDFDocument.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/pictures/PDFDocument.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto document = PDFDocument::initWithData(NSData::dataWithBytes({data, size}));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "svg/SVGAssertion.h"
+#include "svg/draw/SVGAssertion.h"
 
 /// Thrown in place of the assertion that ends the process at an arc of an unsupported kind: such
 /// inputs are no findings. Include in one source of a fuzz target; its definition is taken instead

@@ -3,9 +3,9 @@
 #include <string>
 
 #include "SVGArcFilter.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "svg/CGSVGRenderer.h"
-#include "svg/SVGDocument.h"
+#include "svg/tree/SVGDocument.h"
 
 // Reads a text and draws it onto a small bitmap. Reading gives a document up at an unsupported arc
 // as at any other exception.

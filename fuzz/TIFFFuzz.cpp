@@ -1,6 +1,6 @@
 // TIFF files of any kind.
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/codecs/ImageDecoder.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (imageFormatOf({data, size}) == ImageFormat::tiff) decodeImage({data, size});

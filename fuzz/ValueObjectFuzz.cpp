@@ -8,19 +8,20 @@
 #include <span>
 #include <vector>
 
-#include "draw/core/ZTBezierPathExtension.h"
-#include "platform/foundation/NSData.h"
+#include "draw/core/StrokeOutline.h"
+#include "draw/core/ZTArrowPathInfo.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/values/NSData.h"
 #include "platform/graphics/GraphicsClasses.h"
-#include "platform/graphics/NSAffineTransform.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/graphics/path/NSAffineTransform.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "extension/ThumbnailProvider.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 namespace {
 

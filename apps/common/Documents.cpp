@@ -4,7 +4,7 @@
 
 #include <system_error>
 
-#include "platform/foundation/FileWriting.h"
+#include "platform/foundation/files/FileWriting.h"
 
 std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
   auto url = NSURL::URLWithString(argument);

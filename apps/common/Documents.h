@@ -7,8 +7,8 @@
 
 #include "common/ExitStatus.h"
 #include "document/PaintManager.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/foundation/values/NSURL.h"
 
 /// The file that an argument means: a path, or a file: URI.
 std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument);

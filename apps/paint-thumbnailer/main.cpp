@@ -7,8 +7,8 @@
 #include "common/Documents.h"
 #include "common/ResourceLimits.h"
 #include "extension/ThumbnailProvider.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/codecs/PNGEncoder.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 namespace {
 

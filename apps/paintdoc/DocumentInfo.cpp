@@ -7,7 +7,7 @@
 #include "document/DrawGroup.h"
 #include "draw/image/DrawImage2.h"
 #include "paintdoc/JsonWriter.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/color/NSColor.h"
 
 namespace {
 

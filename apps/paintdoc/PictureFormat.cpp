@@ -4,11 +4,10 @@
 #include <cctype>
 #include <memory>
 
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/codecs/ImageDecoder.h"
-#include "platform/graphics/codecs/PNGEncoder.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "paintdoc/JsonWriter.h"
 #include "paintdoc/Progress.h"
 #include "platform/foundation/Limits.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "svg/ZTSVGTool.h"
 
 namespace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 const NSClass DrawGroup::kClass{"DrawGroup", &DrawBase::kClass, NSAllocate<DrawGroup>};
 

@@ -4,8 +4,8 @@
 
 #include "document/DrawGroup.h"
 #include "draw/image/DrawImage2.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 const NSClass PaintManager::kClass{"PaintManager", &NSObject::kClass, NSAllocate<PaintManager>};
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "document/PaintedAreas.h"
+#include "document/DirtyRectangles.h"
 #include "draw/core/DrawBase.h"
 #include "platform/foundation/NSObject.h"
 #include "platform/foundation/PaintExport.h"
@@ -237,6 +237,6 @@ class PAINT_API PaintManager : public NSObject {
   std::shared_ptr<NSBitmapImageRep> image_;
   std::shared_ptr<NSBitmapImageRep> imageBuffer_;
   int64_t _imageRefreshControl = kRebuildBuffer;
-  PaintedAreas areas_;
+  DirtyRectangles areas_;
   ProgressHandler progressHandler_;
 };

@@ -13,14 +13,14 @@
 #include "draw/image/DrawImage2.h"
 #include "platform/foundation/Convert.h"
 #include "platform/foundation/Limits.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/foundation/NSString.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/values/NSBundle.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/graphics/color/NSColor.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ double secondsSince1970() {
 }
 
 /// Toward zero through a 32-bit integer, whose largest number stands for all that are larger.
-CGFloat wholePixels(CGFloat side) {
+CGFloat truncatedSide(CGFloat side) {
   return static_cast<CGFloat>(clampToInteger<int32_t>(side));
 }
 
@@ -169,7 +169,7 @@ void PaintManager::encodeWithCoder(NSCoder& coder) const {
 bool PaintManager::initWithCoder(NSCoder& coder) {
   if (auto context = decodeContext(coder)) setPaintMangerContext(coder, std::move(context));
   const NSSize size = NSSizeFromString(coder.decodeStringForKey(kCanvasSize).value_or(""));
-  size_ = {wholePixels(size.width), wholePixels(size.height)};
+  size_ = {truncatedSide(size.width), truncatedSide(size.height)};
   if (const auto draws = coder.decodeObjectOfClass<NSArray>(kDrawsArray)) {
     std::unordered_set<const NSObject*> seen;
     for (const auto& object : *draws) {

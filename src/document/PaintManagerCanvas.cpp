@@ -5,10 +5,10 @@
 #include "document/PaintManager.h"
 #include "draw/image/DrawSVG.h"
 #include "platform/foundation/Limits.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSImage.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSImage.h"
 
 namespace {
 

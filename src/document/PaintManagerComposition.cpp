@@ -3,10 +3,10 @@
 
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

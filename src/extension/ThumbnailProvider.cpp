@@ -4,13 +4,13 @@
 #include <utility>
 
 #include "document/PaintManager.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 
-std::shared_ptr<NSBitmapImageRep> fullImageOfFile(const NSURL& url) {
+std::shared_ptr<NSBitmapImageRep> composedImageOfFile(const NSURL& url) {
   const auto data = NSData::dataWithContentsOfURL(url);
   const auto document = PaintManager::paintMgrWithPaintData(data, nullptr, nullptr);
   return document != nullptr ? document->composedImage() : nullptr;
@@ -47,5 +47,6 @@ std::shared_ptr<QLThumbnailReply> ThumbnailProvider::replyForImage(
 
 void ThumbnailProvider::provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
                                                        const CompletionHandler& completionHandler) {
-  completionHandler(replyForImage(fullImageOfFile(request.fileURL()), request.maximumSize()), {});
+  completionHandler(replyForImage(composedImageOfFile(request.fileURL()), request.maximumSize()),
+                    {});
 }

@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "platform/foundation/Limits.h"
-#include "platform/graphics/CGGradient.h"
-#include "svg/CGSVGImageData.h"
-#include "svg/CGSVGTransform.h"
-#include "svg/SVGAssertion.h"
+#include "platform/graphics/gradient/CGGradient.h"
+#include "svg/draw/CGSVGImageData.h"
+#include "svg/draw/CGSVGTransform.h"
+#include "svg/draw/SVGAssertion.h"
 
 namespace SVGNative {
 

@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "platform/graphics/CGContext.h"
-#include "svg/CGSVGPath.h"
-#include "svg/SVGRenderer.h"
+#include "platform/graphics/context/CGContext.h"
+#include "svg/draw/CGSVGPath.h"
+#include "svg/draw/SVGRenderer.h"
 
 namespace SVGNative {
 

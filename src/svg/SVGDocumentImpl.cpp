@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "svg/SVGAttributes.h"
-#include "svg/SVGDocumentParser.h"
-#include "svg/SVGLength.h"
-#include "svg/SVGTreeWalker.h"
+#include "svg/parse/SVGAttributes.h"
+#include "svg/parse/SVGLength.h"
+#include "svg/tree/SVGDocumentParser.h"
+#include "svg/tree/SVGTreeWalker.h"
 
 namespace SVGNative {
 

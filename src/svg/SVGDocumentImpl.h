@@ -3,12 +3,12 @@
 #include <memory>
 #include <string_view>
 
-#include "svg/SVGDocument.h"
-#include "svg/SVGElement.h"
-#include "svg/SVGRenderer.h"
 #include "svg/SVGStringParser.h"
-#include "svg/SVGViewport.h"
-#include "svg/SVGXMLDocument.h"
+#include "svg/draw/SVGRenderer.h"
+#include "svg/parse/SVGViewport.h"
+#include "svg/parse/SVGXMLDocument.h"
+#include "svg/tree/SVGDocument.h"
+#include "svg/tree/SVGElement.h"
 
 namespace SVGNative {
 

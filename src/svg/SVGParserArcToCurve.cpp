@@ -6,7 +6,7 @@
 #include <numbers>
 #include <utility>
 
-#include "svg/SVGAssertion.h"
+#include "svg/draw/SVGAssertion.h"
 
 namespace SVGNative {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "svg/SVGRenderer.h"
+#include "svg/draw/SVGRenderer.h"
 
 namespace SVGNative {
 

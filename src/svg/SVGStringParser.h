@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "svg/SVGColor.h"
-#include "svg/SVGNameMap.h"
-#include "svg/SVGRenderer.h"
+#include "svg/draw/SVGColor.h"
+#include "svg/draw/SVGRenderer.h"
+#include "svg/parse/SVGNameMap.h"
 
 namespace SVGNative {
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/Unicode.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 #include "svg/CGSVGRenderer.h"
-#include "svg/SVGDocument.h"
+#include "svg/tree/SVGDocument.h"
 
 using SVGNative::CGSVGRenderer;
 using SVGNative::SVGDocument;

@@ -4,7 +4,7 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/PaintExport.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 class NSData;
 

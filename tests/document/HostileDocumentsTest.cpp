@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "document/PaintManager.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/text/FontRegistry.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/text/fonts/FontRegistry.h"
 #include "support/Documents.h"
 #include "support/Fixtures.h"
 

@@ -6,10 +6,10 @@
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/shapes/DrawRectangle.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSImage.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSImage.h"
+#include "platform/graphics/color/NSColor.h"
 #include "support/Bitmaps.h"
 
 namespace {

@@ -5,9 +5,9 @@
 #include "document/DrawGroup.h"
 #include "document/PaintManager.h"
 #include "draw/image/DrawImage2.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 

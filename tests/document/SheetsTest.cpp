@@ -6,7 +6,7 @@
 #include <string>
 
 #include "document/PaintManager.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
 

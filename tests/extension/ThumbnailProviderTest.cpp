@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "extension/ThumbnailProvider.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSObject.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSData.h"
 
 /// An archive that make_archives.py left in the build folder, for example "good/graph".
 std::shared_ptr<NSData> madeArchive(const std::string& name);

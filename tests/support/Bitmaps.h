@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 using Pixel = std::array<uint8_t, 4>;
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "document/PaintManager.h"
-#include "platform/foundation/NSData.h"
+#include "platform/foundation/values/NSData.h"
 
 /// Bytes of a document that make_documents.py left in the build folder, for example "red".
 std::shared_ptr<NSData> madeDocumentData(const std::string& name);

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
 
 /// A draw as its class initialises it.
 template <class Draw>

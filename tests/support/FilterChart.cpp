@@ -1,7 +1,7 @@
 #include "support/FilterChart.h"
 
 #include "platform/filters/CIFilter.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/values/NSNumber.h"
 
 namespace {
 

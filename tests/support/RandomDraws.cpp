@@ -7,9 +7,9 @@
 #include "draw/shapes/DrawMessages.h"
 #include "draw/shapes/DrawRectShape.h"
 #include "draw/shapes/FixedOutlines.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
 #include "support/Bitmaps.h"
 #include "support/Draws.h"
 

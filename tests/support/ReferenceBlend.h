@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/graphics/CompositingOperation.h"
+#include "platform/graphics/pixels/paint/CompositingOperation.h"
 
 /// Premultiplied red, green, blue and alpha in 0..1.
 using UnitPixel = std::array<double, 4>;

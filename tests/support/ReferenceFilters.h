@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 namespace reference {
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "support/Bitmaps.h"
 #include "svg/CGSVGRenderer.h"
-#include "svg/SVGDocument.h"
+#include "svg/tree/SVGDocument.h"
 
 using namespace SVGNative;
 

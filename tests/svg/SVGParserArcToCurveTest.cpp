@@ -5,9 +5,9 @@
 #include <random>
 #include <vector>
 
-#include "RecordingPath.h"
 #include "svg/SVGParserArcToCurve.h"
 #include "svg/SVGStringParser.h"
+#include "svg/parse/RecordingPath.h"
 
 using namespace SVGNative;
 

@@ -1,4 +1,4 @@
-#include "SVGPictureCases.h"
+#include "svg/SVGPictureCases.h"
 
 namespace {
 

@@ -12,11 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "SVGPictureCases.h"
-#include "platform/foundation/NSData.h"
+#include "platform/foundation/values/NSData.h"
 #include "platform/graphics/codecs/PixelConversion.h"
-#include "svg/SVGNamedColors.h"
+#include "svg/SVGPictureCases.h"
 #include "svg/ZTSVGTool.h"
+#include "svg/parse/SVGNamedColors.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include <limits>
 #include <string>
 
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/codecs/PNGEncoder.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
 #include "support/Bitmaps.h"
-#include "svg/Base64.h"
 #include "svg/ZTSVGTool.h"
+#include "svg/draw/Base64.h"
 
 namespace {
 

@@ -1,4 +1,6 @@
 // Arrow heads: equilateral triangles whose size follows the line width.
+#include "draw/core/ArrowGeometry.h"
+
 #include <algorithm>
 #include <cmath>
 

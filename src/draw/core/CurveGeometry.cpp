@@ -1,4 +1,6 @@
 // Cubic Bezier segments: positions, lengths, searches, division.
+#include "draw/core/CurveGeometry.h"
+
 #include <algorithm>
 #include <cmath>
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "draw/core/ZTSmallKits.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSString.h"
-#include "platform/text/NSFont.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/text/fonts/NSFont.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSNumber.h"
 
 /// Whether two attribute dictionaries say the same; the class names they come from play no part.
 /// Null counts as empty.

@@ -5,7 +5,7 @@
 
 #include "draw/core/PathGeometry.h"
 #include "draw/core/ReflectionLimits.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/color/NSColor.h"
 
 const NSClass DrawBase::kClass{"DrawBase", &NSObject::kClass, NSAllocate<DrawBase>};
 

@@ -10,8 +10,8 @@
 #include "draw/core/AxisMap.h"
 #include "platform/foundation/NSObject.h"
 #include "platform/foundation/PaintExport.h"
-#include "platform/graphics/NSAffineTransform.h"
-#include "platform/graphics/NSBezierPath.h"
+#include "platform/graphics/path/NSAffineTransform.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 class AttributeReader;
 class AttributeWriter;

@@ -1,11 +1,11 @@
 // Attribute dictionaries: how attributes travel from one draw to another.
 #include "draw/core/DrawAttributes.h"
 #include "draw/core/DrawBase.h"
-#include "platform/foundation/NSString.h"
-#include "platform/foundation/NSValue.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/foundation/values/NSValue.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 namespace {
 constexpr const char* kClassName = "DAKeyClassName";

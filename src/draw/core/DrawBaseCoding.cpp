@@ -4,14 +4,14 @@
 #include "draw/core/DrawBase.h"
 #include "draw/core/PaintManagerContext.h"
 #include "draw/core/ReflectionLimits.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSException.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 namespace {
 

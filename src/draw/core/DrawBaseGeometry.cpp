@@ -5,8 +5,8 @@
 
 #include "draw/core/DrawBase.h"
 #include "draw/core/ReflectionLimits.h"
-#include "draw/core/ZTBezierPathExtension.h"
-#include "platform/graphics/NSShadow.h"
+#include "draw/core/ZTArrowPathInfo.h"
+#include "platform/graphics/context/NSShadow.h"
 
 namespace {
 

@@ -8,11 +8,13 @@
 #include "draw/core/DrawBase.h"
 #include "draw/core/InnerShadow.h"
 #include "draw/core/ReflectionLimits.h"
+#include "draw/core/StrokeOutline.h"
+#include "draw/core/ZTArrowPathInfo.h"
 #include "draw/core/ZTBezierPathExtension.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 namespace {
 

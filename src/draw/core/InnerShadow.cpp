@@ -1,9 +1,9 @@
 #include "draw/core/InnerShadow.h"
 
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSColorDrawing.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/color/PaintComponents.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 CGFloat shadowAlpha(const NSShadow& shadow) {
   return shadow.shadowColor() != nullptr ? shadow.shadowColor()->alphaComponent() : 0;

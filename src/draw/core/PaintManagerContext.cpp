@@ -1,7 +1,7 @@
 #include "draw/core/PaintManagerContext.h"
 
 #include "draw/core/DrawBase.h"
-#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/values/NSCoder.h"
 
 const NSClass PaintManagerContext::kClass{"PaintManagerContext", &NSObject::kClass,
                                           NSAllocate<PaintManagerContext>};

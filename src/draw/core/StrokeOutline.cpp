@@ -1,6 +1,8 @@
 // The area that stroking a path covers, as a path.
-#include "draw/core/ZTBezierPathExtension.h"
-#include "platform/graphics/pixels/PathRenderer.h"
+#include "draw/core/StrokeOutline.h"
+
+#include "draw/core/PathGeometry.h"
+#include "platform/graphics/pixels/coverage/PathRenderer.h"
 
 CGPath copyStrokeOutlineCGPath(const NSBezierPath& path) {
   StrokeStyle style;

@@ -1,6 +1,8 @@
+#include "draw/core/ZTArrowPathInfo.h"
+
 #include <algorithm>
 
-#include "draw/core/ZTBezierPathExtension.h"
+#include "draw/core/ArrowGeometry.h"
 
 namespace {
 

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <vector>
 
+#include "draw/core/CurveGeometry.h"
+#include "draw/core/PathGeometry.h"
+
 bool hasOddLineWidth(const NSBezierPath& path) {
   constexpr CGFloat kWidest = 1e9;
   const CGFloat width = path.lineWidth();
@@ -44,18 +47,18 @@ bool toggleClosePath(NSBezierPath& path) {
 namespace {
 
 /// One drawn piece of a path: a line (2 points) or a cubic (4 points).
-struct Segment {
+struct PathSegment {
   NSPoint p[4];
   bool curved;
   int64_t element;
 };
 
-double lengthOf(const Segment& s) {
+double lengthOf(const PathSegment& s) {
   return s.curved ? LengthOfCurvedBezierPath(s.p[0], s.p[1], s.p[2], s.p[3])
                   : DistanceBetweenTwoPoints(s.p[0], s.p[1]);
 }
 
-NSPoint endOf(const Segment& s) {
+NSPoint endOf(const PathSegment& s) {
   return s.curved ? s.p[3] : s.p[1];
 }
 
@@ -64,7 +67,7 @@ template <class Visit>
 void forEachSegment(const NSBezierPath& path, Visit visit) {
   NSPoint start, current, p[3];
   for (int64_t i = 0; i < path.elementCount(); ++i) {
-    Segment s{{current}, false, i};
+    PathSegment s{{current}, false, i};
     switch (path.elementAtIndex(i, p)) {
       case NSMoveToBezierPathElement:
         start = current = p[0];
@@ -85,7 +88,7 @@ void forEachSegment(const NSBezierPath& path, Visit visit) {
 }
 
 /// The position `length` along one segment; the search goes on where it was.
-PathPosition positionOn(const Segment& s, double length, CurveSearch& search) {
+PathPosition positionOn(const PathSegment& s, double length, CurveSearch& search) {
   if (s.curved) {
     FindPointOnCurvedBezierPath(&search, s.p[0], s.p[1], s.p[2], s.p[3], length);
     const NSPoint start{s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y};
@@ -98,12 +101,12 @@ PathPosition positionOn(const Segment& s, double length, CurveSearch& search) {
           {s.p[1].x - s.p[0].x, s.p[1].y - s.p[0].y}};
 }
 
-PathPosition positionOn(const Segment& s, double length) {
+PathPosition positionOn(const PathSegment& s, double length) {
   CurveSearch search;
   return positionOn(s, length, search);
 }
 
-double parameterAt(const Segment& s, double length, double total) {
+double parameterAt(const PathSegment& s, double length, double total) {
   if (length <= 0) return 0;
   if (length >= total) return 1;
   CurveSearch search;
@@ -112,7 +115,7 @@ double parameterAt(const Segment& s, double length, double total) {
 }
 
 /// Appends the piece of a segment between two lengths on it.
-void appendPiece(NSBezierPath& out, const Segment& s, double from, double to, double total) {
+void appendPiece(NSBezierPath& out, const PathSegment& s, double from, double to, double total) {
   if (!s.curved) {
     const NSPoint a = positionOn(s, from).point;
     if (out.currentPoint() != a) out.moveToPoint(a);
@@ -135,7 +138,7 @@ void appendPiece(NSBezierPath& out, const Segment& s, double from, double to, do
 
 float pathLineLength(const NSBezierPath& path) {
   float total = 0;
-  forEachSegment(path, [&](const Segment& s) {
+  forEachSegment(path, [&](const PathSegment& s) {
     total = static_cast<float>(total + lengthOf(s));
     return true;
   });
@@ -144,7 +147,7 @@ float pathLineLength(const NSBezierPath& path) {
 
 struct PathMeasure::Measured {
   struct Piece {
-    Segment segment;
+    PathSegment segment;
     double start;
     double length;
   };
@@ -157,7 +160,7 @@ struct PathMeasure::Measured {
 
 PathMeasure::PathMeasure(const NSBezierPath& path) : measured_(std::make_unique<Measured>()) {
   double start = 0;
-  forEachSegment(path, [&](const Segment& s) {
+  forEachSegment(path, [&](const PathSegment& s) {
     const double length = lengthOf(s);
     measured_->pieces.push_back({s, start, length});
     measured_->total = static_cast<float>(measured_->total + length);
@@ -198,7 +201,7 @@ std::shared_ptr<NSBezierPath> subPathWithLengthFrom(const NSBezierPath& path, do
   auto result = path.copy();
   result->removeAllPoints();
   double walked = 0;
-  forEachSegment(path, [&](const Segment& s) {
+  forEachSegment(path, [&](const PathSegment& s) {
     const double length = lengthOf(s);
     const double a = std::max(from - walked, 0.0);
     const double b = std::min(to - walked, length);

@@ -2,38 +2,8 @@
 
 #include <memory>
 
-#include "draw/core/PathGeometry.h"
-#include "platform/foundation/NSObject.h"
-#include "platform/graphics/CGPath.h"
-#include "platform/graphics/NSBezierPath.h"
-
-/// Arrow heads of a path and the path to stroke under them.
-class ZTArrowPathInfo : public NSObject {
- public:
-  /// Closed triangles at the first and the last point; null where there is none.
-  const std::shared_ptr<NSBezierPath>& startArrowPath() const { return startArrowPath_; }
-  const std::shared_ptr<NSBezierPath>& endArrowPath() const { return endArrowPath_; }
-  /// A copy with pulled back ends, or a copy of the asked path when nothing moved.
-  const std::shared_ptr<NSBezierPath>& adjustedBezierPath() const { return adjustedBezierPath_; }
-  /// Whether an end moved.
-  bool hadAdjustBezierPath() const { return hadAdjustBezierPath_; }
-
-  void setStartArrowPath(std::shared_ptr<NSBezierPath> path) { startArrowPath_ = std::move(path); }
-  void setEndArrowPath(std::shared_ptr<NSBezierPath> path) { endArrowPath_ = std::move(path); }
-  void setAdjustedBezierPath(std::shared_ptr<NSBezierPath> path) {
-    adjustedBezierPath_ = std::move(path);
-  }
-  void setHadAdjustBezierPath(bool adjusted) { hadAdjustBezierPath_ = adjusted; }
-
- private:
-  bool hadAdjustBezierPath_ = false;
-  std::shared_ptr<NSBezierPath> startArrowPath_;
-  std::shared_ptr<NSBezierPath> endArrowPath_;
-  std::shared_ptr<NSBezierPath> adjustedBezierPath_;
-};
-
-/// Arrow style 2 has heads at both ends, any other non-zero style at the end only.
-inline constexpr int64_t kArrowStyleBothEnds = 2;
+#include "platform/graphics/path/CGPath.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 /// Whether the last or second-to-last element closes the path (false below 4 elements).
 bool isPathClosed(const NSBezierPath& path);
@@ -45,16 +15,6 @@ bool toggleClosePath(NSBezierPath& path);
 bool hasOddLineWidth(const NSBezierPath& path);
 /// The path without its last n elements.
 std::shared_ptr<NSBezierPath> removeLastElements(const NSBezierPath& path, int64_t n);
-
-/// The arrow heads of a style; null for style 0 and below 2 elements.
-std::unique_ptr<ZTArrowPathInfo> getArrowInfoWithStyle(const NSBezierPath& path, int64_t style,
-                                                       double lineWidth);
-std::unique_ptr<ZTArrowPathInfo> getArrowInfoWithStyle(const NSBezierPath& path, int64_t style);
-
-/// Outline of the stroked path (its width, cap and join; every miter a bevel; no dash), and the
-/// same as a path to fill with the non-zero rule, of line width 1 and round joins.
-CGPath copyStrokeOutlineCGPath(const NSBezierPath& path);
-std::shared_ptr<NSBezierPath> strokeOutlinePath(const NSBezierPath& path);
 
 /// Total length, summed in single precision.
 float pathLineLength(const NSBezierPath& path);

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/text/NSFontManager.h"
+#include "platform/text/fonts/NSFontManager.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 class NSFont;
 

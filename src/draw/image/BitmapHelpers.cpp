@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/PixelMoves.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/pixels/PixelMoves.h"
 
 namespace {
 
@@ -21,8 +21,8 @@ NSBitmapImageRepPointer copied(const NSBitmapImageRep& image, const NSSize& size
 }
 
 NSBitmapImageRepPointer moved(const NSBitmapImageRep& image, const PixelMove& move) {
-  auto result = movedPixels(image, move);
-  if (result != nullptr) result->setHasAlpha(true);
+  auto result = std::make_shared<NSBitmapImageRep>(movedPixels(image.pixels(), move));
+  result->setHasAlpha(true);
   return result;
 }
 

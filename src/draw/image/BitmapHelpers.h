@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "platform/foundation/Geometry.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 // Functions that make bitmaps of bitmaps. Arguments never change, except those of the two clearing
 // functions; results are new and have an alpha channel. Rectangles are in pixels, origin bottom

@@ -1,7 +1,7 @@
 #include "draw/image/DrawFilter.h"
 
 #include "draw/image/DrawFilter2.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 const NSClass DrawFilter::kClass{"DrawFilter", &DrawImage::kClass, NSAllocate<DrawFilter>};
 

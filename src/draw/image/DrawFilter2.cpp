@@ -1,7 +1,7 @@
 #include "draw/image/DrawFilter2.h"
 
 #include "draw/image/BitmapHelpers.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 const NSClass DrawFilter2::kClass{"DrawFilter2", &DrawImage2::kClass, NSAllocate<DrawFilter2>};
 

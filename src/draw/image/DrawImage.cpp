@@ -5,10 +5,10 @@
 #include "draw/image/DrawFilter.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/image/PictureDrawing.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
 
 const NSClass DrawImage::kClass{"DrawImage", &DrawRectangle::kClass, NSAllocate<DrawImage>};
 

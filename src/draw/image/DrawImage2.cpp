@@ -6,7 +6,7 @@
 #include "draw/image/BitmapHelpers.h"
 #include "draw/image/DrawPDF.h"
 #include "draw/image/DrawSVG.h"
-#include "platform/foundation/NSData.h"
+#include "platform/foundation/values/NSData.h"
 
 const NSClass DrawImage2::kClass{"DrawImage2", &DrawRoundRectangle::kClass, NSAllocate<DrawImage2>};
 

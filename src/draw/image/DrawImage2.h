@@ -66,7 +66,7 @@ class DrawImage2 : public DrawRoundRectangle {
 
  private:
   void normalizeOpacity();
-  void decodeImage(NSCoder& coder);
+  void initImageWithCoder(NSCoder& coder);
   void encodeImage(NSCoder& coder) const;
   void drawImage(const NSBitmapImageRep& image, const NSRect& bounds) const;
   void drawStrokeAround();

@@ -1,8 +1,8 @@
 // Embedded bitmaps in archives.
 #include "draw/image/DrawImage2.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ std::shared_ptr<NSData> archivedFile(const NSBitmapImageRep& bitmap, bool isOwn)
 
 bool DrawImage2::initWithCoder(NSCoder& coder) {
   if (!DrawRoundRectangle::initWithCoder(coder)) return false;
-  if (shouldEncodeImage()) decodeImage(coder);
+  if (shouldEncodeImage()) initImageWithCoder(coder);
   fImageOpacity_ =
       coder.containsValueForKey(kOpacity) ? coder.decodeFloatForKey(kOpacity) : kNoImageOpacity;
   if (!(lineWidth() > 0)) setEnableStroke(false);
@@ -34,7 +34,7 @@ bool DrawImage2::initWithCoder(NSCoder& coder) {
   return true;
 }
 
-void DrawImage2::decodeImage(NSCoder& coder) {
+void DrawImage2::initImageWithCoder(NSCoder& coder) {
   _hasRerender = coder.decodeBoolForKey(kHasRerender);
   _image = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
   if (_image == nullptr) imageData_ = coder.decodeDataForKey(kImageData);

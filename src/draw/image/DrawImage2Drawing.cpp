@@ -4,10 +4,10 @@
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/image/PictureDrawing.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "draw/image/RasterizedPicture.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/pdf/PDFDocument.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/pictures/PDFDocument.h"
 
 const NSClass DrawPDF::kClass{"DrawPDF", &DrawImage2::kClass, NSAllocate<DrawPDF>};
 

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "draw/image/RasterizedPicture.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "svg/ZTSVGTool.h"
 
 const NSClass DrawSVG::kClass{"DrawSVG", &DrawImage2::kClass, NSAllocate<DrawSVG>};

@@ -3,11 +3,11 @@
 #include <span>
 
 #include "draw/image/ImageFilterMembers.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSBundle.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
 
 namespace {
 

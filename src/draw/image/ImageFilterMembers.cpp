@@ -3,8 +3,8 @@
 #include "draw/core/DrawAttributes.h"
 #include "draw/image/ImageFilters.h"
 #include "draw/raster/ImageMask.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSBezierPath.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 class NSArray;
 class NSCoder;

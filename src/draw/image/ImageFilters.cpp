@@ -1,11 +1,11 @@
 #include "draw/image/ImageFilters.h"
 
 #include "platform/filters/CIFilter.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

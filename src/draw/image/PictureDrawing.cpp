@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "draw/core/InnerShadow.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 

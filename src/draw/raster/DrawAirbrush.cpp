@@ -6,14 +6,13 @@
 #include "draw/raster/DrawBrushes.h"
 #include "platform/foundation/Convert.h"
 #include "platform/foundation/Limits.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
-#include "platform/graphics/codecs/ImageDecoder.h"
-#include "platform/graphics/codecs/PNGEncoder.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
 
 const NSClass DrawAirbrush::kClass{"DrawAirbrush", &DrawBase::kClass, NSAllocate<DrawAirbrush>};
 

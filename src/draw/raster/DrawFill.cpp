@@ -4,10 +4,10 @@
 
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/raster/ImageMask.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 const NSClass DrawFill::kClass{"DrawFill", &DrawBase::kClass, NSAllocate<DrawFill>};
 const NSClass DrawClear::kClass{"DrawClear", &DrawBase::kClass, NSAllocate<DrawClear>};

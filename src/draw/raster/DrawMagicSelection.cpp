@@ -1,8 +1,8 @@
 #include "draw/raster/DrawSelections.h"
 #include "draw/raster/ImageFill.h"
 #include "draw/raster/ImageMask.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
 
 const NSClass DrawMagicSelection::kClass{"DrawMagicSelection", &DrawBase::kClass,
                                          NSAllocate<DrawMagicSelection>};

@@ -2,10 +2,10 @@
 #include <cmath>
 
 #include "draw/raster/DrawBrushes.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 const NSClass DrawPen::kClass{"DrawPen", &DrawBase::kClass, NSAllocate<DrawPen>};
 const NSClass DrawEraser::kClass{"DrawEraser", &DrawPen::kClass, NSAllocate<DrawEraser>};

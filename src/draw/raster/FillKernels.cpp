@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/TargetClones.h"
+#include "platform/machine/TargetClones.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ inline uint64_t eightAt(const uint8_t* p) {
 
 }  // namespace
 
-VECTOR_CLONES uint8_t colorDistances(uint8_t* distances, const uint32_t* pixels, size_t count,
+TARGET_CLONES uint8_t colorDistances(uint8_t* distances, const uint32_t* pixels, size_t count,
                                      uint32_t seed) {
   int32_t largest = 0;
   for (size_t i = 0; i < count; ++i) {
@@ -34,12 +34,12 @@ VECTOR_CLONES uint8_t colorDistances(uint8_t* distances, const uint32_t* pixels,
   return static_cast<uint8_t>(largest);
 }
 
-VECTOR_CLONES void markBeyond(uint8_t* marks, const uint8_t* distances, size_t count,
+TARGET_CLONES void markBeyond(uint8_t* marks, const uint8_t* distances, size_t count,
                               uint8_t tolerance) {
   for (size_t i = 0; i < count; ++i) marks[i] = distances[i] > tolerance;
 }
 
-VECTOR_CLONES void selectMarks(uint8_t* selected, const uint8_t* marks, size_t count,
+TARGET_CLONES void selectMarks(uint8_t* selected, const uint8_t* marks, size_t count,
                                uint8_t value) {
   for (size_t i = 0; i < count; ++i) selected[i] = marks[i] == value;
 }

@@ -9,9 +9,9 @@
 #include "draw/raster/ImageMask.h"
 #include "draw/raster/MaskKernels.h"
 #include "draw/raster/RegionBorder.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

@@ -7,13 +7,13 @@
 #include <utility>
 
 #include "draw/raster/MaskKernels.h"
-#include "platform/ParallelRows.h"
 #include "platform/foundation/Convert.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColorDrawing.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/PaintComponents.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/path/NSBezierPath.h"
+#include "platform/machine/ParallelRows.h"
 
 const NSClass ImageMask::kClass{"ImageMask", &NSObject::kClass, NSAllocate<ImageMask>};
 

@@ -7,7 +7,7 @@
 #include "draw/raster/ImageMask.h"
 #include "platform/foundation/Convert.h"
 #include "platform/foundation/Limits.h"
-#include "platform/graphics/NSBezierPath.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

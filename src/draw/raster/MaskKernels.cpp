@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/TargetClones.h"
+#include "platform/machine/TargetClones.h"
 
 namespace {
 
@@ -14,16 +14,16 @@ bool isUniform(const uint8_t* mask, size_t count) {
   return std::memcmp(mask, mask + 1, count - 1) == 0;
 }
 
-VECTOR_CLONES void fillAll(uint32_t* pixels, size_t count, uint32_t value) {
+TARGET_CLONES void fillAll(uint32_t* pixels, size_t count, uint32_t value) {
   for (size_t i = 0; i < count; ++i) pixels[i] = value;
 }
 
-VECTOR_CLONES void fillSome(uint32_t* __restrict pixels, const uint8_t* __restrict mask,
+TARGET_CLONES void fillSome(uint32_t* __restrict pixels, const uint8_t* __restrict mask,
                             size_t count, uint32_t value) {
   for (size_t i = 0; i < count; ++i) pixels[i] = mask[i] != 0 ? value : pixels[i];
 }
 
-VECTOR_CLONES void copySome(uint32_t* __restrict pixels, const uint32_t* __restrict source,
+TARGET_CLONES void copySome(uint32_t* __restrict pixels, const uint32_t* __restrict source,
                             const uint8_t* __restrict mask, size_t count) {
   for (size_t i = 0; i < count; ++i) pixels[i] = mask[i] != 0 ? source[i] : pixels[i];
 }

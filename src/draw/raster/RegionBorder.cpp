@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "draw/raster/ImageMask.h"
-#include "platform/graphics/NSBezierPath.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

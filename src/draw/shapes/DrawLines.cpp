@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "draw/core/ZTBezierPathExtension.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSNumber.h"
 
 const NSClass DrawLine::kClass{"DrawLine", &DrawBase::kClass, NSAllocate<DrawLine>};
 const NSClass DrawCurve::kClass{"DrawCurve", &DrawBase::kClass, NSAllocate<DrawCurve>};

@@ -6,7 +6,7 @@
 #include <numbers>
 
 #include "draw/shapes/RoundedOutline.h"
-#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/values/NSCoder.h"
 
 const NSClass DrawRectMessage::kClass{"DrawRectMessage", &DrawRectShape::kClass,
                                       NSAllocate<DrawRectMessage>};

@@ -9,7 +9,7 @@
 #include "draw/shapes/DrawRectShape.h"
 #include "draw/shapes/FixedOutlines.h"
 #include "platform/foundation/Limits.h"
-#include "platform/foundation/NSCoder.h"
+#include "platform/foundation/values/NSCoder.h"
 
 const NSClass DrawRectPolygon::kClass{"DrawRectPolygon", &DrawRectShape::kClass,
                                       NSAllocate<DrawRectPolygon>};

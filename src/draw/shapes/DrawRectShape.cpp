@@ -1,7 +1,7 @@
 #include "draw/shapes/DrawRectShape.h"
 
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSValue.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSValue.h"
 
 const NSClass DrawRectShape::kClass{"DrawRectShape", &DrawRectangle::kClass,
                                     NSAllocate<DrawRectShape>};

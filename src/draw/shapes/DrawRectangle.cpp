@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/foundation/NSCoder.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 const NSClass DrawRectangle::kClass{"DrawRectangle", &DrawBase::kClass, NSAllocate<DrawRectangle>};
 const NSClass DrawRoundRectangle::kClass{"DrawRoundRectangle", &DrawRectangle::kClass,

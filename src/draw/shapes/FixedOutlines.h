@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/foundation/Geometry.h"
-#include "platform/graphics/PathData.h"
+#include "platform/graphics/pixels/outline/PathData.h"
 
 /// One element of an outline in the unit box, y upwards.
 struct OutlineElement {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "platform/graphics/NSBezierPath.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
 

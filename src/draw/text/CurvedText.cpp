@@ -5,11 +5,11 @@
 #include <numbers>
 
 #include "draw/core/ZTBezierPathExtension.h"
-#include "platform/graphics/CGContext.h"
-#include "platform/text/NSAttributedString.h"
+#include "platform/graphics/context/CGContext.h"
 #include "platform/text/TextCharacters.h"
-#include "platform/text/TextDrawing.h"
-#include "platform/text/TextRanges.h"
+#include "platform/text/drawing/TextDrawing.h"
+#include "platform/text/host/NSAttributedString.h"
+#include "platform/text/layout/TextRanges.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/foundation/Geometry.h"
-#include "platform/text/NSTextTab.h"
+#include "platform/text/layout/NSTextTab.h"
 
 class CGContext;
 class NSAttributedString;

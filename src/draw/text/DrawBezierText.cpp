@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "draw/core/StrokeOutline.h"
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/text/CurvedText.h"
 #include "draw/text/TextCanvas.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/text/NSTextStorage.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/text/host/NSTextStorage.h"
 
 const NSClass DrawBezierText::kClass{"DrawBezierText", &DrawText::kClass,
                                      NSAllocate<DrawBezierText>};

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <array>
 
-#include "draw/core/ZTBezierPathExtension.h"
+#include "draw/core/CurveGeometry.h"
 #include "draw/shapes/DrawRectShape.h"
 #include "draw/text/DrawBezierText.h"
 

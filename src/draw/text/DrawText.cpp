@@ -5,11 +5,11 @@
 #include "draw/core/DrawAttributes.h"
 #include "draw/core/PaintManagerContext.h"
 #include "draw/text/TextOutlineCache.h"
-#include "platform/foundation/NSCoder.h"
-#include "platform/foundation/NSValue.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/text/NSTextStorage.h"
+#include "platform/foundation/values/NSCoder.h"
+#include "platform/foundation/values/NSValue.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/text/host/NSTextStorage.h"
 
 const NSClass DrawText::kClass{"DrawText", &DrawRoundRectangle::kClass, NSAllocate<DrawText>};
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "draw/shapes/DrawRectangle.h"
-#include "platform/text/FontStyle.h"
-#include "platform/text/NSTextTab.h"
+#include "platform/text/fonts/FontStyle.h"
+#include "platform/text/layout/NSTextTab.h"
 
 class NSAttributedString;
 class NSFont;

@@ -7,12 +7,12 @@
 #include "draw/text/TextCanvas.h"
 #include "draw/text/TextOutlineCache.h"
 #include "draw/text/TextSmallKits.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/text/NSFontManager.h"
-#include "platform/text/NSTextStorage.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/graphics/color/NSColor.h"
 #include "platform/text/TextCharacters.h"
-#include "platform/text/TextRanges.h"
+#include "platform/text/fonts/NSFontManager.h"
+#include "platform/text/host/NSTextStorage.h"
+#include "platform/text/layout/TextRanges.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 
 #include "draw/core/InnerShadow.h"
 #include "draw/text/DrawText.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
-#include "platform/text/NSTextStorage.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/text/host/NSTextStorage.h"
 
 namespace {
 

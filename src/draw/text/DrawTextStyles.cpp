@@ -5,11 +5,11 @@
 #include "draw/core/ZTSmallKits.h"
 #include "draw/text/DrawText.h"
 #include "draw/text/ZTModifyTextAction.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
-#include "platform/text/NSFontManager.h"
-#include "platform/text/NSParagraphStyle.h"
-#include "platform/text/NSTextStorage.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/text/fonts/NSFontManager.h"
+#include "platform/text/host/NSTextStorage.h"
+#include "platform/text/layout/NSParagraphStyle.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <optional>
 
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 enum class TextSmoothing : uint8_t { off, on };
 

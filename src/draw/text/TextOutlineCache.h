@@ -7,7 +7,7 @@
 #include <mutex>
 #include <unordered_map>
 
-#include "platform/graphics/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 
 /// The "text outline cache": bitmaps of text outlines by the hash of the draw that they belong to.
 /// When the bitmaps together cost more than the limit (4 for each pixel), those that were not used

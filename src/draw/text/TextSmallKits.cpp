@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "platform/text/NSTextStorage.h"
+#include "platform/text/host/NSTextStorage.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/text/NSLayoutManager.h"
+#include "platform/text/host/NSLayoutManager.h"
 
 /// The layout manager that texts are measured and drawn with, over one container without limits
 /// and padding: on the main thread always the same one, to be attached to one text at a time; on

@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "platform/filters/FilterCatalogue.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSValue.h"
-#include "platform/graphics/NSAffineTransform.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSValue.h"
+#include "platform/graphics/path/NSAffineTransform.h"
 
 namespace {
 

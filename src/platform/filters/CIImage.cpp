@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "platform/filters/ColorOperation.h"
+#include "platform/filters/color/ColorOperation.h"
 
 const NSClass CIImage::kClass{"CIImage", &NSObject::kClass, nullptr};
 

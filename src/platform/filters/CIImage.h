@@ -3,7 +3,7 @@
 #include <limits>
 #include <memory>
 
-#include "platform/filters/ImageOperation.h"
+#include "platform/filters/image/ImageOperation.h"
 #include "platform/foundation/Geometry.h"
 
 class ColorOperation;

@@ -4,9 +4,10 @@
 #include <cmath>
 
 #include "platform/filters/CIImage.h"
-#include "platform/filters/ColorOperation.h"
-#include "platform/filters/GridOperations.h"
-#include "platform/filters/SpatialOperations.h"
+#include "platform/filters/color/ColorOperation.h"
+#include "platform/filters/spatial/PixellateOperation.h"
+#include "platform/filters/spatial/SiteOperation.h"
+#include "platform/filters/spatial/SpatialOperations.h"
 #include "platform/foundation/Limits.h"
 
 namespace {

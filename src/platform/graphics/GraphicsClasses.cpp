@@ -1,13 +1,14 @@
 #include "platform/graphics/GraphicsClasses.h"
 
-#include "platform/graphics/NSAffineTransform.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSColorSpace.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSImage.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/bitmap/BitmapArchives.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/NSImage.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/color/NSColorSpace.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/graphics/path/NSAffineTransform.h"
+#include "platform/graphics/path/NSBezierPath.h"
 
 void registerGraphicsClasses() {
   static const bool registered = [] {

@@ -1,6 +1,6 @@
 #include "platform/text/TextLibraries.h"
 
-#include "platform/LoadableModule.h"
+#include "platform/machine/LoadableModule.h"
 
 const TextLibraries* textLibraries() {
   static const TextLibraries* const libraries = [] {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/graphics/PathData.h"
+#include "platform/graphics/pixels/outline/PathData.h"
 
 // What the text layer takes from the shaping, Unicode and font-index libraries. Those live in a
 // module that is loaded at the first text: merely linking them costs every process about 0.9 ms of

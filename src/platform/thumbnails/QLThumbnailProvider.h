@@ -5,8 +5,8 @@
 #include <system_error>
 
 #include "platform/foundation/Geometry.h"
-#include "platform/foundation/NSURL.h"
 #include "platform/foundation/PaintExport.h"
+#include "platform/foundation/values/NSURL.h"
 #include "platform/thumbnails/QLThumbnailReply.h"
 
 /// What the thumbnail service asks for: a picture of a file, no larger than the maximum size in

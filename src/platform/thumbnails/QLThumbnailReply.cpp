@@ -1,7 +1,7 @@
 #include "platform/thumbnails/QLThumbnailReply.h"
 
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 std::shared_ptr<QLThumbnailReply> QLThumbnailReply::replyWithContextSize(
     NSSize contextSize, DrawingBlock currentContextDrawingBlock) {

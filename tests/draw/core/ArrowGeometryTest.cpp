@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "draw/core/ArrowGeometry.h"
+#include "draw/core/ZTArrowPathInfo.h"
 #include "draw/core/ZTBezierPathExtension.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectangle.h"
 #include "draw/text/DrawBezierText.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/values/NSString.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "draw/core/CurveGeometry.h"
 #include "draw/core/PathGeometry.h"
 #include "draw/core/ZTBezierPathExtension.h"
 

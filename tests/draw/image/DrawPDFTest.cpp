@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "draw/image/DrawPDF.h"
-#include "platform/foundation/NSData.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/pdf/PDFDocument.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/pictures/PDFDocument.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
 #include "support/Fixtures.h"

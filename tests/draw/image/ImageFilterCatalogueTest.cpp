@@ -4,10 +4,10 @@
 #include <sstream>
 
 #include "draw/image/DrawFilter2.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <limits>
 
 #include "draw/image/ImageFilters.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/graphics/NSBezierPath.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/graphics/path/NSBezierPath.h"
 #include "support/FilterChart.h"
 #include "support/ReferenceFilters.h"
 

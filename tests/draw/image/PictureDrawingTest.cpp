@@ -3,9 +3,9 @@
 
 #include "draw/image/DrawImage.h"
 #include "draw/image/DrawImage2.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/context/NSShadow.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
 #include "support/Draws.h"

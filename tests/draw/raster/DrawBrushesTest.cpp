@@ -4,10 +4,10 @@
 #include <cstring>
 
 #include "draw/raster/DrawBrushes.h"
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/gradient/NSGradient.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
 #include "support/Draws.h"

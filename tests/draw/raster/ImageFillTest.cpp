@@ -5,9 +5,9 @@
 
 #include "draw/raster/DrawSelections.h"
 #include "draw/raster/ImageFill.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/path/NSBezierPath.h"
 #include "support/Masks.h"
 
 namespace {

@@ -6,10 +6,10 @@
 #include <random>
 
 #include "draw/raster/ImageMask.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSColor.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/path/NSBezierPath.h"
 #include "support/Archives.h"
 #include "support/Masks.h"
 

@@ -5,9 +5,9 @@
 #include <functional>
 
 #include "draw/shapes/DrawLines.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/graphics/gradient/NSGradient.h"
 #include "support/Bitmaps.h"
 
 namespace {

@@ -4,12 +4,12 @@
 
 #include "document/DocumentClasses.h"
 #include "draw/shapes/DrawLines.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSShadow.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
 #include "support/Documents.h"
 #include "support/Draws.h"
 

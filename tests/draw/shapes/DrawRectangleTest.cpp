@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "draw/shapes/DrawRectangle.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/gradient/NSGradient.h"
 
 namespace {
 

@@ -1,14 +1,13 @@
 #include <cmath>
 #include <memory>
 
-#include "TextDrawSupport.h"
-#include "draw/core/ZTBezierPathExtension.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectShape.h"
 #include "draw/text/DrawBezierText.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/text/NSTextStorage.h"
+#include "draw/text/TextDrawSupport.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/text/host/NSTextStorage.h"
 
 // A letter of size 20 is 10 wide and 20 high with its middle on the path: on a line at 50 of a
 // canvas 100 high its box covers rows 42 to 55, and columns 1 to 8 from where it starts.

@@ -1,16 +1,16 @@
 #include <vector>
 
-#include "TextDrawSupport.h"
 #include "draw/core/DrawAttributes.h"
 #include "draw/core/ZTSmallKits.h"
+#include "draw/text/TextDrawSupport.h"
 #include "draw/text/ZTModifyTextAction.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/text/NSTextStorage.h"
-#include "platform/text/TextClasses.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/text/host/NSTextStorage.h"
+#include "platform/text/host/TextClasses.h"
 #include "support/Archives.h"
 
 namespace {

@@ -2,17 +2,17 @@
 #include <thread>
 #include <vector>
 
-#include "TextDrawSupport.h"
 #include "draw/core/PaintManagerContext.h"
 #include "draw/text/DrawText.h"
+#include "draw/text/TextDrawSupport.h"
 #include "draw/text/TextOutlineCache.h"
 #include "draw/text/TextSmallKits.h"
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/text/NSTextStorage.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/text/host/NSTextStorage.h"
 
 // The boxes of "text boxes" lie at (10, 20) and are 100 by 40 on a canvas 100 high: their text
 // starts at column 10 and row 40.

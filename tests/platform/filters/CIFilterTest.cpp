@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "platform/filters/CIFilter.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
-#include "platform/foundation/NSValue.h"
-#include "platform/graphics/NSAffineTransform.h"
+#include "platform/foundation/values/NSNumber.h"
+#include "platform/foundation/values/NSString.h"
+#include "platform/foundation/values/NSValue.h"
+#include "platform/graphics/path/NSAffineTransform.h"
 #include "support/FilterChart.h"
 
 namespace {

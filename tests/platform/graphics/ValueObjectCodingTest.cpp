@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "platform/foundation/NSKeyedUnarchiver.h"
+#include "platform/foundation/archive/NSKeyedArchiver.h"
+#include "platform/foundation/archive/NSKeyedUnarchiver.h"
 #include "platform/graphics/GraphicsClasses.h"
-#include "platform/graphics/NSAffineTransform.h"
-#include "platform/graphics/NSBezierPath.h"
-#include "platform/graphics/NSColor.h"
-#include "platform/graphics/NSGradient.h"
-#include "platform/graphics/NSShadow.h"
-#include "platform/graphics/pixels/RGBAColor.h"
+#include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/NSShadow.h"
+#include "platform/graphics/gradient/NSGradient.h"
+#include "platform/graphics/path/NSAffineTransform.h"
+#include "platform/graphics/path/NSBezierPath.h"
+#include "platform/graphics/pixels/paint/RGBAColor.h"
 #include "support/Archives.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/text/FontRegistry.h"
-#include "platform/text/TextLayout.h"
+#include "platform/text/fonts/FontRegistry.h"
+#include "platform/text/layout/TextLayout.h"
 #include "support/Fixtures.h"
 
 /// Every advance is half an em, the space a quarter; ascent 0.8 em, descent 0.2 em.

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "platform/graphics/NSBitmapImageRep.h"
-#include "platform/graphics/NSGraphicsContext.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 #include "platform/thumbnails/QLThumbnailReply.h"
 
 TEST(QLThumbnailReply, BlockPaintsIntoABitmapOfTheContextSize) {

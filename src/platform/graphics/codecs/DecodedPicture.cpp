@@ -3,9 +3,9 @@
 #include <new>
 #include <utility>
 
-#include "platform/graphics/PixelMoves.h"
 #include "platform/graphics/codecs/ExifOrientation.h"
 #include "platform/graphics/codecs/PixelConversion.h"
+#include "platform/graphics/pixels/PixelMoves.h"
 
 namespace {
 
@@ -22,24 +22,25 @@ PixelMove uprighting(int orientation) {
 
 uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   if (info.width <= 0 || info.height <= 0) return nullptr;
+  if (!PixelBuffer::canHold(info.width, info.height)) return nullptr;
   try {
-    bitmap_ = NSBitmapImageRep::create(info.width, info.height);
+    pixels_.emplace(info.width, info.height);
   } catch (const std::bad_alloc&) {
     // Codecs may stand on C code, which nothing may be thrown through.
     lacksMemory_ = true;
+    return nullptr;
   }
-  if (bitmap_ == nullptr) return nullptr;
   layout_ = info.layout;
   orientation_ = info.exif.empty() ? info.orientation : exifOrientation(info.exif);
-  bitmap_->setHasAlpha(layout_ == PixelLayout::straightRGBA ||
+  pixels_->setHasAlpha(layout_ == PixelLayout::straightRGBA ||
                        layout_ == PixelLayout::premultipliedRGBA);
   conversion_ = ProfileConversion::create(info.profile, info.model);
-  return bitmap_->writableRows(0, 0);
+  return pixels_->writableRows(0, 0);
 }
 
 void DecodedPicture::finish(int64_t first, int64_t end) {
-  uint8_t* const rows = bitmap_->writableRows(first, end);
-  const auto width = static_cast<size_t>(bitmap_->pixelsWide());
+  uint8_t* const rows = pixels_->writableRows(first, end);
+  const auto width = static_cast<size_t>(pixels_->width());
   for (int64_t y = first; y < end; ++y) {
     uint8_t* const row = rows + static_cast<size_t>(y - first) * width * 4;
     if (layout_ == PixelLayout::premultipliedRGBA && conversion_ != nullptr) {
@@ -57,9 +58,9 @@ void DecodedPicture::finish(int64_t first, int64_t end) {
   }
 }
 
-std::shared_ptr<NSBitmapImageRep> DecodedPicture::take() {
+std::optional<PixelBuffer> DecodedPicture::take() {
   if (lacksMemory_) throw std::bad_alloc();
-  if (bitmap_ == nullptr || bitmap_->usedRows().empty()) return nullptr;
-  if (orientation_ <= 1 || orientation_ > 8) return std::move(bitmap_);
-  return movedPixels(*std::exchange(bitmap_, nullptr), uprighting(orientation_));
+  if (!pixels_ || pixels_->usedRows().empty()) return std::nullopt;
+  if (orientation_ <= 1 || orientation_ > 8) return std::move(pixels_);
+  return movedPixels(*std::exchange(pixels_, std::nullopt), uprighting(orientation_));
 }

@@ -1,23 +1,24 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
-#include "platform/graphics/NSBitmapImageRep.h"
 #include "platform/graphics/codecs/PictureCodec.h"
 #include "platform/graphics/codecs/ProfileConversion.h"
+#include "platform/graphics/pixels/PixelBuffer.h"
 
-/// Makes a bitmap of what a codec delivers: sRGB, premultiplied, upright.
+/// Makes pixels of what a codec delivers: sRGB, premultiplied, upright.
 class DecodedPicture final : public PictureTarget {
  public:
   uint8_t* begin(const PictureInfo& info) override;
   void finish(int64_t first, int64_t end) override;
 
-  /// The bitmap, to be called once, after decoding. Null when no row was finished; throws
+  /// The pixels, to be called once, after decoding. Nothing when no row was finished; throws
   /// std::bad_alloc when there was no memory for it.
-  std::shared_ptr<NSBitmapImageRep> take();
+  std::optional<PixelBuffer> take();
 
  private:
-  std::shared_ptr<NSBitmapImageRep> bitmap_;
+  std::optional<PixelBuffer> pixels_;
   bool lacksMemory_ = false;
   PixelLayout layout_ = PixelLayout::opaqueRGB;
   int orientation_ = 1;

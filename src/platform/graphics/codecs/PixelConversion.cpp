@@ -4,8 +4,8 @@
 #include <bit>
 #include <cstring>
 
-#include "platform/TargetClones.h"
 #include "platform/foundation/Convert.h"
+#include "platform/machine/TargetClones.h"
 
 static_assert(std::endian::native == std::endian::little, "red is the lowest byte of a pixel");
 
@@ -26,20 +26,20 @@ inline uint32_t scaledColours(uint32_t pixel, uint32_t factor) {
   return scaled(pixel) | scaled(pixel >> 8) << 8 | scaled(pixel >> 16) << 16;
 }
 
-VECTOR_CLONES void premultiply(uint32_t* pixels, size_t count) {
+TARGET_CLONES void premultiply(uint32_t* pixels, size_t count) {
   for (size_t i = 0; i < count; ++i) {
     pixels[i] = scaledColours(pixels[i], pixels[i] >> 24) | (pixels[i] & 0xff000000);
   }
 }
 
-VECTOR_CLONES void inksToOpaque(uint32_t* pixels, size_t count) {
+TARGET_CLONES void inksToOpaque(uint32_t* pixels, size_t count) {
   for (size_t i = 0; i < count; ++i) {
     const uint32_t paper = ~pixels[i];
     pixels[i] = scaledColours(paper, paper >> 24) | 0xff000000;
   }
 }
 
-VECTOR_CLONES void unpremultiply(uint32_t* pixels, size_t count) {
+TARGET_CLONES void unpremultiply(uint32_t* pixels, size_t count) {
   for (size_t i = 0; i < count; ++i) {
     const uint32_t p = pixels[i];
     const auto a = static_cast<int32_t>(p >> 24);
@@ -53,7 +53,7 @@ VECTOR_CLONES void unpremultiply(uint32_t* pixels, size_t count) {
   }
 }
 
-VECTOR_CLONES uint32_t commonBits(const uint32_t* pixels, size_t count) {
+TARGET_CLONES uint32_t commonBits(const uint32_t* pixels, size_t count) {
   uint32_t bits = 0xffffffff;
   for (size_t i = 0; i < count; ++i) bits &= pixels[i];
   return bits;

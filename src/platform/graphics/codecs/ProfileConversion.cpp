@@ -10,10 +10,10 @@
 
 namespace {
 
-struct CloseProfile {
+struct CloseEmbeddedProfile {
   void operator()(void* profile) const { cmsCloseProfile(profile); }
 };
-using Profile = std::unique_ptr<void, CloseProfile>;
+using Profile = std::unique_ptr<void, CloseEmbeddedProfile>;
 
 struct SampleFormat {
   cmsColorSpaceSignature space;

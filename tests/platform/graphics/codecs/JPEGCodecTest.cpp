@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "platform/graphics/codecs/ImageDecoder.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
 #include "support/Bitmaps.h"
 #include "support/Fixtures.h"
 

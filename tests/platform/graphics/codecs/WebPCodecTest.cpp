@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "platform/graphics/NSGraphicsContext.h"
-#include "platform/graphics/codecs/ImageDecoder.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 #include "support/Bitmaps.h"
 #include "support/Fixtures.h"
 

@@ -1,0 +1,141 @@
+#include "platform/graphics/codecs/PNGReader.h"
+
+#include <png.h>
+
+#include <csetjmp>
+#include <cstring>
+#include <vector>
+
+#include "platform/foundation/Limits.h"
+#include "platform/graphics/codecs/PictureCodec.h"
+
+namespace {
+
+/// The library reports errors with longjmp, which must not pass over destructors: everything that
+/// owns something is a member, and the functions that call the library have plain local variables.
+class PNGReader {
+ public:
+  PNGReader(std::span<const uint8_t> file, PictureTarget& target)
+      : rest_(file),
+        target_(target),
+        png_(png_create_read_struct(PNG_LIBPNG_VER_STRING, this, onError, onWarning)),
+        info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}
+  PNGReader(const PNGReader&) = delete;
+  PNGReader& operator=(const PNGReader&) = delete;
+  ~PNGReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
+
+  void decode();
+
+ private:
+  [[noreturn]] static void onError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+  static void onWarning(png_structp, png_const_charp) {}
+  static void read(png_structp png, png_bytep out, size_t count);
+  void limitChunks();
+  void readHeader();
+  void askForRGBA();
+  std::span<const uint8_t> profile();
+  std::span<const uint8_t> exif();
+  void readRows(uint8_t* pixels);
+
+  std::span<const uint8_t> rest_;
+  PictureTarget& target_;
+  png_structp png_;
+  png_infop info_;
+  PictureInfo picture_;
+  size_t rowBytes_ = 0;
+  bool interlaced_ = false;
+  uint8_t* interlacedPixels_ = nullptr;
+};
+
+void PNGReader::read(png_structp png, png_bytep out, size_t count) {
+  auto& rest = static_cast<PNGReader*>(png_get_io_ptr(png))->rest_;
+  if (rest.size() < count) png_error(png, "file too short");
+  std::memcpy(out, rest.data(), count);
+  rest = rest.subspan(count);
+}
+
+/// Texts and times are not read at all; what is read may not grow without bound.
+void PNGReader::limitChunks() {
+  static constexpr png_byte kUsed[] = "iCCP\0tRNS\0eXIf";
+  png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+  png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kUsed, sizeof kUsed / 5);
+  png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+  png_set_chunk_malloc_max(png_, limits::kMaxProfileBytes);
+}
+
+void PNGReader::askForRGBA() {
+  png_set_expand(png_);
+  png_set_scale_16(png_);
+  png_set_gray_to_rgb(png_);
+  png_set_add_alpha(png_, 255, PNG_FILLER_AFTER);
+  if (interlaced_) png_set_interlace_handling(png_);
+  png_read_update_info(png_, info_);
+}
+
+std::span<const uint8_t> PNGReader::profile() {
+  png_charp name = nullptr;
+  png_bytep bytes = nullptr;
+  png_uint_32 length = 0;
+  int compression = 0;
+  if (png_get_iCCP(png_, info_, &name, &compression, &bytes, &length) == 0) return {};
+  return {bytes, length};
+}
+
+std::span<const uint8_t> PNGReader::exif() {
+  png_bytep bytes = nullptr;
+  png_uint_32 length = 0;
+  if (png_get_eXIf_1(png_, info_, &length, &bytes) == 0) return {};
+  return {bytes, length};
+}
+
+void PNGReader::readHeader() {
+  png_read_info(png_, info_);
+  const int type = png_get_color_type(png_, info_);
+  const bool hasAlpha =
+      (type & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+  picture_.width = png_get_image_width(png_, info_);
+  picture_.height = png_get_image_height(png_, info_);
+  picture_.layout = hasAlpha ? PixelLayout::straightRGBA : PixelLayout::opaqueRGB;
+  picture_.model = (type & PNG_COLOR_MASK_COLOR) != 0 ? ColorModel::rgb : ColorModel::gray;
+  picture_.profile = profile();
+  picture_.exif = exif();
+  interlaced_ = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
+}
+
+void PNGReader::readRows(uint8_t* pixels) {
+  rowBytes_ = static_cast<size_t>(picture_.width) * 4;
+  if (!interlaced_) {
+    for (int64_t y = 0; y < picture_.height; ++y) {
+      png_read_row(png_, pixels + static_cast<size_t>(y) * rowBytes_, nullptr);
+      target_.finish(y, y + 1);
+    }
+    return;
+  }
+  interlacedPixels_ = pixels;
+  for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; ++pass) {
+    for (int64_t y = 0; y < picture_.height; ++y) {
+      png_read_row(png_, nullptr, pixels + static_cast<size_t>(y) * rowBytes_);
+    }
+  }
+}
+
+void PNGReader::decode() {
+  if (info_ == nullptr) return;
+  if (setjmp(png_jmpbuf(png_)) == 0) {
+    png_set_read_fn(png_, this, read);
+    limitChunks();
+    readHeader();
+    if (uint8_t* const pixels = target_.begin(picture_)) {
+      askForRGBA();
+      readRows(pixels);
+    }
+  }
+  // Every pass shows the whole picture, only coarser.
+  if (interlacedPixels_ != nullptr) target_.finish(0, picture_.height);
+}
+
+}  // namespace
+
+void readPNG(std::span<const uint8_t> file, PictureTarget& target) {
+  PNGReader(file, target).decode();
+}

@@ -1,0 +1,372 @@
+#include "platform/graphics/context/CGContext.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "platform/graphics/pixels/coverage/AlphaMask.h"
+#include "platform/graphics/pixels/paint/ImageSource.h"
+#include "platform/graphics/pixels/paint/SpanCompositor.h"
+#include "platform/graphics/resample/PlacedImage.h"
+
+namespace {
+
+constexpr PixelBox kEverywhere{-(1 << 30), -(1 << 30), 1 << 30, 1 << 30};
+
+/// Shadows fall by whole pixels. Beyond the bound they cannot be seen on any bitmap.
+int32_t wholePixelOffset(double offset) {
+  constexpr double kFarthest = 1 << 29;
+  return std::isnan(offset)
+             ? 0
+             : static_cast<int32_t>(std::lround(std::clamp(offset, -kFarthest, kFarthest)));
+}
+
+PathData transformedPath(PathData path, const CGAffineTransform& transform) {
+  for (NSPoint& p : path.points) p = CGPointApplyAffineTransform(p, transform);
+  return path;
+}
+
+void append(const PathData& path, PathData& to) {
+  to.verbs.insert(to.verbs.end(), path.verbs.begin(), path.verbs.end());
+  to.points.insert(to.points.end(), path.points.begin(), path.points.end());
+}
+
+/// Image positions to the user space in which `source`, given from the bottom left, covers
+/// `destination`.
+CGAffineTransform imageToUser(const NSBitmapImageRep& image, const NSRect& source,
+                              const NSRect& destination) {
+  const CGFloat sx = NSWidth(destination) / NSWidth(source);
+  const CGFloat sy = NSHeight(destination) / NSHeight(source);
+  const CGFloat top = static_cast<CGFloat>(image.pixelsHigh()) - NSMaxY(source);
+  return {sx, 0, 0, -sy, NSMinX(destination) - NSMinX(source) * sx, NSMaxY(destination) + top * sy};
+}
+
+ImageQuality qualityFor(NSImageInterpolation interpolation) {
+  switch (interpolation) {
+    case NSImageInterpolation::none:
+      return ImageQuality::nearest;
+    case NSImageInterpolation::low:
+      return ImageQuality::bilinear;
+    default:
+      return ImageQuality::filtered;
+  }
+}
+
+/// Without pixels for boxes that are empty or larger than any canvas.
+PixelSurface surfaceFor(const PixelBox& box) {
+  if (box.empty() || !PixelBuffer::canHold(box.width(), box.height())) {
+    return PixelSurface(nullptr, 0, 0);
+  }
+  return PixelSurface(std::make_shared<PixelBuffer>(box.width(), box.height()), box.x0, box.y0);
+}
+
+}  // namespace
+
+CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap)
+    : bitmap_(sharedPixels(bitmap), 0, 0) {
+  state_.clip = ClipRegion(bitmap_.box());
+}
+
+void CGContext::saveGState() {
+  saved_.push_back(state_);
+}
+
+void CGContext::restoreGState() {
+  const size_t kept = layers_.empty() ? 0 : layers_.back().savedStates;
+  if (saved_.size() <= kept) return;
+  state_ = std::move(saved_.back());
+  saved_.pop_back();
+}
+
+void CGContext::concatenate(const CGAffineTransform& transform) {
+  state_.transform = CGAffineTransformConcat(transform, state_.transform);
+}
+
+CGAffineTransform CGContext::toDevice(const CGAffineTransform& toBitmap) const {
+  const auto height = static_cast<CGFloat>(bitmap_.box().height());
+  return CGAffineTransformConcat(toBitmap, {1, 0, 0, -1, 0, height});
+}
+
+FillStyle CGContext::fillStyle(WindingRule winding) const {
+  return {winding, deviceTransform(), antialias()};
+}
+
+std::optional<DropShadow> CGContext::dropShadow() const {
+  const ShadowStyle& shadow = state_.shadow;
+  if (!shadow.visible()) return std::nullopt;
+  return DropShadow{wholePixelOffset(shadow.offset.width), -wholePixelOffset(shadow.offset.height),
+                    shadow.blur, shadow.color};
+}
+
+void CGContext::clip(const NSRect& rect) {
+  state_.clip = renderer_.clipToRect(rect, deviceTransform(), antialias(), state_.clip);
+}
+
+void CGContext::clip(const PathData& path, WindingRule winding) {
+  state_.clip = renderer_.clipToPath(path, winding, deviceTransform(), antialias(), state_.clip);
+}
+
+// --- Painting ---
+
+void CGContext::castShadow(const CoverageShape& shape, const SpanPaint& paint,
+                           NSCompositingOperation operation) {
+  if (const auto shadow = dropShadow()) {
+    paintShadow(surface(), state_.clip, shape, paint, operation, *shadow);
+  }
+}
+
+void CGContext::composite(const ClipRegion& clip, const CoverageShape& shape,
+                          const SpanPaint& paint, NSCompositingOperation operation) {
+  ClipRegion area = clip;
+  const bool nothing = paint.source == nullptr && paint.pixel == 0;
+  if (nothing) {
+    // No operation makes anything of nothing on nothing.
+    const PixelBox used = surface().used();
+    area = area.intersected(used);
+    const bool erases = !keepsDestinationUnderNothing(operation) && area.isBox();
+    if (erases && area.box() == used && shape.fills(used)) {
+      surface().clear();
+      return;
+    }
+  }
+  if (area.isEmpty()) return;
+  SpanCompositor compositor(surface(), operation, paint);
+  shape.cover(area, compositor);
+}
+
+void CGContext::compositeNothing(const CoverageShape& shape, const PixelBox& box,
+                                 NSCompositingOperation operation) {
+  if (keepsDestinationUnderNothing(operation)) return;
+  const PixelBox all = state_.clip.box();
+  const PixelBox hole = intersection(box, all);
+  const auto erase = [&](const PixelBox& part) {
+    composite(state_.clip.intersected(part), shape, SpanPaint::solid(0), operation);
+  };
+  if (hole.empty()) {
+    erase(all);
+    return;
+  }
+  erase({all.x0, all.y0, all.x1, hole.y0});
+  erase({all.x0, hole.y0, hole.x0, hole.y1});
+  erase({hole.x1, hole.y0, all.x1, hole.y1});
+  erase({all.x0, hole.y1, all.x1, all.y1});
+}
+
+void CGContext::paint(const CoverageShape& shape, const SpanPaint& paint,
+                      NSCompositingOperation operation) {
+  castShadow(shape, paint, operation);
+  composite(state_.clip, shape, paint, operation);
+}
+
+void CGContext::fill(const NSRect& rect, NSCompositingOperation operation) {
+  const PathData path = pathOfRect(rect);
+  paint(FillShape(renderer_, path, fillStyle(WindingRule::nonZero)),
+        SpanPaint::solid(sourcePixel(state_.fillColor, operation)), operation);
+}
+
+void CGContext::fill(const PathData& path, WindingRule winding) {
+  paint(FillShape(renderer_, path, fillStyle(winding)),
+        SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)), state_.operation);
+}
+
+void CGContext::fill(const AlphaMask& mask, int32_t dx, int32_t dy) {
+  paint(MaskShape(mask, dx, dy), SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)),
+        state_.operation);
+}
+
+void CGContext::stroke(const PathData& path, const StrokeStyle& style) {
+  paint(StrokeShape(renderer_, path, style, deviceTransform(), antialias()),
+        SpanPaint::solid(sourcePixel(state_.strokeColor, state_.operation)), state_.operation);
+}
+
+uint32_t CGContext::sourcePixel(const RGBAColor& color, NSCompositingOperation operation) const {
+  return operation == NSCompositingOperation::clear ? 0 : premultipliedPixel(color, state_.alpha);
+}
+
+// --- The current path ---
+
+void CGContext::addPath(const PathData& path) {
+  if (path_.path.empty()) {
+    path_ = {path, state_.transform};
+    return;
+  }
+  if (path_.transform != state_.transform) {
+    path_ = {transformedPath(path_.path, path_.transform), {}};
+  }
+  const bool sameSpace = path_.transform == state_.transform;
+  append(sameSpace ? path : transformedPath(path, state_.transform), path_.path);
+}
+
+void CGContext::clipToPath(WindingRule winding) {
+  const PlacedPath placed = std::exchange(path_, {});
+  state_.clip = renderer_.clipToPath(placed.path, winding, toDevice(placed.transform), antialias(),
+                                     state_.clip);
+}
+
+PathData CGContext::takePathInUserSpace() {
+  PlacedPath placed = std::exchange(path_, {});
+  if (placed.transform == state_.transform) return std::move(placed.path);
+  if (CGAffineTransformDeterminant(state_.transform) == 0) return {};
+  return transformedPath(
+      placed.path,
+      CGAffineTransformConcat(placed.transform, CGAffineTransformInvert(state_.transform)));
+}
+
+void CGContext::replacePathWithStrokedPath() {
+  const PathData path = takePathInUserSpace();
+  path_ = {renderer_.strokeOutline(path, state_.stroke, deviceTransform()), state_.transform};
+}
+
+// --- Gradients ---
+
+std::unique_ptr<RowSource> CGContext::gradientSource(const GradientTable& table,
+                                                     const LinearAxis& axis,
+                                                     GradientExtent extent) const {
+  return linearGradientSource(table, axis, extent, deviceTransform());
+}
+
+std::unique_ptr<RowSource> CGContext::gradientSource(const GradientTable& table,
+                                                     const RadialAxis& axis,
+                                                     GradientExtent extent) const {
+  return radialGradientSource(table, axis, extent, deviceTransform());
+}
+
+template <class Axis>
+void CGContext::paintGradient(const CoverageShape& shape, const CGGradient& gradient,
+                              const Axis& axis, GradientExtent extent) {
+  const GradientTable table(gradient.stops(), state_.alpha);
+  if (const auto source = gradientSource(table, axis, extent)) {
+    paint(shape, SpanPaint::rows(*source), state_.operation);
+  }
+}
+
+template <class Axis>
+void CGContext::fillWithGradient(const PathData& path, WindingRule winding,
+                                 const CGGradient& gradient, const Axis& axis) {
+  if (!state_.shadow.visible()) {
+    paintGradient(FillShape(renderer_, path, fillStyle(winding)), gradient, axis,
+                  GradientExtent::both);
+    return;
+  }
+  // The gradient that casts the shadow is not bounded by the path.
+  const CGContextStateScope state(*this);
+  clip(path, winding);
+  draw(gradient, axis, GradientExtent::both);
+}
+
+void CGContext::draw(const CGGradient& gradient, const LinearAxis& axis, GradientExtent extent) {
+  paintGradient(BoxShape(kEverywhere), gradient, axis, extent);
+}
+
+void CGContext::draw(const CGGradient& gradient, const RadialAxis& axis, GradientExtent extent) {
+  paintGradient(BoxShape(kEverywhere), gradient, axis, extent);
+}
+
+void CGContext::fill(const PathData& path, WindingRule winding, const CGGradient& gradient,
+                     const LinearAxis& axis) {
+  fillWithGradient(path, winding, gradient, axis);
+}
+
+void CGContext::fill(const PathData& path, WindingRule winding, const CGGradient& gradient,
+                     const RadialAxis& axis) {
+  fillWithGradient(path, winding, gradient, axis);
+}
+
+// --- Pictures ---
+
+void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination) {
+  draw(image, destination, NSZeroRect, state_.operation, state_.alpha);
+}
+
+void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination, const NSRect& source,
+                     NSCompositingOperation operation, CGFloat alpha) {
+  if (&image.pixels() == surface().buffer().get()) {
+    // What is drawn is the bitmap as it was.
+    const auto frozen = image.copy();
+    if (frozen != nullptr) draw(*frozen, destination, source, operation, alpha);
+    return;
+  }
+  const NSRect whole{{}, image.size()};
+  const NSRect wanted = source == NSZeroRect ? whole : source;
+  const NSRect part = NSIntersectionRect(whole, wanted);
+  if (NSIsEmptyRect(part) || NSIsEmptyRect(destination)) return;
+  const ImagePlacement placement{
+      {{NSMinX(part), NSHeight(whole) - NSMaxY(part)}, part.size},
+      CGAffineTransformConcat(imageToUser(image, wanted, destination), deviceTransform())};
+  const PathData outline = pathOfRect(placement.part);
+  const FillShape shape(renderer_, outline,
+                        {WindingRule::nonZero, placement.toDevice, antialias()});
+  PixelBox visible = shape.bounds(state_.clip.box());
+  if (const auto shadow = dropShadow()) {
+    visible = unionBox(visible, shape.bounds(castingBox(*shadow, state_.clip.box())));
+  }
+  const PlacedImage placed =
+      placeImage(image, placement, qualityFor(state_.interpolation), visible);
+  if (placed.source == nullptr) return;
+  const SpanPaint paint = SpanPaint::rows(*placed.source, unitToByte(alpha));
+  castShadow(shape, paint, operation);
+  const PixelBox& all = state_.clip.box();
+  const PixelBox rows{all.x0, static_cast<int32_t>(std::max<int64_t>(all.y0, placed.rows.first)),
+                      all.x1, static_cast<int32_t>(std::min<int64_t>(all.y1, placed.rows.end))};
+  composite(state_.clip.intersected(rows), shape, paint, operation);
+  compositeNothing(shape, rows, operation);
+}
+
+// --- Transparency layers ---
+
+/// What shows through the clip; with a shadow also what casts it there.
+PixelBox CGContext::layerBox() const {
+  const PixelBox& visible = state_.clip.box();
+  const auto shadow = dropShadow();
+  return shadow ? unionBox(visible, castingBox(*shadow, visible)) : visible;
+}
+
+void CGContext::beginTransparencyLayer() {
+  beginTransparencyLayer(layerBox());
+}
+
+void CGContext::beginTransparencyLayer(const NSRect& content) {
+  DeviceBounds bounds;
+  for (const NSPoint& corner : pathOfRect(content).points) {
+    bounds.add(CGPointApplyAffineTransform(corner, deviceTransform()));
+  }
+  // Edges are snapped to a grid and may reach into the next pixel.
+  bounds.grow(1);
+  beginTransparencyLayer(pixelsTouched(bounds, layerBox()));
+}
+
+void CGContext::beginTransparencyLayer(const PixelBox& box) {
+  PixelSurface surface = surfaceFor(box);
+  if (surface.buffer() == nullptr) {
+    // What casts a shadow may lie beyond any canvas.
+    surface = surfaceFor(intersection(box, state_.clip.box()));
+  }
+  saved_.push_back(state_);
+  layers_.push_back({std::move(surface), saved_.size()});
+  state_.alpha = 1;
+  state_.shadow = {};
+  state_.operation = NSCompositingOperation::sourceOver;
+  state_.clip = ClipRegion(layers_.back().surface.box());
+}
+
+void CGContext::endTransparencyLayer() {
+  if (layers_.empty()) return;
+  const Layer layer = std::move(layers_.back());
+  layers_.pop_back();
+  saved_.resize(layer.savedStates);
+  state_ = std::move(saved_.back());
+  saved_.pop_back();
+  paintLayer(layer.surface);
+}
+
+void CGContext::paintLayer(const PixelSurface& layer) {
+  const NSCompositingOperation operation = state_.operation;
+  const BoxShape content(layer.painted());
+  if (layer.buffer() != nullptr) {
+    MovedImageSource pixels(*layer.buffer(), -layer.box().x0, -layer.box().y0);
+    const SpanPaint paint = SpanPaint::rows(pixels, unitToByte(state_.alpha));
+    castShadow(content, paint, operation);
+    composite(state_.clip, content, paint, operation);
+  }
+  compositeNothing(BoxShape(state_.clip.box()), layer.painted(), operation);
+}

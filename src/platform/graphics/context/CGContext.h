@@ -1,0 +1,190 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/foundation/Geometry.h"
+#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/GraphicsState.h"
+#include "platform/graphics/gradient/CGGradient.h"
+#include "platform/graphics/pixels/blur/DropShadow.h"
+#include "platform/graphics/pixels/coverage/CoverageShape.h"
+#include "platform/graphics/pixels/outline/PathData.h"
+#include "platform/graphics/pixels/paint/GradientSource.h"
+#include "platform/graphics/pixels/paint/PixelSurface.h"
+#include "platform/graphics/pixels/paint/RowSource.h"
+
+class AlphaMask;
+
+/// Draws onto one bitmap. User space starts with its origin at the bitmap's bottom left corner, y
+/// upwards, one unit per pixel.
+///
+/// Every painting call combines with the bitmap by the state's operation where its shape has
+/// coverage inside the clip, in proportion to that coverage, and touches no other pixel. The
+/// source is scaled by the state's alpha first. With a shadow in force every call casts one, which
+/// is painted first, by the same operation. A shape that is not finite paints nothing; so does
+/// everything under a transform without inverse.
+///
+/// Not to be used from two threads at once.
+class CGContext {
+ public:
+  /// A null or empty bitmap makes a context that paints nothing.
+  explicit CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap);
+  CGContext(const CGContext&) = delete;
+  CGContext& operator=(const CGContext&) = delete;
+
+  /// Saves and restores everything in state(). A restore without a save inside the innermost
+  /// transparency layer does nothing.
+  void saveGState();
+  void restoreGState();
+  const GraphicsState& state() const { return state_; }
+  /// User space to device space: pixels, rows counted from the top.
+  CGAffineTransform deviceTransform() const { return toDevice(state_.transform); }
+
+  void setAlpha(CGFloat alpha) { state_.alpha = alpha; }
+  void setOperation(NSCompositingOperation operation) { state_.operation = operation; }
+  void setShadow(const ShadowStyle& shadow) { state_.shadow = shadow; }
+  void setShouldAntialias(bool antialias) { state_.antialias = antialias; }
+  void setInterpolation(NSImageInterpolation quality) { state_.interpolation = quality; }
+  void setFillColor(const RGBAColor& color) { state_.fillColor = color; }
+  void setStrokeColor(const RGBAColor& color) { state_.strokeColor = color; }
+  /// The pen of replacePathWithStrokedPath.
+  StrokeStyle& strokeStyle() { return state_.stroke; }
+
+  /// Applies `transform` to everything drawn from now on, before the transform in force.
+  void concatenate(const CGAffineTransform& transform);
+
+  /// Intersects the clip with a rectangle, or with the inside of a path, in user space. An empty
+  /// path leaves nothing.
+  void clip(const NSRect& rect);
+  void clip(const PathData& path, WindingRule winding);
+
+  void fill(const NSRect& rect, NSCompositingOperation operation);
+  void fill(const NSRect& rect) { fill(rect, state_.operation); }
+  void fill(const PathData& path, WindingRule winding);
+
+  /// Paints the fill colour through a mask in device space, moved by whole pixels.
+  void fill(const AlphaMask& mask, int32_t dx, int32_t dy);
+
+  /// Draws the line along a path. The pen is in user space units: the transform shapes it.
+  void stroke(const PathData& path, const StrokeStyle& style);
+
+  /// Paints a gradient over the whole clip, its axis in user space. Nothing for axes that
+  /// linearGradientSource and radialGradientSource refuse.
+  void draw(const CGGradient& gradient, const LinearAxis& axis, GradientExtent extent);
+  void draw(const CGGradient& gradient, const RadialAxis& axis, GradientExtent extent);
+  /// The same inside a path only, as if it had been the clip.
+  void fill(const PathData& path, WindingRule winding, const CGGradient& gradient,
+            const LinearAxis& axis);
+  void fill(const PathData& path, WindingRule winding, const CGGradient& gradient,
+            const RadialAxis& axis);
+
+  /// Stretches the part `source` of a bitmap (bottom left origin, pixels; cut to the bitmap) over
+  /// `destination` in user space, the bitmap's top at the rectangle's upper edge. Only pixels
+  /// inside the destination rectangle are affected; pixels at the bitmap's border are extended
+  /// rather than faded. `alpha` takes the place of the state's alpha.
+  void draw(const NSBitmapImageRep& image, const NSRect& destination, const NSRect& source,
+            NSCompositingOperation operation, CGFloat alpha);
+  /// The whole bitmap with the state's operation and alpha.
+  void draw(const NSBitmapImageRep& image, const NSRect& destination);
+
+  // The current path belongs to the context, not to its state. Its points are fixed by the
+  // transform at the time they are added. Clipping to it empties it.
+  void beginPath() { path_ = {}; }
+  void addPath(const PathData& path);
+  void clipToPath(WindingRule winding);
+  /// The outline of the line along it, drawn with the state's pen and without dashes, becomes the
+  /// current path.
+  void replacePathWithStrokedPath();
+
+  /// Starts a transparent layer that takes what is painted from now on. Inside it the state is as
+  /// before, except for alpha 1, no shadow, source-over, and a clip that covers the whole layer:
+  /// what the clip in force lets show, and what can cast a shadow there.
+  void beginTransparencyLayer();
+  /// The same for what lies inside `content` (in user space) only: what is painted elsewhere is
+  /// lost, and the layer takes no more memory and time than that rectangle.
+  void beginTransparencyLayer(const NSRect& content);
+  /// Paints the innermost layer as a whole and restores the state at its beginning, with whose
+  /// clip, alpha, shadow and operation it is painted. The operation applies to the whole clip, also
+  /// where the layer is transparent. Does nothing without a layer.
+  void endTransparencyLayer();
+
+ private:
+  struct Layer {
+    PixelSurface surface;
+    size_t savedStates;  ///< states below this count are not restored inside the layer
+  };
+  /// A path and the transform from its space to that of the bitmap.
+  struct PlacedPath {
+    PathData path;
+    CGAffineTransform transform;
+  };
+
+  PixelSurface& surface() { return layers_.empty() ? bitmap_ : layers_.back().surface; }
+  CGAffineTransform toDevice(const CGAffineTransform& toBitmap) const;
+  /// The current path in user space, which is left empty; nothing when user space is singular.
+  PathData takePathInUserSpace();
+  Antialias antialias() const { return state_.antialias ? Antialias::on : Antialias::off; }
+  FillStyle fillStyle(WindingRule winding) const;
+  std::optional<DropShadow> dropShadow() const;
+  PixelBox layerBox() const;
+  void beginTransparencyLayer(const PixelBox& box);
+
+  void castShadow(const CoverageShape& shape, const SpanPaint& paint,
+                  NSCompositingOperation operation);
+  void composite(const ClipRegion& clip, const CoverageShape& shape, const SpanPaint& paint,
+                 NSCompositingOperation operation);
+  void paint(const CoverageShape& shape, const SpanPaint& paint, NSCompositingOperation operation);
+  /// Paints transparency where the shape lies outside `box`.
+  void compositeNothing(const CoverageShape& shape, const PixelBox& box,
+                        NSCompositingOperation operation);
+  uint32_t sourcePixel(const RGBAColor& color, NSCompositingOperation operation) const;
+  std::unique_ptr<RowSource> gradientSource(const GradientTable& table, const LinearAxis& axis,
+                                            GradientExtent extent) const;
+  std::unique_ptr<RowSource> gradientSource(const GradientTable& table, const RadialAxis& axis,
+                                            GradientExtent extent) const;
+  template <class Axis>
+  void paintGradient(const CoverageShape& shape, const CGGradient& gradient, const Axis& axis,
+                     GradientExtent extent);
+  template <class Axis>
+  void fillWithGradient(const PathData& path, WindingRule winding, const CGGradient& gradient,
+                        const Axis& axis);
+  void paintLayer(const PixelSurface& layer);
+
+  PathRenderer renderer_;
+  PixelSurface bitmap_;
+  std::vector<Layer> layers_;
+  GraphicsState state_;
+  PlacedPath path_;
+  std::vector<GraphicsState> saved_;
+};
+
+/// Saves the state of a context for the length of a scope.
+class CGContextStateScope {
+ public:
+  explicit CGContextStateScope(CGContext& context) : context_(context) { context_.saveGState(); }
+  CGContextStateScope(const CGContextStateScope&) = delete;
+  CGContextStateScope& operator=(const CGContextStateScope&) = delete;
+  ~CGContextStateScope() { context_.restoreGState(); }
+
+ private:
+  CGContext& context_;
+};
+
+/// A transparency layer for the length of a scope.
+class CGTransparencyLayerScope {
+ public:
+  explicit CGTransparencyLayerScope(CGContext& context) : context_(context) {
+    context_.beginTransparencyLayer();
+  }
+  CGTransparencyLayerScope(CGContext& context, const NSRect& content) : context_(context) {
+    context_.beginTransparencyLayer(content);
+  }
+  CGTransparencyLayerScope(const CGTransparencyLayerScope&) = delete;
+  CGTransparencyLayerScope& operator=(const CGTransparencyLayerScope&) = delete;
+  ~CGTransparencyLayerScope() { context_.endTransparencyLayer(); }
+
+ private:
+  CGContext& context_;
+};

@@ -1,0 +1,102 @@
+#include "platform/graphics/context/NSGraphicsContext.h"
+
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "platform/graphics/context/CurrentContext.h"
+
+namespace {
+
+struct ThreadContexts {
+  std::shared_ptr<NSGraphicsContext> current;
+  std::vector<std::shared_ptr<NSGraphicsContext>> saved;
+};
+
+ThreadContexts& threadContexts() {
+  thread_local ThreadContexts contexts;
+  return contexts;
+}
+
+}  // namespace
+
+NSGraphicsContext::NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap)
+    : port_(bitmap) {}
+
+std::shared_ptr<NSGraphicsContext> NSGraphicsContext::graphicsContextWithBitmapImageRep(
+    std::shared_ptr<NSBitmapImageRep> bitmap) {
+  return std::make_shared<NSGraphicsContext>(std::move(bitmap));
+}
+
+const std::shared_ptr<NSGraphicsContext>& NSGraphicsContext::currentContext() {
+  return threadContexts().current;
+}
+
+void NSGraphicsContext::setCurrentContext(std::shared_ptr<NSGraphicsContext> context) {
+  threadContexts().current = std::move(context);
+}
+
+void NSGraphicsContext::saveGraphicsState() {
+  ThreadContexts& contexts = threadContexts();
+  contexts.saved.push_back(contexts.current);
+  if (contexts.current != nullptr) contexts.current->graphicsPort()->saveGState();
+}
+
+void NSGraphicsContext::restoreGraphicsState() {
+  ThreadContexts& contexts = threadContexts();
+  if (contexts.saved.empty()) return;
+  contexts.current = std::move(contexts.saved.back());
+  contexts.saved.pop_back();
+  if (contexts.current != nullptr) contexts.current->graphicsPort()->restoreGState();
+}
+
+void ZTLockFocus(std::shared_ptr<NSBitmapImageRep> bitmap) {
+  NSGraphicsContext::saveGraphicsState();
+  NSGraphicsContext::setCurrentContext(
+      NSGraphicsContext::graphicsContextWithBitmapImageRep(std::move(bitmap)));
+}
+
+void ZTUnlockFocus(const std::shared_ptr<NSBitmapImageRep>&) {
+  NSGraphicsContext::restoreGraphicsState();
+}
+
+ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap) : bitmap_(std::move(bitmap)) {
+  ZTLockFocus(bitmap_);
+}
+
+ZTFocusScope::~ZTFocusScope() {
+  ZTUnlockFocus(bitmap_);
+}
+
+bool InitImageRep(const NSSize& size, std::shared_ptr<NSBitmapImageRep>* bitmap) {
+  constexpr auto kLargest = static_cast<CGFloat>(std::numeric_limits<uint32_t>::max());
+  const bool valid =
+      size.width >= 0 && size.height >= 0 && size.width <= kLargest && size.height <= kLargest;
+  *bitmap = valid ? NSBitmapImageRep::create(static_cast<int64_t>(size.width),
+                                             static_cast<int64_t>(size.height))
+                  : nullptr;
+  return *bitmap != nullptr;
+}
+
+void NSRectFill(const NSRect& rect) {
+  NSRectFillUsingOperation(rect, NSCompositingOperation::copy);
+}
+
+void NSRectFillUsingOperation(const NSRect& rect, NSCompositingOperation operation) {
+  if (CGContext* port = currentPort()) port->fill(rect, operation);
+}
+
+void NSRectClip(const NSRect& rect) {
+  if (CGContext* port = currentPort()) port->clip(rect);
+}
+
+void drawInRect(const NSBitmapImageRep& bitmap, const NSRect& destination) {
+  if (CGContext* port = currentPort()) port->draw(bitmap, destination);
+}
+
+void drawInRect(const NSBitmapImageRep& bitmap, const NSRect& destination, const NSRect& fromRect,
+                NSCompositingOperation operation, CGFloat fraction) {
+  if (CGContext* port = currentPort()) {
+    port->draw(bitmap, destination, fromRect, operation, fraction);
+  }
+}

@@ -1,0 +1,183 @@
+#include "platform/graphics/pixels/outline/PathFlattener.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+
+#include "platform/foundation/Limits.h"
+
+namespace {
+
+constexpr double kFarthestPixel = 1e9;
+
+NSPoint lerp(NSPoint a, NSPoint b, double t) {
+  return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
+}
+
+/// Length of a - 2 b + c.
+double bend(NSPoint a, NSPoint b, NSPoint c) {
+  const double x = a.x - 2 * b.x + c.x;
+  const double y = a.y - 2 * b.y + c.y;
+  return std::sqrt(x * x + y * y);
+}
+
+class Flattener {
+ public:
+  Flattener(const PathData& path, const CGAffineTransform& toDevice, const FlattenOptions& options,
+            FlatPath& out)
+      : path_(path), toDevice_(toDevice), options_(options), out_(out) {
+    const size_t share = limits::kMaxFlattenedPoints / std::max<size_t>(1, path.verbs.size());
+    maxSteps_ =
+        std::clamp(static_cast<double>(share), 1.0, static_cast<double>(limits::kMaxCurveSteps));
+  }
+
+  bool run() {
+    for (const PathVerb verb : path_.verbs) {
+      const size_t count = static_cast<size_t>(pointCount(verb));
+      if (path_.points.size() - next_ < count) return false;
+      element(verb);
+      next_ += count;
+    }
+    endSubpath(false);
+    return finite_;
+  }
+
+ private:
+  /// The point `index` of the current element on the device.
+  NSPoint point(size_t index) {
+    const NSPoint p = CGPointApplyAffineTransform(path_.points[next_ + index], toDevice_);
+    if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
+      finite_ = false;
+      return {};
+    }
+    return {std::clamp(p.x, -kFarthestPixel, kFarthestPixel),
+            std::clamp(p.y, -kFarthestPixel, kFarthestPixel)};
+  }
+
+  void element(PathVerb verb) {
+    switch (verb) {
+      case PathVerb::move:
+        moveTo(point(0));
+        break;
+      case PathVerb::line:
+        if (begin(point(0))) lineTo(point(0));
+        break;
+      case PathVerb::cubic:
+        if (begin(point(2))) cubicTo(point(0), point(1), point(2));
+        break;
+      case PathVerb::quad:
+        if (begin(point(1))) quadTo(point(0), point(1));
+        break;
+      case PathVerb::close:
+        close();
+        break;
+    }
+  }
+
+  void moveTo(NSPoint p) {
+    endSubpath(false);
+    start_ = current_ = p;
+    hasCurrent_ = true;
+  }
+
+  /// Starts a subpath at the current point when none is open. False when there is no current
+  /// point: `end` becomes it.
+  bool begin(NSPoint end) {
+    if (!hasCurrent_) {
+      moveTo(end);
+      return false;
+    }
+    if (!open_) out_.add(current_, false);
+    open_ = true;
+    return true;
+  }
+
+  void lineTo(NSPoint p) {
+    out_.add(p, false);
+    current_ = p;
+  }
+
+  void close() {
+    if (!hasCurrent_) return;
+    begin(start_);
+    endSubpath(true);
+    current_ = start_;
+  }
+
+  void endSubpath(bool closed) {
+    if (open_) out_.endSubpath(closed);
+    open_ = false;
+  }
+
+  /// Whether points all lie beyond the same edge of the visible box.
+  bool isBeyondOneEdge(std::initializer_list<NSPoint> points) const {
+    if (!options_.visible) return false;
+    DeviceBounds bounds;
+    for (const NSPoint& p : points) bounds.add(p);
+    const DeviceBounds& box = *options_.visible;
+    return bounds.x1 < box.x0 || bounds.x0 > box.x1 || bounds.y1 < box.y0 || bounds.y0 > box.y1;
+  }
+
+  int steps(double distance) const {
+    return static_cast<int>(
+        std::clamp(std::ceil(std::sqrt(0.75 * distance / options_.tolerance)), 1.0, maxSteps_));
+  }
+
+  void quadTo(NSPoint control, NSPoint end) {
+    // Degree elevation keeps the curve and its parameter.
+    cubicTo(lerp(current_, control, 2.0 / 3), lerp(end, control, 2.0 / 3), end);
+  }
+
+  void cubicTo(NSPoint c1, NSPoint c2, NSPoint end) {
+    const NSPoint p0 = current_;
+    current_ = end;
+    const double distance = std::max(bend(p0, c1, c2), bend(c1, c2, end));
+    const int n = steps(distance);
+    if (n == 1 || isBeyondOneEdge({p0, c1, c2, end})) {
+      out_.add(end, false);
+      return;
+    }
+    addChords(p0, c1, c2, end, n);
+  }
+
+  /// n - 1 interior points of the polynomial form ((a t + b) t + c) t + p0, and the end.
+  void addChords(NSPoint p0, NSPoint c1, NSPoint c2, NSPoint end, int n) {
+    const NSPoint c{3 * (c1.x - p0.x), 3 * (c1.y - p0.y)};
+    const NSPoint b{3 * (c2.x - c1.x) - c.x, 3 * (c2.y - c1.y) - c.y};
+    const NSPoint a{end.x - p0.x - c.x - b.x, end.y - p0.y - c.y - b.y};
+    const size_t old = out_.points.size();
+    out_.points.resize(old + static_cast<size_t>(n));
+    out_.smooth.resize(old + static_cast<size_t>(n), 1);
+    NSPoint* chord = out_.points.data() + old;
+    const double step = 1.0 / n;
+    for (int i = 1; i < n; ++i) {
+      const double t = i * step;
+      *chord++ = {((a.x * t + b.x) * t + c.x) * t + p0.x, ((a.y * t + b.y) * t + c.y) * t + p0.y};
+    }
+    *chord = end;
+    out_.smooth.back() = 0;
+  }
+
+  const PathData& path_;
+  const CGAffineTransform& toDevice_;
+  const FlattenOptions& options_;
+  FlatPath& out_;
+  double maxSteps_;
+  size_t next_ = 0;
+  NSPoint start_;
+  NSPoint current_;
+  bool hasCurrent_ = false;
+  bool open_ = false;
+  bool finite_ = true;
+};
+
+}  // namespace
+
+bool flattenPath(const PathData& path, const CGAffineTransform& toDevice,
+                 const FlattenOptions& options, FlatPath& out) {
+  out.clear();
+  if (path.verbs.size() > limits::kMaxPathElements) return false;
+  if (Flattener(path, toDevice, options, out).run()) return true;
+  out.clear();
+  return false;
+}

@@ -1,0 +1,270 @@
+#include "platform/graphics/pixels/paint/GradientSource.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/foundation/Convert.h"
+#include "platform/graphics/pixels/paint/GradientKernels.h"
+#include "platform/graphics/pixels/paint/SpanKernels.h"
+
+namespace {
+
+constexpr double kLastEntry = GradientTable::kSize - 1;
+
+bool extendsBefore(GradientExtent extent) {
+  return (static_cast<int>(extent) & static_cast<int>(GradientExtent::beforeStart)) != 0;
+}
+
+bool extendsAfter(GradientExtent extent) {
+  return (static_cast<int>(extent) & static_cast<int>(GradientExtent::afterEnd)) != 0;
+}
+
+bool isFinite(const CGAffineTransform& t) {
+  return std::isfinite(t.a) && std::isfinite(t.b) && std::isfinite(t.c) && std::isfinite(t.d) &&
+         std::isfinite(t.tx) && std::isfinite(t.ty);
+}
+
+/// A location that varies linearly over the device: base + dx x + dy y.
+struct LinearField {
+  double base = 0;
+  double dx = 0;
+  double dy = 0;
+  double at(double x, double y) const { return base + dx * x + dy * y; }
+};
+
+class LinearSource final : public RowSource {
+ public:
+  LinearSource(const GradientTable& table, const LinearField& field, GradientExtent extent)
+      : table_(table), field_(field), extent_(extent) {}
+
+  bool opaque() const override { return table_.opaque() && extent_ == GradientExtent::both; }
+
+  const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override {
+    if (field_.dy == 0) return sameRow(x, n);
+    fetch(x, y, n, buffer);
+    return buffer;
+  }
+
+ private:
+  void fetch(int32_t x, int32_t y, int32_t n, uint32_t* out) const {
+    const double start = field_.at(x + 0.5, y + 0.5);
+    if (field_.dx == 0) {
+      fillSpan(out, n, constantPixel(start));
+      return;
+    }
+    linearGradientRow(out, n, table_.pixels(), static_cast<float>(start * kLastEntry + 0.5),
+                      static_cast<float>(field_.dx * kLastEntry));
+    if (extent_ == GradientExtent::both) return;
+    for (int32_t i = 0; i < n; ++i) {
+      const double location = start + field_.dx * i;
+      const bool hidden =
+          (location < 0 && !extendsBefore(extent_)) || (location > 1 && !extendsAfter(extent_));
+      if (hidden) out[i] = 0;
+    }
+  }
+
+  bool hides(double location) const {
+    return (location < 0 && !extendsBefore(extent_)) || (location > 1 && !extendsAfter(extent_));
+  }
+
+  uint32_t constantPixel(double location) const {
+    if (hides(location)) return 0;
+    const double entry = std::clamp(location, 0.0, 1.0) * kLastEntry;
+    return table_.pixels()[roundedHalfUp(entry)];
+  }
+
+  /// Rows that are all alike are computed once, in pieces as they are asked for.
+  const uint32_t* sameRow(int32_t x, int32_t n) {
+    const auto end = [this] { return firstKnown_ + static_cast<int64_t>(known_.size()); };
+    if (x < firstKnown_ || x > end()) {
+      known_.clear();
+      firstKnown_ = x;
+    }
+    if (x + n > end()) {
+      const auto from = static_cast<int32_t>(end());
+      const int32_t more = x + n - from;
+      known_.resize(known_.size() + static_cast<size_t>(more));
+      fetch(from, 0, more, known_.data() + (from - firstKnown_));
+    }
+    return known_.data() + (x - firstKnown_);
+  }
+
+  const GradientTable& table_;
+  LinearField field_;
+  GradientExtent extent_;
+  int32_t firstKnown_ = 0;
+  std::vector<uint32_t> known_;
+};
+
+/// Circles around one centre.
+class ConcentricSource final : public RowSource {
+ public:
+  ConcentricSource(const GradientTable& table, const RadialAxis& axis, GradientExtent extent,
+                   const CGAffineTransform& fromDevice)
+      : table_(table), extent_(extent) {
+    const double scale = kLastEntry / (axis.endRadius - axis.startRadius);
+    const CGAffineTransform toEntries{
+        scale, 0, 0, scale, -axis.startCenter.x * scale, -axis.startCenter.y * scale};
+    toEntries_ = CGAffineTransformConcat(fromDevice, toEntries);
+    offset_ = -axis.startRadius * scale;
+    inward_ = scale < 0;
+  }
+
+  bool opaque() const override { return table_.opaque() && extent_ == GradientExtent::both; }
+
+  const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override {
+    const NSPoint start = CGPointApplyAffineTransform({x + 0.5, y + 0.5}, toEntries_);
+    if (!inward_ && extent_ == GradientExtent::both) {
+      const ConcentricRow row{static_cast<float>(start.x), static_cast<float>(start.y),
+                              static_cast<float>(toEntries_.a), static_cast<float>(toEntries_.b),
+                              static_cast<float>(offset_ + 0.5)};
+      concentricGradientRow(buffer, n, table_.pixels(), row);
+      return buffer;
+    }
+    for (int32_t i = 0; i < n; ++i) buffer[i] = pixel(start, i);
+    return buffer;
+  }
+
+ private:
+  uint32_t pixel(NSPoint start, int32_t i) const {
+    const double distance = std::hypot(start.x + toEntries_.a * i, start.y + toEntries_.b * i);
+    const double location = offset_ + (inward_ ? -distance : distance);
+    if (location < 0 && !extendsBefore(extent_)) return 0;
+    if (location > kLastEntry && !extendsAfter(extent_)) return 0;
+    return table_.pixels()[roundedHalfUp(std::clamp(location, 0.0, kLastEntry))];
+  }
+
+  const GradientTable& table_;
+  GradientExtent extent_;
+  CGAffineTransform toEntries_;
+  double offset_ = 0;
+  bool inward_ = false;
+};
+
+/// Two circles with different centres: the circle of location t through a point solves
+/// a t^2 - 2 b t + c = 0.
+class TwoCircleSource final : public RowSource {
+ public:
+  TwoCircleSource(const GradientTable& table, const RadialAxis& axis, GradientExtent extent,
+                  const CGAffineTransform& fromDevice)
+      : table_(table), extent_(extent) {
+    // In units of the larger size, so that squares neither overflow nor vanish.
+    const double dx = axis.endCenter.x - axis.startCenter.x;
+    const double dy = axis.endCenter.y - axis.startCenter.y;
+    const double unit = 1 / std::max({std::hypot(dx, dy), axis.startRadius, axis.endRadius});
+    toUnits_ = CGAffineTransformConcat(
+        fromDevice, {unit, 0, 0, unit, -axis.startCenter.x * unit, -axis.startCenter.y * unit});
+    move_ = {dx * unit, dy * unit};
+    startRadius_ = axis.startRadius * unit;
+    growth_ = (axis.endRadius - axis.startRadius) * unit;
+    a_ = move_.x * move_.x + move_.y * move_.y - growth_ * growth_;
+    nested_ = a_ < kSafelyNested && growth_ > 0 && extent == GradientExtent::both;
+  }
+
+  bool opaque() const override {
+    // One circle inside the other: the larger one grows over the whole plane.
+    return a_ < 0 && table_.opaque() && extent_ == GradientExtent::both;
+  }
+
+  const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override {
+    const NSPoint start = CGPointApplyAffineTransform({x + 0.5, y + 0.5}, toUnits_);
+    if (nested_) {
+      nestedCirclesGradientRow(buffer, n, table_.pixels(), nestedRow(start));
+      return buffer;
+    }
+    for (int32_t i = 0; i < n; ++i) {
+      buffer[i] = pixel({start.x + toUnits_.a * i, start.y + toUnits_.b * i});
+    }
+    return buffer;
+  }
+
+ private:
+  /// Single precision would show where the circles nearly touch.
+  static constexpr double kSafelyNested = -0.05;
+
+  NestedCirclesRow nestedRow(NSPoint start) const {
+    const auto narrow = [](double v) { return static_cast<float>(v); };
+    return {narrow(start.x),      narrow(start.y), narrow(toUnits_.a),
+            narrow(toUnits_.b),   narrow(move_.x), narrow(move_.y),
+            narrow(startRadius_), narrow(growth_), narrow(a_)};
+  }
+
+  bool shows(double location) const {
+    return startRadius_ + location * growth_ >= 0 && (location >= 0 || extendsBefore(extent_)) &&
+           (location <= 1 || extendsAfter(extent_));
+  }
+
+  uint32_t pixelAt(double location) const {
+    return table_.pixels()[roundedHalfUp(std::clamp(location, 0.0, 1.0) * kLastEntry)];
+  }
+
+  uint32_t pixel(NSPoint p) const {
+    const double b = p.x * move_.x + p.y * move_.y + startRadius_ * growth_;
+    const double c = p.x * p.x + p.y * p.y - startRadius_ * startRadius_;
+    if (std::fabs(a_) < 1e-9) {
+      const double location = c / (2 * b);
+      return b != 0 && shows(location) ? pixelAt(location) : 0;
+    }
+    const double discriminant = b * b - a_ * c;
+    if (!(discriminant >= 0)) return 0;
+    const double root = std::sqrt(discriminant);
+    const double first = (b + root) / a_;
+    const double second = (b - root) / a_;
+    const double higher = std::max(first, second);
+    if (shows(higher)) return pixelAt(higher);
+    const double lower = std::min(first, second);
+    return shows(lower) ? pixelAt(lower) : 0;
+  }
+
+  const GradientTable& table_;
+  GradientExtent extent_;
+  CGAffineTransform toUnits_;
+  NSPoint move_;
+  double startRadius_ = 0;
+  double growth_ = 0;
+  double a_ = 0;
+  bool nested_ = false;
+};
+
+/// The inverse of a transform, if it has a finite one.
+bool invert(const CGAffineTransform& toDevice, CGAffineTransform* fromDevice) {
+  *fromDevice = CGAffineTransformInvert(toDevice);
+  return CGAffineTransformDeterminant(toDevice) != 0 && isFinite(*fromDevice);
+}
+
+}  // namespace
+
+std::unique_ptr<RowSource> linearGradientSource(const GradientTable& table, const LinearAxis& axis,
+                                                GradientExtent extent,
+                                                const CGAffineTransform& toDevice) {
+  CGAffineTransform fromDevice;
+  const double dx = axis.end.x - axis.start.x;
+  const double dy = axis.end.y - axis.start.y;
+  const double squaredLength = dx * dx + dy * dy;
+  if (!invert(toDevice, &fromDevice) || !(squaredLength > 0 && std::isfinite(squaredLength))) {
+    return nullptr;
+  }
+  const NSPoint unit{dx / squaredLength, dy / squaredLength};
+  const LinearField field{
+      (fromDevice.tx - axis.start.x) * unit.x + (fromDevice.ty - axis.start.y) * unit.y,
+      fromDevice.a * unit.x + fromDevice.b * unit.y, fromDevice.c * unit.x + fromDevice.d * unit.y};
+  if (!std::isfinite(field.base) || !std::isfinite(field.dx) || !std::isfinite(field.dy)) {
+    return nullptr;
+  }
+  return std::make_unique<LinearSource>(table, field, extent);
+}
+
+std::unique_ptr<RowSource> radialGradientSource(const GradientTable& table, const RadialAxis& axis,
+                                                GradientExtent extent,
+                                                const CGAffineTransform& toDevice) {
+  CGAffineTransform fromDevice;
+  if (!invert(toDevice, &fromDevice)) return nullptr;
+  if (!(axis.startRadius >= 0 && axis.endRadius >= 0)) return nullptr;
+  const double distance =
+      std::hypot(axis.endCenter.x - axis.startCenter.x, axis.endCenter.y - axis.startCenter.y);
+  const double growth = axis.endRadius - axis.startRadius;
+  if (!std::isfinite(distance) || !std::isfinite(growth)) return nullptr;
+  if (distance > 0) return std::make_unique<TwoCircleSource>(table, axis, extent, fromDevice);
+  if (growth == 0) return nullptr;
+  return std::make_unique<ConcentricSource>(table, axis, extent, fromDevice);
+}

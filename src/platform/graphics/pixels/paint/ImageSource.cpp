@@ -1,0 +1,97 @@
+#include "platform/graphics/pixels/paint/ImageSource.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/foundation/Convert.h"
+#include "platform/graphics/pixels/PixelMath.h"
+
+namespace {
+
+/// Positions closer than this to a whole pixel count as whole: edges are painted to 1/256 pixel.
+constexpr double kPositionNoise = 1.0 / 512;
+
+bool nearlyWhole(double v, int32_t* whole) {
+  const double rounded = std::round(v);
+  *whole = std::fabs(rounded) < 1 << 30 ? static_cast<int32_t>(rounded) : 0;
+  return std::fabs(rounded) < 1 << 30 && std::fabs(v - rounded) < kPositionNoise;
+}
+
+const uint32_t* imageRow(const PixelBuffer& image, int64_t y) {
+  const void* const bytes = image.row(y);
+  return static_cast<const uint32_t*>(bytes);
+}
+
+/// A sampling position in one direction: two neighbouring pixels and the weight of the second.
+struct Tap {
+  int32_t first;
+  int32_t second;
+  uint32_t weight;
+};
+
+Tap tapAt(double position, int32_t low, int32_t high) {
+  const double inside = std::clamp<double>(position - 0.5, low, high - 1);
+  const auto first = static_cast<int32_t>(inside);
+  return {first, std::min(first + 1, high - 1),
+          static_cast<uint32_t>(roundedHalfUp((inside - first) * 255))};
+}
+
+}  // namespace
+
+bool movesWholePixels(const CGAffineTransform& deviceToImage, int32_t* dx, int32_t* dy) {
+  // Over the largest bitmap a scale this close to one is off by less than a pixel's noise.
+  constexpr double kScaleNoise = 1e-8;
+  const bool unscaled = std::fabs(deviceToImage.a - 1) < kScaleNoise &&
+                        std::fabs(deviceToImage.d - 1) < kScaleNoise &&
+                        std::fabs(deviceToImage.b) < kScaleNoise &&
+                        std::fabs(deviceToImage.c) < kScaleNoise;
+  return unscaled && nearlyWhole(deviceToImage.tx, dx) && nearlyWhole(deviceToImage.ty, dy);
+}
+
+const uint32_t* MovedImageSource::row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) {
+  const int64_t imageX = int64_t{x} + dx_;
+  const int64_t imageY = int64_t{y} + dy_;
+  const bool rowExists = imageY >= 0 && imageY < image_.height();
+  const int64_t first = std::max<int64_t>(imageX, 0);
+  const int64_t end = std::min(imageX + n, image_.width());
+  if (rowExists && first == imageX && end == imageX + n) return imageRow(image_, imageY) + imageX;
+  std::fill_n(buffer, n, 0U);
+  if (rowExists && first < end) {
+    std::copy_n(imageRow(image_, imageY) + first, end - first, buffer + (first - imageX));
+  }
+  return buffer;
+}
+
+TransformedImageSource::TransformedImageSource(const PixelBuffer& image, const ImagePart& part,
+                                               const CGAffineTransform& deviceToImage,
+                                               SamplingFilter filter)
+    : image_(image), part_(part), deviceToImage_(deviceToImage), filter_(filter) {}
+
+const uint32_t* TransformedImageSource::row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) {
+  const NSPoint start = CGPointApplyAffineTransform({x + 0.5, y + 0.5}, deviceToImage_);
+  if (filter_ == SamplingFilter::nearest) {
+    nearestRow(start, n, buffer);
+  } else {
+    bilinearRow(start, n, buffer);
+  }
+  return buffer;
+}
+
+void TransformedImageSource::nearestRow(NSPoint position, int32_t n, uint32_t* out) const {
+  for (int32_t i = 0; i < n; ++i) {
+    const double u = std::clamp<double>(position.x + deviceToImage_.a * i, part_.x0, part_.x1 - 1);
+    const double v = std::clamp<double>(position.y + deviceToImage_.b * i, part_.y0, part_.y1 - 1);
+    out[i] = imageRow(image_, static_cast<int64_t>(v))[static_cast<int64_t>(u)];
+  }
+}
+
+void TransformedImageSource::bilinearRow(NSPoint position, int32_t n, uint32_t* out) const {
+  for (int32_t i = 0; i < n; ++i) {
+    const Tap u = tapAt(position.x + deviceToImage_.a * i, part_.x0, part_.x1);
+    const Tap v = tapAt(position.y + deviceToImage_.b * i, part_.y0, part_.y1);
+    const uint32_t* const upper = imageRow(image_, v.first);
+    const uint32_t* const lower = imageRow(image_, v.second);
+    out[i] = mixed(mixed(upper[u.first], upper[u.second], u.weight),
+                   mixed(lower[u.first], lower[u.second], u.weight), v.weight);
+  }
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "platform/graphics/context/CGContext.h"
+#include "platform/text/drawing/GlyphMasks.h"
+#include "platform/text/layout/TextLayout.h"
+
+class NSBitmapImageRep;
+
+/// Paints the glyphs of laid-out runs. The context's user space has y running down, as laid-out
+/// text has: a context is y up, so the caller turns it over first.
+///
+/// Outlines are filled by the non-zero rule with the foreground colour; a stroke width is in
+/// percent of the font's size, above 0 for the outline alone, below 0 for the outline on top of the
+/// fill. Coloured glyphs are pictures as opaque as the foreground colour and have no outline.
+class GlyphPainter {
+ public:
+  /// The context must outlive the painter.
+  explicit GlyphPainter(CGContext& context) : context_(context) {}
+
+  /// Paints the run's glyphs with the start of its baseline at `origin`.
+  void paint(const TextLayout& layout, const PlacedRun& run, NSPoint origin);
+
+ private:
+  /// A picture in a font, decoded once for all its occurrences.
+  struct Picture {
+    std::shared_ptr<NSBitmapImageRep> bitmap;  ///< null when there is none
+    NSRect rect;                               ///< font units, y up from the baseline
+  };
+  struct GlyphPaint;
+
+  using Glyphs = std::span<const PlacedGlyph>;
+
+  /// Small filled glyphs, through masks.
+  void paintMasks(Glyphs glyphs, const GlyphPaint& pen, NSPoint origin);
+  void paintPicture(const FontFace& face, uint32_t glyph, const GlyphPaint& pen, NSPoint at);
+  void paintOutline(const PathData& outline, const GlyphPaint& pen, NSPoint at);
+  const Picture& picture(const FontFace& face, uint32_t glyph);
+
+  CGContext& context_;
+  GlyphMasks masks_;
+  std::vector<GlyphMasks::Placed> placed_;
+  std::map<std::pair<const FontFace*, uint32_t>, Picture> pictures_;
+};
+
+/// The box around a run's glyphs with their strokes, y down from the start of its baseline; empty
+/// when it shows nothing.
+NSRect glyphBounds(const TextLayout& layout, const PlacedRun& run);

@@ -1,0 +1,169 @@
+#include "platform/text/layout/LineFitting.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "platform/text/TextCharacters.h"
+#include "platform/text/TextLengths.h"
+#include "platform/text/layout/TabStops.h"
+
+namespace {
+
+constexpr std::u16string_view kHyphen = u"-";
+constexpr char16_t kDecimalPoint = u'.';
+
+/// Running x position along a line with tabs.
+class LineCursor {
+ public:
+  explicit LineCursor(double x) : tabX_(x), stop_{x, NSTextTabType::left} {}
+
+  double x() const { return after(segment_); }
+  double after(double width) const {
+    return startAfterTab(stop_, tabX_, width, untilPoint_.value_or(width)) + width;
+  }
+  double with(double advance) const { return after(segment_ + advance); }
+  void move(double advance, char16_t character) {
+    if (character == kDecimalPoint && !untilPoint_) untilPoint_ = segment_;
+    segment_ += advance;
+  }
+  void tab(const TabStop& stop) {
+    tabX_ = x();
+    stop_ = stop;
+    segment_ = 0;
+    untilPoint_.reset();
+  }
+
+ private:
+  double tabX_;
+  TabStop stop_;
+  double segment_ = 0;  // width of the text since the tab
+  std::optional<double> untilPoint_;
+};
+
+}  // namespace
+
+LineFitter::LineFitter(std::u16string_view text, size_t start, size_t end, ParagraphItems items,
+                       const NSParagraphStyle& style)
+    : text_(text),
+      start_(start),
+      end_(end),
+      items_(std::move(items)),
+      style_(style),
+      position_(start) {}
+
+ShapedItem LineFitter::take() {
+  if (ready_.empty()) return shapeItem(items_.items[next_++], text_, start_, end_);
+  ShapedItem item = std::move(ready_.front());
+  ready_.pop_front();
+  return item;
+}
+
+bool LineFitter::wraps() const {
+  return style_.lineBreakMode() == NSLineBreakMode::byWordWrapping ||
+         style_.lineBreakMode() == NSLineBreakMode::byCharWrapping;
+}
+
+FittedLine LineFitter::next(double indent, double limit) {
+  FittedLine line;
+  line.start = position_;
+  positions_.clear();
+  LineCursor pen(indent);
+  std::optional<size_t> overflow;
+  bool tabEndsLine = false;
+  while (!overflow && !tabEndsLine && !exhausted()) {
+    line.items.push_back(take());
+    const ShapedItem& shaped = line.items.back();
+    const TextItem& item = shaped.item;
+    if (item.kind == ItemKind::lineSeparator) break;
+    if (item.kind == ItemKind::tab) {
+      positions_.push_back(pen.x());
+      const auto stop = tabStopAfter(style_, pen.x());
+      if (stop) pen.tab(*stop);
+      tabEndsLine = !stop && wraps();
+      continue;
+    }
+    for (size_t u = item.start; u < item.end(); ++u) {
+      const double advance = shaped.advances[u - item.start];
+      const bool fits = hangs(text_[u]) || pen.with(advance) <= limit + kPositionTolerance;
+      if (!fits && wraps() && u > line.start && items_.clusterStarts[u - start_] != 0) {
+        overflow = u;
+        break;
+      }
+      positions_.push_back(pen.x());
+      pen.move(advance, text_[u]);
+    }
+  }
+  if (overflow) {
+    cut(line, breakBefore(line, *overflow, limit));
+    addHyphen(line);
+  }
+  line.end = position_ = line.items.empty() ? line.start : line.items.back().item.end();
+  const bool separated =
+      !line.items.empty() && line.items.back().item.kind == ItemKind::lineSeparator;
+  if (separated) line.reason = LineEnd::lineSeparator;
+  if (!separated && !exhausted()) line.reason = LineEnd::wrapped;
+  done_ = !separated && exhausted();
+  return line;
+}
+
+size_t LineFitter::breakBefore(const FittedLine& line, size_t unit, double limit) {
+  if (style_.lineBreakMode() == NSLineBreakMode::byCharWrapping) return unit;
+  const TextLibraries* libraries = textLibraries();
+  if (breaks_.empty() && libraries != nullptr) {
+    libraries->findLineBreaks(text_.substr(start_, end_ - start_), breaks_);
+  }
+  for (size_t u = unit; u > line.start; --u) {
+    if (u - start_ >= breaks_.size() || breaks_[u - start_] == 0) continue;
+    if (text_[u - 1] != kSoftHyphen) return u;
+    const double hyphen = shapeInserted(line.items.back().item, kHyphen).width;
+    const double x =
+        u - line.start < positions_.size() ? positions_[u - line.start] : positions_.back();
+    if (x + hyphen <= limit + kPositionTolerance) return u;
+  }
+  return unit;
+}
+
+void LineFitter::cut(FittedLine& line, size_t unit) {
+  while (line.items.back().item.start >= unit) {
+    ready_.push_front(std::move(line.items.back()));
+    line.items.pop_back();
+  }
+  if (line.items.back().item.end() == unit) return;
+  SplitItem split = splitItem(std::move(line.items.back()), unit, text_, start_, end_);
+  line.items.back() = std::move(split.before);
+  ready_.push_front(std::move(split.after));
+}
+
+void LineFitter::addHyphen(FittedLine& line) const {
+  const TextItem last = line.items.back().item;
+  if (last.kind == ItemKind::text && text_[last.end() - 1] == kSoftHyphen) {
+    line.items.push_back(shapeInserted(last, kHyphen));
+  }
+}
+
+void resolveTabs(FittedLine& line, const NSParagraphStyle& style, double indent,
+                 std::u16string_view text) {
+  double x = indent;
+  for (size_t i = 0; i < line.items.size(); ++i) {
+    ShapedItem& tab = line.items[i];
+    if (tab.item.kind != ItemKind::tab) {
+      x += tab.width;
+      continue;
+    }
+    const auto stop = tabStopAfter(style, x);
+    if (!stop) continue;
+    LineCursor pen(x);
+    pen.tab(*stop);
+    double segment = 0;
+    for (size_t j = i + 1; j < line.items.size(); ++j) {
+      const ShapedItem& shaped = line.items[j];
+      if (shaped.item.kind == ItemKind::tab) break;
+      for (size_t u = 0; u < shaped.advances.size(); ++u) {
+        pen.move(shaped.advances[u], text[shaped.item.start + u]);
+      }
+      segment += shaped.width;
+    }
+    tab.width = tab.advances[0] = pen.x() - segment - x;
+    x += tab.width;
+  }
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string_view>
+#include <vector>
+
+#include "platform/text/layout/ShapedItem.h"
+
+enum class LineEnd : uint8_t { wrapped, lineSeparator, paragraphEnd };
+
+/// The items of one line, in logical order.
+struct FittedLine {
+  size_t start = 0;
+  size_t end = 0;  ///< units [start, end), with white space that hangs over the line's end
+  LineEnd reason = LineEnd::paragraphEnd;
+  std::vector<ShapedItem> items;
+};
+
+/// Breaks one paragraph into lines, one at a time: what no line asks for is never shaped.
+class LineFitter {
+ public:
+  /// `items` are those of the units [start, end) of `text`.
+  LineFitter(std::u16string_view text, size_t start, size_t end, ParagraphItems items,
+             const NSParagraphStyle& style);
+
+  /// Whether everything has been handed out. A paragraph without characters still has one line.
+  bool done() const { return done_; }
+
+  /// The next line: it starts at `indent` and its visible text ends at `limit`, both measured from
+  /// the edge where lines start. It holds at least one character.
+  FittedLine next(double indent, double limit);
+
+ private:
+  ShapedItem take();
+  bool exhausted() const { return ready_.empty() && next_ == items_.items.size(); }
+  /// Cuts the line before the unit and keeps the rest for the next one.
+  void cut(FittedLine& line, size_t unit);
+  /// Where to break a line whose character at `unit` does not fit.
+  size_t breakBefore(const FittedLine& line, size_t unit, double limit);
+  void addHyphen(FittedLine& line) const;
+  bool wraps() const;
+
+  std::u16string_view text_;
+  size_t start_;
+  size_t end_;
+  ParagraphItems items_;
+  const NSParagraphStyle& style_;
+  size_t next_ = 0;
+  std::deque<ShapedItem> ready_;   // shaped, and before items_[next_]
+  std::vector<uint8_t> breaks_;    // of the paragraph, found when the first line overflows
+  std::vector<double> positions_;  // x at each unit of the current line
+  size_t position_;                // first unit of the next line
+  bool done_ = false;
+};
+
+/// Widths of the line's tabs: all text before a tab lies left of it (in a left-to-right paragraph).
+void resolveTabs(FittedLine& line, const NSParagraphStyle& style, double indent,
+                 std::u16string_view text);
