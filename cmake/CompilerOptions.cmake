@@ -2,7 +2,8 @@
 add_library(paint_options INTERFACE)
 target_compile_options(paint_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
-  -Wconversion -Wno-sign-conversion -Werror
+  -Wconversion -Wno-sign-conversion
+  $<$<BOOL:${PAINT_WERROR}>:-Werror>
   # g++ 12 sees overlapping copies in std::string concatenation where there are none.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   # Single and double precision results are part of the behaviour: no contraction into FMA.

@@ -29,6 +29,8 @@ execute_process(COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -x c++-header -MM -I sr
   WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} OUTPUT_VARIABLE rule COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "src/[A-Za-z0-9_/]+\\.h" headers "${rule}")
 foreach(header IN LISTS headers)
+  # A header that includes another one changes the list.
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
   get_filename_component(folder ${header} DIRECTORY)
   string(REGEX REPLACE "^src/?" "" folder ${folder})
   install(FILES ${header} COMPONENT development
