@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/foundation/PaintExport.h"
 #include "platform/machine/ZeroedMemory.h"
 
 /// A half-open range of rows, counted from the top.
@@ -18,7 +19,7 @@ struct RowRange {
 /// Memory comes from the system zeroed and untouched, so a buffer costs what was painted on it;
 /// the rows that may hold anything but zero are tracked, so that copying, scaling and clearing can
 /// pass over the rest.
-class PixelBuffer {
+class PAINT_API PixelBuffer {
  public:
   /// Whether both sides are 0 or more and their product is at most limits::kMaxCanvasPixels.
   static bool canHold(int64_t width, int64_t height);
