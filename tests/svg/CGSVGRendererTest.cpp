@@ -89,14 +89,17 @@ TEST_F(CGSVGRendererTest, LeavesTheContextAsItWas) {
 
 // The shape as a whole is translucent: its fill does not show through its stroke.
 TEST_F(CGSVGRendererTest, OpacityAppliesToFillAndStrokeTogether) {
-  useContext();
-  draw(
-      "<rect x='10' y='10' width='20' height='20' fill='red' stroke='blue' stroke-width='8' "
-      "opacity='.5'/>");
-  EXPECT_EQ(at(20, 20), (Pixel{128, 0, 0, 128}));
-  EXPECT_EQ(at(12, 20), (Pixel{0, 0, 128, 128}));
-  EXPECT_EQ(at(8, 8), (Pixel{0, 0, 128, 128}));
-  EXPECT_EQ(at(4, 4), Pixel{});
+  const std::string style =
+      "width='20' height='20' fill='red' stroke='blue' stroke-width='8' opacity='.5'/>";
+  for (const std::string place :
+       {"x='10' y='10' ", "x='-20' y='-20' transform='translate(30 30)' "}) {
+    useContext();
+    draw("<rect " + place + style);
+    EXPECT_EQ(at(20, 20), (Pixel{128, 0, 0, 128})) << place;
+    EXPECT_EQ(at(12, 20), (Pixel{0, 0, 128, 128})) << place;
+    EXPECT_EQ(at(8, 8), (Pixel{0, 0, 128, 128})) << place;
+    EXPECT_EQ(at(4, 4), Pixel{}) << place;
+  }
 }
 
 // The clip's edge cuts a pixel in half. Whatever is painted below, only what is on top shows there.

@@ -161,6 +161,24 @@ TEST(PathGeometry, PathsTravelToTheDrawingLayerAndBack) {
   EXPECT_EQ(back->data().points, path->data().points);
 }
 
+// A line to the curve's start, then a curve that is symmetric about x = 150.
+TEST(PathGeometry, PointsOnCurvesByLength) {
+  auto path = NSBezierPath::bezierPath();
+  path->moveToPoint({0, 0});
+  path->lineToPoint({100, 0});
+  path->curveToPoint({200, 0}, {100, 100}, {200, 100});
+  const double curve = pathLineLength(*path) - 100;
+  PathMeasure measure(*path);
+  for (const PathPosition& middle : {pointAtPercent(*path, (100 + curve / 2) / (100 + curve)),
+                                     measure.positionAt(100 + curve / 2)}) {
+    EXPECT_NEAR(middle.point.x, 150, 0.1);
+    EXPECT_NEAR(middle.point.y, 75, 0.01);
+    EXPECT_EQ(middle.elementIndex, 2);
+    EXPECT_GT(middle.direction.x, 0);
+    EXPECT_NEAR(middle.direction.y / middle.direction.x, 0, 0.01);
+  }
+}
+
 TEST(PathGeometry, PathsAreMeasuredAndCut) {
   auto path = NSBezierPath::bezierPath();
   path->moveToPoint({0, 0});

@@ -210,6 +210,10 @@ TEST(FixedOutlines, TouchTheBoxAndKeepTheirAspect) {
     // The arrow that turns is round, so that it cannot touch all four sides.
     const bool round = what == "DrawRectRefresh";
     expectRect(draw->pathBounds(), box, round ? 60 : 2, what);
+    // Control points lie no farther out than a fifth of the box, but for the heart's wide arcs.
+    const double reach = what == "DrawRectHeart" ? 0.6 : 0.2;
+    const NSRect around = NSInsetRect(box, -1000 * reach, -300 * reach);
+    EXPECT_EQ(NSUnionRect(around, draw->bezierPath()->controlPointBounds()), around) << what;
   }
   EXPECT_EQ(names.size(), kFixedOutlineCount);
 }
