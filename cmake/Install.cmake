@@ -18,15 +18,15 @@ configure_package_config_file(cmake/paintengineConfig.cmake.in paintengineConfig
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/paintengine)
 write_basic_package_version_file(paintengineConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 configure_file(cmake/paintengine.pc.in paintengine.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/paintengineConfig.cmake
-  ${CMAKE_BINARY_DIR}/paintengineConfigVersion.cmake COMPONENT development
+install(FILES ${PROJECT_BINARY_DIR}/paintengineConfig.cmake
+  ${PROJECT_BINARY_DIR}/paintengineConfigVersion.cmake COMPONENT development
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/paintengine)
-install(FILES ${CMAKE_BINARY_DIR}/paintengine.pc COMPONENT development
+install(FILES ${PROJECT_BINARY_DIR}/paintengine.pc COMPONENT development
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # The headers that the library's one header needs, as the compiler finds them.
 execute_process(COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -x c++-header -MM -I src src/paintengine.h
-  WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} OUTPUT_VARIABLE rule COMMAND_ERROR_IS_FATAL ANY)
+  WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE rule COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "src/[A-Za-z0-9_/]+\\.h" headers "${rule}")
 foreach(header IN LISTS headers)
   # A header that includes another one changes the list.
@@ -53,16 +53,16 @@ foreach(program paint-thumbnailer paintdoc)
 endforeach()
 
 # compressed(SOURCE NAME): a copy of a file as gzip makes it without name and time, in
-# ${CMAKE_BINARY_DIR}/compressed.
+# ${PROJECT_BINARY_DIR}/compressed.
 find_program(GZIP gzip REQUIRED)
 function(compressed source name)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
-  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/compressed)
-  execute_process(COMMAND ${GZIP} -9nc ${CMAKE_SOURCE_DIR}/${source}
-    OUTPUT_FILE ${CMAKE_BINARY_DIR}/compressed/${name} COMMAND_ERROR_IS_FATAL ANY)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compressed)
+  execute_process(COMMAND ${GZIP} -9nc ${PROJECT_SOURCE_DIR}/${source}
+    OUTPUT_FILE ${PROJECT_BINARY_DIR}/compressed/${name} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 foreach(program paint-thumbnailer paintdoc)
   compressed(data/man/${program}.1 ${program}.1.gz)
-  install(FILES ${CMAKE_BINARY_DIR}/compressed/${program}.1.gz COMPONENT programs
+  install(FILES ${PROJECT_BINARY_DIR}/compressed/${program}.1.gz COMPONENT programs
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endforeach()

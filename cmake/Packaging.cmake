@@ -11,14 +11,14 @@ foreach(pair programs:paint-thumbnailer library:libpaintengine0 development:libp
     continue()
   endif()
   list(APPEND CPACK_COMPONENTS_ALL ${component})
-  install(FILES data/debian/copyright ${CMAKE_BINARY_DIR}/compressed/changelog.gz
+  install(FILES data/debian/copyright ${PROJECT_BINARY_DIR}/compressed/changelog.gz
     COMPONENT ${component} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package})
 endforeach()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VENDOR "The paintengine authors")
 set(CPACK_PACKAGE_CONTACT "The paintengine authors <maintainers@paintengine.org>")
-set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_STRIP_FILES ON)
@@ -27,7 +27,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${CMAKE_BINARY_DIR}/src ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
+  ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION graphics)
@@ -41,11 +41,11 @@ a PNG thumbnail of one file; paintdoc looks into documents, renders and checks
 them.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/debian/shlibs CONTENT
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/debian/shlibs CONTENT
   "libpaintengine ${PROJECT_VERSION_MAJOR} libpaintengine0 (>= ${PROJECT_VERSION})\n")
-file(WRITE ${CMAKE_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
+file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-  ${CMAKE_BINARY_DIR}/debian/shlibs ${CMAKE_BINARY_DIR}/debian/triggers)
+  ${PROJECT_BINARY_DIR}/debian/shlibs ${PROJECT_BINARY_DIR}/debian/triggers)
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "reads and renders paint documents (shared library)
 The engine behind paint-thumbnailer: documents of vector and raster elements
 with shadows, gradients, filters and text become pictures. Libraries for

@@ -45,7 +45,7 @@ AVX512_INLINE size_t findSixteen(const uint32_t* cache, const uint32_t* pixels, 
   const __m512i mark =
       _mm512_or_si512(_mm512_srli_epi32(_mm512_slli_epi32(mixed, kCacheIndexBits), 1), set);
   _mm512_storeu_si512(results, _mm512_or_si512(entry, alpha));
-  // Zero where the mark is the pixel's and the pixel is opaque.
+  // Zero where the tag is the pixel's and the pixel is opaque.
   const __m512i difference =
       _mm512_or_si512(_mm512_xor_si512(entry, mark), _mm512_xor_si512(pixel, alpha));
   const __mmask16 unknown = _mm512_mask_test_epi32_mask(wanted, difference, alpha);

@@ -9,8 +9,7 @@
 struct HalfOctaveCubics;
 
 // Look-ups and conversions of many 8-bit codes at a time, with the byte permutations of AVX-512
-// VBMI. To be called only where hasAVX512VBMI(); each is a form of the function of its name without
-// the suffix.
+// VBMI. To be called only where hasAVX512VBMI(); CodeTables, PlanarPixels and LinearLight do.
 
 void lookUpBytesAVX512(const CodeTable& table, KeptBytes kept, const uint8_t* bytes, size_t count,
                        uint8_t* results);

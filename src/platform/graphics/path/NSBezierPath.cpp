@@ -290,7 +290,6 @@ StrokeStyle NSBezierPath::strokeStyle() const {
 }
 
 // --- Archives ---
-// The archived form of NSBezierPath.
 
 namespace {
 
