@@ -24,8 +24,8 @@ NSGraphicsContext::NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bi
     : port_(bitmap) {}
 
 std::shared_ptr<NSGraphicsContext> NSGraphicsContext::graphicsContextWithBitmapImageRep(
-    std::shared_ptr<NSBitmapImageRep> bitmap) {
-  return std::make_shared<NSGraphicsContext>(std::move(bitmap));
+    const std::shared_ptr<NSBitmapImageRep>& bitmap) {
+  return std::make_shared<NSGraphicsContext>(bitmap);
 }
 
 const std::shared_ptr<NSGraphicsContext>& NSGraphicsContext::currentContext() {
@@ -50,10 +50,10 @@ void NSGraphicsContext::restoreGraphicsState() {
   if (contexts.current != nullptr) contexts.current->graphicsPort()->restoreGState();
 }
 
-void ZTLockFocus(std::shared_ptr<NSBitmapImageRep> bitmap) {
+void ZTLockFocus(const std::shared_ptr<NSBitmapImageRep>& bitmap) {
   NSGraphicsContext::saveGraphicsState();
   NSGraphicsContext::setCurrentContext(
-      NSGraphicsContext::graphicsContextWithBitmapImageRep(std::move(bitmap)));
+      NSGraphicsContext::graphicsContextWithBitmapImageRep(bitmap));
 }
 
 void ZTUnlockFocus(const std::shared_ptr<NSBitmapImageRep>&) {

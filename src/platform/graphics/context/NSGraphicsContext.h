@@ -10,7 +10,7 @@
 class NSGraphicsContext {
  public:
   static std::shared_ptr<NSGraphicsContext> graphicsContextWithBitmapImageRep(
-      std::shared_ptr<NSBitmapImageRep> bitmap);
+      const std::shared_ptr<NSBitmapImageRep>& bitmap);
 
   /// The calling thread's current context; null when there is none.
   static const std::shared_ptr<NSGraphicsContext>& currentContext();
@@ -46,7 +46,7 @@ class NSGraphicsStateScope {
 };
 
 /// Saves the graphics state and makes a new context on the bitmap current.
-void ZTLockFocus(std::shared_ptr<NSBitmapImageRep> bitmap);
+void ZTLockFocus(const std::shared_ptr<NSBitmapImageRep>& bitmap);
 /// Restores the state saved by ZTLockFocus. The argument names the bitmap that loses the focus.
 void ZTUnlockFocus(const std::shared_ptr<NSBitmapImageRep>& bitmap);
 
