@@ -9,6 +9,11 @@ install(TARGETS paint-thumbnailer paintdoc
 install(TARGETS ${PAINT_MODULES}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/paintengine COMPONENT library)
 
+# What the engine has pictures drawn by, with its choice of fonts.
+install(TARGETS paint-picture-helper
+  RUNTIME DESTINATION ${PAINT_HELPER_FOLDER} COMPONENT library)
+install(FILES data/fonts.conf COMPONENT library DESTINATION ${PAINT_DATA_FOLDER})
+
 install(TARGETS paintengine_shared EXPORT paintengineTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/paintengine)

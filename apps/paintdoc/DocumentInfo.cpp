@@ -34,14 +34,10 @@ std::string colorText(const NSColor& color) {
                    color.blueComponent(), color.alphaComponent());
 }
 
-std::string titleOf(const DrawBase& draw) {
-  return draw.layerTitle() ? *draw.layerTitle() : draw.name();
-}
-
-void appendDraw(std::string& out, const DrawBase& draw, const DrawBase* background, size_t depth) {
+void appendDraw(std::string& out, PaintManager& document, DrawBase& draw, size_t depth) {
   const NSRect b = draw.pathBounds();
   out += std::string(depth * 2, ' ') + std::string(draw.className());
-  if (const std::string title = titleOf(draw); !title.empty()) {
+  if (const std::string title = draw.title(); !title.empty()) {
     out += " \"" + printable(title) + "\"";
   }
   out += formatted(" bounds %g %g %g %g", b.origin.x, b.origin.y, b.size.width, b.size.height);
@@ -50,19 +46,36 @@ void appendDraw(std::string& out, const DrawBase& draw, const DrawBase* backgrou
   }
   if (draw.opacity() != 100) out += " opacity " + std::to_string(draw.opacity()) + "%";
   for (const char* flag : flagsOf(draw)) out += std::string(" ") + flag;
-  if (&draw == background) out += " background";
+  if (&draw == document.backgroundDraw().get()) out += " background";
+  const PictureFailure failure = document.pictureFailure(draw);
+  if (failure != PictureFailure::none) {
+    out += std::string(" ") + draw.pictureKind() + " left out: " + describe(failure);
+  }
   out += '\n';
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
-    for (const auto& sub : group->draws()) appendDraw(out, *sub, background, depth + 1);
+    for (const auto& sub : group->draws()) appendDraw(out, document, *sub, depth + 1);
   }
 }
 
-void writeDraw(JsonWriter& json, const DrawBase& draw, const DrawBase* background) {
+/// Of draws that show an embedded picture.
+void writePicture(JsonWriter& json, PaintManager& document, DrawBase& draw) {
+  if (*draw.pictureKind() == '\0') return;
+  const PictureFailure failure = document.pictureFailure(draw);
+  json.key("picture");
+  json.beginObject();
+  json.key("kind");
+  json.value(draw.pictureKind());
+  json.key("leftOut");
+  failure == PictureFailure::none ? json.null() : json.value(describe(failure));
+  json.endObject();
+}
+
+void writeDraw(JsonWriter& json, PaintManager& document, DrawBase& draw) {
   json.beginObject();
   json.key("class");
   json.value(draw.className());
   json.key("name");
-  json.value(titleOf(draw));
+  json.value(draw.title());
   const NSRect b = draw.pathBounds();
   json.key("bounds");
   json.beginArray();
@@ -75,12 +88,13 @@ void writeDraw(JsonWriter& json, const DrawBase& draw, const DrawBase* backgroun
   json.key("flags");
   json.beginArray();
   for (const char* flag : flagsOf(draw)) json.value(flag);
-  if (&draw == background) json.value("background");
+  if (&draw == document.backgroundDraw().get()) json.value("background");
   json.endArray();
+  writePicture(json, document, draw);
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
     json.key("draws");
     json.beginArray();
-    for (const auto& sub : group->draws()) writeDraw(json, *sub, background);
+    for (const auto& sub : group->draws()) writeDraw(json, document, *sub);
     json.endArray();
   }
   json.endObject();
@@ -89,7 +103,7 @@ void writeDraw(JsonWriter& json, const DrawBase& draw, const DrawBase* backgroun
 }  // namespace
 
 std::string infoText(const DocumentFacts& facts) {
-  const PaintManager& document = facts.document;
+  PaintManager& document = facts.document;
   std::string out = formatted("canvas %g x %g\n", document.size().width, document.size().height);
   out += "version " + std::to_string(facts.version) + "\n";
   if (facts.resolution != 0) out += formatted("resolution %g\n", facts.resolution);
@@ -98,13 +112,12 @@ std::string infoText(const DocumentFacts& facts) {
   }
   if (document.maskBackground()) out += "masked with background\n";
   out += "draws " + std::to_string(document.allDraws().size()) + "\n";
-  const DrawBase* background = document.backgroundDraw().get();
-  for (const auto& draw : document.allDraws()) appendDraw(out, *draw, background, 1);
+  for (const auto& draw : document.allDraws()) appendDraw(out, document, *draw, 1);
   return out;
 }
 
 std::string infoJson(const DocumentFacts& facts) {
-  const PaintManager& document = facts.document;
+  PaintManager& document = facts.document;
   JsonWriter json;
   json.beginObject();
   json.key("canvas");
@@ -131,10 +144,24 @@ std::string infoJson(const DocumentFacts& facts) {
   json.value(document.maskBackground());
   json.key("draws");
   json.beginArray();
-  for (const auto& draw : document.allDraws()) {
-    writeDraw(json, *draw, document.backgroundDraw().get());
-  }
+  for (const auto& draw : document.allDraws()) writeDraw(json, document, *draw);
   json.endArray();
   json.endObject();
   return json.text() + "\n";
+}
+
+void writeLeftOut(JsonWriter& json, const std::vector<LeftOutPicture>& pictures) {
+  json.key("leftOut");
+  json.beginArray();
+  for (const LeftOutPicture& picture : pictures) {
+    json.beginObject();
+    json.key("title");
+    json.value(picture.title);
+    json.key("kind");
+    json.value(picture.kind);
+    json.key("reason");
+    json.value(picture.reason);
+    json.endObject();
+  }
+  json.endArray();
 }

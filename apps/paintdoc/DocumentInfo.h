@@ -1,12 +1,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "document/PaintManager.h"
 
+class JsonWriter;
+
 /// What `paintdoc info` tells of a document. The resolution is 0 when the file holds none.
 struct DocumentFacts {
-  const PaintManager& document;
+  PaintManager& document;  ///< its pictures are read and drawn
   int64_t version = 0;
   double resolution = 0;
 };
@@ -14,3 +17,6 @@ struct DocumentFacts {
 /// One line per fact, then the tree of draws, topmost last.
 std::string infoText(const DocumentFacts& facts);
 std::string infoJson(const DocumentFacts& facts);
+
+/// The key "leftOut" of an object with what was left out of a document.
+void writeLeftOut(JsonWriter& json, const std::vector<LeftOutPicture>& pictures);

@@ -7,7 +7,9 @@
 #include <memory>
 
 #include "common/Documents.h"
+#include "common/LeftOutPictures.h"
 #include "extension/ThumbnailProvider.h"
+#include "paintdoc/DocumentInfo.h"
 #include "paintdoc/JsonWriter.h"
 #include "paintdoc/Progress.h"
 #include "platform/foundation/Limits.h"
@@ -23,17 +25,21 @@ using Bitmap = std::shared_ptr<NSBitmapImageRep>;
 /// Something to render, or why there is nothing.
 struct Renderable {
   ExitStatus status = kExitSuccess;
-  std::string reason;
-  NSSize size;
+  std::string reason{};
+  NSSize size{};
   /// The picture no larger than `side` in either direction, in full size when that is 0. Null
   /// when that is too large.
-  std::function<Bitmap(int64_t side)> draw;
+  std::function<Bitmap(int64_t side)> draw{};
+  /// What the drawing left out.
+  std::function<std::vector<LeftOutPicture>()> leftOut = [] {
+    return std::vector<LeftOutPicture>();
+  };
 };
 
 Renderable documentToRender(const LoadedDocument& loaded, const std::string& name) {
-  if (loaded.document == nullptr) return {loaded.status, loaded.reason, {}, {}};
+  if (loaded.document == nullptr) return {.status = loaded.status, .reason = loaded.reason};
   const NSSize size = loaded.document->size();
-  if (size.width < 1 || size.height < 1) return {kExitNothingToDraw, {}, size, {}};
+  if (size.width < 1 || size.height < 1) return {.status = kExitNothingToDraw, .size = size};
   const auto progress = std::make_shared<Progress>();
   loaded.document->setProgressHandler(
       [progress, name](size_t painted, size_t total) { progress->show(name, painted, total); });
@@ -45,7 +51,8 @@ Renderable documentToRender(const LoadedDocument& loaded, const std::string& nam
     const auto length = static_cast<CGFloat>(side);
     return ThumbnailProvider::replyForImage(full, {length, length})->drawnBitmap();
   };
-  return {kExitSuccess, {}, size, draw};
+  const auto leftOut = [document = loaded.document] { return document->leftOutPictures(); };
+  return {kExitSuccess, {}, size, draw, leftOut};
 }
 
 /// The size of the picture's own aspect ratio that fits into a square. Vectors are enlarged too.
@@ -55,21 +62,31 @@ NSSize fitted(NSSize own, int64_t side) {
           std::max(1.0, std::floor(own.height * scale))};
 }
 
-Renderable svgToRender(const std::shared_ptr<NSData>& data) {
-  const NSSize own = ZTSVGTool::originalSizeOfNativeSVG(data.get());
-  if (own.width < 1 || own.height < 1) return {kExitNothingToDraw, {}, own, {}};
-  const auto draw = [data, own](int64_t side) {
+Renderable svgToRender(const std::shared_ptr<NSData>& data, SVGEngine wanted) {
+  const bool isBuiltIn = wanted == SVGEngine::builtIn || !ZTSVGTool::canUseSystemSVGFramework();
+  const SVGEngine svg = isBuiltIn ? SVGEngine::builtIn : SVGEngine::system;
+  PictureFailure failure = PictureFailure::none;
+  const NSSize own = ZTSVGTool::originalSizeOfSVG(data.get(), svg, &failure);
+  if (own.width < 1 || own.height < 1) {
+    const bool isNone = failure == PictureFailure::none || failure == PictureFailure::unreadable;
+    return {.status = isNone ? kExitNothingToDraw : kExitLimitReached,
+            .reason = isNone ? "" : describe(failure),
+            .size = own};
+  }
+  const auto draw = [data, own, svg](int64_t side) {
     const NSSize size = side == 0 ? own : fitted(own, side);
-    return ZTSVGTool::imageWithNativeSVGData(data.get(), size, true);
+    return ZTSVGTool::imageWithSVGData(data.get(), size, true, svg);
   };
-  return {kExitSuccess, {}, own, draw};
+  return {.size = own, .draw = draw};
 }
 
-Renderable thingToRender(const std::string& input) {
+Renderable thingToRender(const std::string& input, SVGEngine svg) {
   std::error_code error;
   const auto data = readInput(input, &error);
-  if (data != nullptr && ZTSVGTool::isSVGFormatData(data.get())) return svgToRender(data);
-  return documentToRender(loadDocument(data, error), input);
+  if (data != nullptr && ZTSVGTool::isSVGFormatData(data.get())) return svgToRender(data, svg);
+  const LoadedDocument loaded = loadDocument(data, error);
+  if (loaded.document != nullptr) loaded.document->setSVGEngine(svg);
+  return documentToRender(loaded, input);
 }
 
 struct WrittenPicture {
@@ -82,7 +99,7 @@ struct WrittenPicture {
 class PictureRun {
  public:
   explicit PictureRun(const RenderRequest& request)
-      : request_(request), source_(thingToRender(request.input)) {}
+      : request_(request), source_(thingToRender(request.input, request.svg)) {}
 
   ExitStatus run();
 
@@ -94,6 +111,8 @@ class PictureRun {
     return fail(kProgram, request_.input, status, reason);
   }
   ExitStatus writeReport() const;
+  /// In one line on standard error.
+  void tellLeftOut() const;
 
   const RenderRequest& request_;
   Renderable source_;
@@ -112,7 +131,14 @@ ExitStatus PictureRun::run() {
   for (const int64_t side : request_.sizes.empty() ? fullSize : request_.sizes) {
     if (const ExitStatus status = writeSize(side); status != kExitSuccess) return status;
   }
+  tellLeftOut();
   return request_.report ? writeReport() : kExitSuccess;
+}
+
+void PictureRun::tellLeftOut() const {
+  const std::string text = leftOutText(source_.leftOut());
+  if (text.empty()) return;
+  std::fprintf(stderr, "%s: %s: %s\n", kProgram, printable(request_.input).c_str(), text.c_str());
 }
 
 ExitStatus PictureRun::writeSize(int64_t side) {
@@ -166,6 +192,7 @@ ExitStatus PictureRun::writeReport() const {
     json.endObject();
   }
   json.endArray();
+  writeLeftOut(json, source_.leftOut());
   json.endObject();
   return writeText(kProgram, json.text() + "\n");
 }

@@ -7,6 +7,7 @@
 
 #include "common/ExitStatus.h"
 #include "paintdoc/PictureFormat.h"
+#include "platform/pictures/PictureSession.h"
 
 /// What `paintdoc render` is asked for.
 struct RenderRequest {
@@ -19,6 +20,7 @@ struct RenderRequest {
   /// What the end of the output's name says, or PNG for standard output, when there is none.
   std::optional<PictureFormat> format;
   double quality = 0.9;
+  SVGEngine svg = SVGEngine::system;
   /// Tell on standard output what was written, as JSON.
   bool report = false;
 };

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "common/Documents.h"
+#include "common/LeftOutPictures.h"
 #include "common/ResourceLimits.h"
 #include "paintdoc/DocumentInfo.h"
 #include "paintdoc/JsonWriter.h"
@@ -15,53 +16,70 @@ namespace {
 constexpr const char* kProgram = "paintdoc";
 constexpr int64_t kLargestSize = 16384;
 
-LoadedDocument loadArgument(const std::string& input) {
-  std::error_code error;
-  const auto data = readInput(input, &error);
-  return loadDocument(data, error);
-}
-
-ExitStatus showInfo(const std::string& input, bool json) {
+ExitStatus showInfo(const std::string& input, SVGEngine svg, bool json) {
   std::error_code error;
   const auto data = readInput(input, &error);
   const LoadedDocument loaded = loadDocument(data, error);
   if (loaded.document == nullptr) return fail(kProgram, input, loaded.status, loaded.reason);
+  loaded.document->setSVGEngine(svg);
   const int64_t version = PaintManager::versionOfPaintData(data).value_or(0);
   const DocumentFacts facts{*loaded.document, version, loaded.resolution};
   return writeText(kProgram, json ? infoJson(facts) : infoText(facts));
 }
 
-std::string checkLine(const std::string& input, const LoadedDocument& loaded) {
-  const std::string reason = loaded.reason.empty() ? "" : " (" + loaded.reason + ")";
-  return printable(input) + ": " + describe(loaded.status) + reason + "\n";
+/// What a check found.
+struct CheckedFile {
+  std::string name;
+  ExitStatus status = kExitUnreadable;
+  std::string reason;
+  std::vector<LeftOutPicture> leftOut;
+};
+
+CheckedFile checkFile(const std::string& input, SVGEngine svg) {
+  std::error_code error;
+  const auto data = readInput(input, &error);
+  const LoadedDocument loaded = loadDocument(data, error);
+  CheckedFile checked{input, loaded.status, loaded.reason, {}};
+  if (loaded.document != nullptr) {
+    loaded.document->setSVGEngine(svg);
+    checked.leftOut = findLeftOutPictures(*loaded.document);
+  }
+  return checked;
 }
 
-void writeCheck(JsonWriter& json, const std::string& input, const LoadedDocument& loaded) {
+std::string checkLine(const CheckedFile& checked) {
+  const std::string reason = checked.reason.empty() ? "" : " (" + checked.reason + ")";
+  const std::string leftOut = checked.leftOut.empty() ? "" : ", " + leftOutText(checked.leftOut);
+  return printable(checked.name) + ": " + describe(checked.status) + reason + leftOut + "\n";
+}
+
+void writeCheck(JsonWriter& json, const CheckedFile& checked) {
   json.beginObject();
   json.key("file");
-  json.value(input);
+  json.value(checked.name);
   json.key("code");
-  json.value(static_cast<int64_t>(loaded.status));
+  json.value(static_cast<int64_t>(checked.status));
   json.key("result");
-  json.value(describe(loaded.status));
+  json.value(describe(checked.status));
   json.key("reason");
-  loaded.reason.empty() ? json.null() : json.value(loaded.reason);
+  checked.reason.empty() ? json.null() : json.value(checked.reason);
+  writeLeftOut(json, checked.leftOut);
   json.endObject();
 }
 
 /// One line, or one object, per file; the highest error code.
-ExitStatus check(const std::vector<std::string>& inputs, bool asJson) {
+ExitStatus check(const std::vector<std::string>& inputs, SVGEngine svg, bool asJson) {
   ExitStatus worst = kExitSuccess;
   Progress progress;
   JsonWriter json;
   json.beginArray();
   for (size_t i = 0; i < inputs.size(); ++i) {
     if (asJson) progress.show(kProgram, i, inputs.size());
-    const LoadedDocument loaded = loadArgument(inputs[i]);
-    worst = std::max(worst, loaded.status);
+    const CheckedFile checked = checkFile(inputs[i], svg);
+    worst = std::max(worst, checked.status);
     if (asJson) {
-      writeCheck(json, inputs[i], loaded);
-    } else if (writeText(kProgram, checkLine(inputs[i], loaded)) != kExitSuccess) {
+      writeCheck(json, checked);
+    } else if (writeText(kProgram, checkLine(checked)) != kExitSuccess) {
       return kExitOutputFailed;
     }
   }
@@ -81,9 +99,11 @@ struct Arguments {
   std::vector<std::string> inputs;
   RenderRequest request;
   std::string format;
+  std::string svg = "system";
   bool json = false;
 
   Arguments();
+  SVGEngine engine() const { return svg == "system" ? SVGEngine::system : SVGEngine::builtIn; }
   const std::string& file() const { return inputs.empty() ? request.input : inputs.front(); }
 
  private:
@@ -93,7 +113,12 @@ struct Arguments {
 Arguments::Arguments() {
   app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
   app.require_subcommand(1);
+  for (CLI::App* command : {info, render, check}) command->fallthrough();
   addLimitOptions(app, limits);
+  app.add_option("--svg", svg,
+                 "Who draws SVG pictures: system (librsvg, if there is one), built-in")
+      ->check(CLI::IsMember({"system", "built-in"}))
+      ->capture_default_str();
   info->add_flag("--json", json, "As JSON");
   info->add_option("FILE", inputs, "Document; - is standard input")->required()->expected(1);
   check->add_flag("--json", json, "As JSON");
@@ -132,6 +157,7 @@ std::string mistakeIn(const RenderRequest& request) {
 
 ExitStatus renderAsAsked(Arguments& arguments) {
   arguments.request.report = arguments.json;
+  arguments.request.svg = arguments.engine();
   if (!arguments.format.empty()) arguments.request.format = pictureFormatNamed(arguments.format);
   const std::string mistake = mistakeIn(arguments.request);
   if (mistake.empty()) return render(arguments.request);
@@ -147,9 +173,9 @@ ExitStatus run(int argc, char** argv, std::string& file) {
   }
   file = arguments.file();
   limitResources(arguments.limits, kProgram, file.c_str());
-  if (arguments.info->parsed()) return showInfo(file, arguments.json);
+  if (arguments.info->parsed()) return showInfo(file, arguments.engine(), arguments.json);
   if (arguments.render->parsed()) return renderAsAsked(arguments);
-  return check(arguments.inputs, arguments.json);
+  return check(arguments.inputs, arguments.engine(), arguments.json);
 }
 
 }  // namespace

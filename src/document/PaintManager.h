@@ -12,6 +12,8 @@
 #include "draw/core/DrawBase.h"
 #include "platform/foundation/NSObject.h"
 #include "platform/foundation/PaintExport.h"
+#include "platform/pictures/PictureFailure.h"
+#include "platform/pictures/PictureSession.h"
 
 class DrawGroup;
 class DrawImage2;
@@ -193,6 +195,19 @@ class PAINT_API PaintManager : public NSObject {
   void setImageRefreshControl(int64_t control);
   /// Drops both bitmaps; the next fullImage composes them again.
   void clearMemeryBuffer();
+
+  // ---- Embedded pictures. What cannot be drawn is left out, and the rest of the document is
+  // drawn.
+  /// The pictures that the last composition left out, of those that it painted.
+  const std::vector<LeftOutPicture>& leftOutPictures() const { return pictures_.leftOut(); }
+  /// Why the picture of a draw of this document cannot be drawn; none when it can, and for draws
+  /// without one. Reads and draws it.
+  PictureFailure pictureFailure(DrawBase& draw);
+  /// Who draws SVG pictures that have not been drawn yet; the system's renderer by default.
+  void setSVGEngine(SVGEngine engine) { pictures_.setEngine(engine); }
+  /// What each picture, and all of a composition, may take.
+  void setPictureLimits(const PictureLimits& limits) { pictures_.setLimits(limits); }
+
   /// Called after each top-level draw that a composition has painted, with how many there are to
   /// paint. For people who wait; an empty handler, the default, is none.
   using ProgressHandler = std::function<void(size_t painted, size_t total)>;
@@ -239,4 +254,5 @@ class PAINT_API PaintManager : public NSObject {
   int64_t _imageRefreshControl = kRebuildBuffer;
   DirtyRectangles areas_;
   ProgressHandler progressHandler_;
+  PictureSession pictures_;
 };

@@ -33,11 +33,18 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::fullImage() {
 std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage() {
   std::shared_ptr<NSBitmapImageRep> image;
   if (!InitImageRep(size_, &image)) return nullptr;
+  const PictureSessionScope session(pictures_);
+  pictures_.begin();
   const auto mask = backgroundMask();
   const ZTFocusScope focus(image);
   paintDraws(image.get(), aryDraw_.size());
   if (mask != nullptr) applyBackgroundMask(*mask);
   return image;
+}
+
+PictureFailure PaintManager::pictureFailure(DrawBase& draw) {
+  const PictureSessionScope session(pictures_);
+  return draw.pictureFailure();
 }
 
 std::shared_ptr<const NSBitmapImageRep> PaintManager::backgroundMask() const {
@@ -46,6 +53,8 @@ std::shared_ptr<const NSBitmapImageRep> PaintManager::backgroundMask() const {
 
 void PaintManager::refreshImage() {
   if (image_ == nullptr && !InitImageRep(size_, &image_)) return clearMemeryBuffer();
+  const PictureSessionScope session(pictures_);
+  pictures_.begin();
   const bool newBuffer = imageBuffer_ == nullptr;
   if (newBuffer) InitImageRep(size_, &imageBuffer_);
   // Needed twice, so it is held: the draw itself does not keep what it decodes.

@@ -18,11 +18,12 @@ ROOMS = {
     "document": """draw/core draw/image draw/raster draw/shapes draw/text
         platform/foundation platform/foundation/archive platform/foundation/collections
         platform/foundation/values platform/graphics platform/graphics/bitmap
-        platform/graphics/color platform/graphics/context platform/graphics/path""",
+        platform/graphics/color platform/graphics/context platform/graphics/path
+        platform/pictures""",
     "draw/core": """platform/foundation platform/foundation/archive
         platform/foundation/collections platform/foundation/values platform/graphics/color
         platform/graphics/context platform/graphics/gradient platform/graphics/path
-        platform/graphics/pixels/coverage platform/text/fonts""",
+        platform/graphics/pixels/coverage platform/pictures platform/text/fonts""",
     "draw/shapes": """draw/core platform/foundation platform/foundation/collections
         platform/foundation/values platform/graphics/color platform/graphics/gradient
         platform/graphics/path platform/graphics/pixels/outline""",
@@ -38,8 +39,14 @@ ROOMS = {
         platform/graphics/color platform/graphics/context platform/graphics/path
         platform/graphics/pixels platform/pictures svg""",
 
+    "helper": """platform/foundation platform/graphics/bitmap platform/graphics/context
+        platform/graphics/pixels platform/machine platform/pictures svg/draw svg/tree""",
+    "helper/libraries": "helper",
+    "helper/libraries/pdf": "helper/libraries",
+    "helper/libraries/svg": "helper/libraries",
+
     "svg": """platform/foundation platform/foundation/values platform/graphics/bitmap
-        platform/graphics/context svg/draw svg/tree""",
+        platform/graphics/context platform/pictures svg/draw svg/tree""",
     "svg/tree": "platform/foundation svg/draw svg/parse",
     "svg/parse": "platform/machine svg/draw",
     "svg/draw": """platform/foundation platform/graphics/bitmap platform/graphics/context
@@ -50,7 +57,6 @@ ROOMS = {
         platform/graphics/bitmap platform/graphics/context""",
     "platform/pictures": """platform/foundation platform/foundation/values
         platform/graphics/bitmap platform/graphics/context platform/machine""",
-    "platform/pictures/libraries": "platform/machine platform/pictures",
 
     "platform/filters": """platform/filters/color platform/filters/image
         platform/filters/spatial platform/foundation platform/foundation/values
@@ -114,7 +120,7 @@ ROOMS = {
         platform/foundation/values""",
     "platform/foundation/collections": "platform/foundation platform/foundation/values",
     "platform/foundation/values": "platform/foundation platform/foundation/files",
-    "platform/foundation/files": "platform/foundation",
+    "platform/foundation/files": "platform/foundation platform/machine",
     "platform/foundation": "",
     "platform/machine": "",
 }
@@ -129,8 +135,10 @@ CHIEF = {
 PROGRAMS = {
     "apps/common": "document platform/foundation/files platform/foundation/values",
     "apps/paint-thumbnailer": "apps/common extension platform/graphics/bitmap",
+    "apps/paint-picture-helper": "helper platform/machine platform/pictures",
     "apps/paintdoc": """apps/common document draw/image extension platform/foundation
-        platform/graphics/bitmap platform/graphics/color platform/graphics/context svg""",
+        platform/graphics/bitmap platform/graphics/color platform/graphics/context
+        platform/pictures svg""",
     "kde": "extension platform/graphics/bitmap",
 }
 # A test includes the folder it mirrors, everything that stands below that, and the support folder.
@@ -168,7 +176,10 @@ OWNERS = {
     r"lcms2.*": "src/platform/graphics/color src/platform/graphics/codecs",
     r"hb.*\.h|unicode/.*|fontconfig/.*|ft2build\.h": "src/platform/text/libraries",
     r"libxml/.*": "src/svg/libraries",
-    r"poppler.*|glib.*|cairo.*": "src/platform/pictures/libraries",
+    r"poppler.*": "src/helper/libraries/pdf",
+    r"librsvg/.*": "src/helper/libraries/svg",
+    r"glib.*|cairo.*": "src/helper/libraries",
+    r"seccomp\.h|linux/landlock\.h": "src/helper",
     r"CLI/.*": "apps",
     r"Q[A-Z].*|KIO/.*|KPlugin.*|kio/.*": "kde",
 }

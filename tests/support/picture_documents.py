@@ -147,8 +147,26 @@ def hostile():
     yield "draw as its own picture", own
 
 
+def left_out():
+    """Pictures that nobody can read, and a blue rectangle over them."""
+    doc = Pictures(WIDTH, HEIGHT)
+    junk = lambda: doc.archive.data(b"no picture")
+    broken = lambda: doc.archive.bitmap(b"II*\0 and no more")
+    group = lambda draw: doc.group([draw])
+    doc.draws = [doc.picture("bitmap", ImageData=junk()), doc.picture("archived bitmap", Image=broken()),
+                 doc.picture("legacy", "DrawImage", Image=broken()),
+                 group(group(doc.picture("in a group", ImageData=junk()))),
+                 doc.picture("filtered", "DrawFilter2", ImageData=junk()),
+                 doc.picture("pdf", "DrawPDF", PDFData=doc.archive.data(b"%PDF-1.4 and no more")),
+                 doc.picture("svg", "DrawSVG", SVGData=doc.archive.data(b"no markup </svg>")),
+                 doc.picture("good", ImageData=doc.archive.data(png(CHART, WIDTH)))]
+    doc.add("DrawRectangle", outline=doc.rectangle(1, 0, 2, 2), fill=(0, 0, 1))
+    return doc
+
+
 def documents():
     yield "pictures", forms()
+    yield "left out pictures", left_out()
     yield "masked by background", background((0, 0, WIDTH, HEIGHT), True)
     yield "masked by smaller background", background((1, 0, 2, 1), True)
     yield "not masked", background((1, 0, 2, 1), False)

@@ -24,6 +24,10 @@ std::shared_ptr<NSBitmapImageRep> image(std::string_view text, const NSSize& siz
 constexpr std::string_view kFlag =
     "<svg width='200' height='100'><rect width='200' height='100' fill='red'/>"
     "<rect width='100' height='50' fill='blue'/></svg>";
+// The same in the language's own terms.
+constexpr std::string_view kFlagOfXML =
+    "<svg xmlns='http://www.w3.org/2000/svg' width='200' height='100'>"
+    "<rect width='200' height='100' fill='red'/><rect width='100' height='50' fill='blue'/></svg>";
 constexpr Pixel kRed{255, 0, 0, 255};
 constexpr Pixel kBlue{0, 0, 255, 255};
 constexpr Pixel kNothing{};
@@ -162,13 +166,46 @@ TEST(ZTSVGToolTest, EmbeddedPictures) {
   EXPECT_EQ(pixelAt(*drawn("data:image/jpeg;base64,"), 3, 3), kNothing);
 }
 
-TEST(ZTSVGToolTest, ThereIsNoSystemRenderer) {
-  const auto data = dataOf(kFlag);
+// Both renderers, in a process of their own.
+TEST(ZTSVGToolTest, SystemRenderer) {
+  const auto data = dataOf(kFlagOfXML);
+  ASSERT_TRUE(ZTSVGTool::canUseSystemSVGFramework());
+  EXPECT_TRUE(ZTSVGTool::supportsVectorSVGImage());
+  EXPECT_EQ(ZTSVGTool::originalSizeOfSVG(data.get()), NSMakeSize(200, 100));
+  EXPECT_EQ(ZTSVGTool::originalSizeOfSVG(nullptr), NSZeroSize);
+  const auto own = ZTSVGTool::imageWithSVGData(data.get(), NSZeroSize, false);
+  ASSERT_NE(own, nullptr);
+  EXPECT_EQ(maxDifference(*own, *image(kFlag, NSZeroSize, false)), 0);
+  for (const bool keeps : {false, true}) {
+    const auto stretched = ZTSVGTool::imageWithSVGData(data.get(), NSMakeSize(100, 100), keeps);
+    ASSERT_NE(stretched, nullptr);
+    EXPECT_EQ(maxDifference(*stretched, *image(kFlag, NSMakeSize(100, 100), keeps)), 0) << keeps;
+  }
+  EXPECT_NE(ZTSVGTool::vectorImageWithSVGData(data), nullptr);
+  EXPECT_EQ(ZTSVGTool::vectorImageWithSVGData(nullptr), nullptr);
+  // A side below 1.
+  const auto thin = dataOf("<svg xmlns='http://www.w3.org/2000/svg' width='.5' height='9'></svg>");
+  EXPECT_EQ(ZTSVGTool::originalSizeOfSVG(thin.get()), NSMakeSize(0.5, 9));
+  for (const NSSize& size : {NSZeroSize, NSMakeSize(5, 5)}) {
+    EXPECT_EQ(ZTSVGTool::imageWithSVGData(thin.get(), size, false), nullptr);
+  }
+}
+
+TEST(ZTSVGToolTest, TheBuiltInEngineIsChosenForADocument) {
+  PictureSession session;
+  session.setEngine(SVGEngine::builtIn);
+  const PictureSessionScope scope(session);
   EXPECT_FALSE(ZTSVGTool::canUseSystemSVGFramework());
-  EXPECT_FALSE(ZTSVGTool::supportsVectorSVGImage());
-  EXPECT_EQ(ZTSVGTool::originalSizeOfSVG(data.get()), NSZeroSize);
-  EXPECT_EQ(ZTSVGTool::imageWithSVGData(data.get(), NSZeroSize, false), nullptr);
-  EXPECT_EQ(ZTSVGTool::vectorImageWithSVGData(data.get()), nullptr);
+  EXPECT_EQ(ZTSVGTool::imageWithSVGData(dataOf(kFlagOfXML).get(), NSZeroSize, false), nullptr);
+  const auto drawn = ZTSVGTool::imageWithSVGData(dataOf(kFlag).get(), NSMakeSize(50, 50), false,
+                                                 SVGEngine::builtIn);
+  ASSERT_NE(drawn, nullptr);
+  EXPECT_EQ(maxDifference(*drawn, *image(kFlag, NSMakeSize(50, 50), false)), 0);
+  // There the arc costs its picture only.
+  const auto arc = dataOf("<svg width='9' height='9'><path d='M0 0A1 2 0 0 0 5 5'/></svg>");
+  PictureFailure failure = PictureFailure::none;
+  EXPECT_EQ(ZTSVGTool::originalSizeOfSVG(arc.get(), SVGEngine::builtIn, &failure), NSZeroSize);
+  EXPECT_EQ(failure, PictureFailure::crashed);
 }
 
 TEST(ZTSVGToolDeathTest, UnsupportedArcsEndTheProcess) {

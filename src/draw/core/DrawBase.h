@@ -12,6 +12,7 @@
 #include "platform/foundation/PaintExport.h"
 #include "platform/graphics/path/NSAffineTransform.h"
 #include "platform/graphics/path/NSBezierPath.h"
+#include "platform/pictures/PictureFailure.h"
 
 class AttributeReader;
 class AttributeWriter;
@@ -59,6 +60,14 @@ class PAINT_API DrawBase : public NSObject {
   virtual int64_t arrowStyle() const { return 0; }
   /// Display name of the kind of draw.
   virtual std::string name() const { return {}; }
+  /// What people know the draw by: its layer's title, else its name; may be empty.
+  std::string title() const { return strLayerTitle_ ? *strLayerTitle_ : name(); }
+
+  /// Why the embedded picture that this draw shows cannot be drawn; none when it can, and for draws
+  /// without one. Reads and draws the picture. Throws std::bad_alloc.
+  virtual PictureFailure pictureFailure() { return PictureFailure::none; }
+  /// What that picture is, in words; empty for draws that show none.
+  virtual const char* pictureKind() const { return ""; }
 
   // ---- Attributes. Objects may be null; widths and distances are canvas units, angles degrees
   // counter-clockwise, gradient centres relative to the bounds (-1 to 1).

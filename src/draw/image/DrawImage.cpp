@@ -33,6 +33,12 @@ void DrawImage::convertInto(DrawImage2& draw) const {
   draw.copyCommonAttributesFrom(*this);
   if (!(draw.lineWidth() > 0)) draw.setEnableStroke(false);
   draw.setOpacity(static_cast<uint64_t>(percent()));
+  if (isImageUnreadable_) draw.setImageUnreadable();
+}
+
+PictureFailure DrawImage::pictureFailure() {
+  return isImageUnreadable_ && image_ == nullptr ? PictureFailure::unreadable
+                                                 : PictureFailure::none;
 }
 
 std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
@@ -43,7 +49,7 @@ std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
 
 void DrawImage::_draw() {
   const auto image = bezierPath_ != nullptr ? imageForDrawing() : nullptr;
-  if (image == nullptr) return;
+  if (image == nullptr) return reportLeftOutPicture(*this, pictureFailure());
   const NSGraphicsStateScope state;
   preparePictureContext();
   if (enableShadow() && shadow() != nullptr) shadow()->set();
@@ -60,6 +66,7 @@ void DrawImage::_draw() {
 bool DrawImage::initWithCoder(NSCoder& coder) {
   if (!DrawRectangle::initWithCoder(coder)) return false;
   setImage(coder.decodeObjectOfClass<NSBitmapImageRep>(kImage));
+  isImageUnreadable_ = image_ == nullptr && coder.containsValueForKey(kImage);
   fImageOpacity_ = coder.containsValueForKey(kOpacity) ? coder.decodeFloatForKey(kOpacity) : 1;
   if (bezierPath_ != nullptr) bezierPath_->setLineWidth(0);
   return true;

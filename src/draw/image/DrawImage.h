@@ -27,6 +27,9 @@ class DrawImage : public DrawRectangle {
 
   void _draw() override;
 
+  PictureFailure pictureFailure() override;
+  const char* pictureKind() const override { return "bitmap"; }
+
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
 
@@ -40,6 +43,8 @@ class DrawImage : public DrawRectangle {
  private:
   /// Opacity of the picture and that of the draw together, 0 to 100.
   float percent() const;
+
+  bool isImageUnreadable_ = false;  ///< the archive held one
 };
 
 /// The replacement of a draw whose class is exactly one of the legacy classes; null for all others.

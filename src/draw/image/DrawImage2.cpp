@@ -44,18 +44,26 @@ std::shared_ptr<NSBitmapImageRep> DrawImage2::cachedImage() const {
 
 std::shared_ptr<NSBitmapImageRep> DrawImage2::image() const {
   auto image = cachedImage();
-  if (image == nullptr) madeImage_ = image = makeImage();
+  if (image == nullptr) madeImage_ = image = makeImage(&failure_);
   return image;
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage() const {
-  return imageData_ == nullptr ? nullptr : NSBitmapImageRep::imageRepWithData(*imageData_);
+std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage(PictureFailure* failure) const {
+  if (imageData_ == nullptr) return nullptr;
+  auto image = NSBitmapImageRep::imageRepWithData(*imageData_);
+  *failure = image == nullptr ? PictureFailure::unreadable : PictureFailure::none;
+  return image;
+}
+
+PictureFailure DrawImage2::pictureFailure() {
+  return imageForDrawing() != nullptr ? PictureFailure::none : failure_;
 }
 
 void DrawImage2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
   _image = std::move(image);
   madeImage_.reset();
   imageData_ = nullptr;
+  failure_ = PictureFailure::none;
 }
 
 NSSize DrawImage2::originalSize() const {

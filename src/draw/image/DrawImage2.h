@@ -51,6 +51,11 @@ class DrawImage2 : public DrawRoundRectangle {
   void drawInImage(NSBitmapImageRep* image) override;
   void _draw() override;
 
+  PictureFailure pictureFailure() override;
+  const char* pictureKind() const override { return "bitmap"; }
+  /// Notes that an archive held a bitmap that could not be read.
+  void setImageUnreadable() { failure_ = PictureFailure::unreadable; }
+
   bool initWithCoder(NSCoder& coder) override;
   /// A bitmap is written as PNG, without alpha channel as JPEG. Throws NSException when it can be
   /// written in no way.
@@ -59,8 +64,9 @@ class DrawImage2 : public DrawRoundRectangle {
  protected:
   /// Gives a new draw its defaults, and the bitmap's bounds as its path, without a line.
   void initWithBitmap(std::shared_ptr<NSBitmapImageRep> image);
-  /// Decodes or draws the bitmap when none was set; null when that fails.
-  virtual std::shared_ptr<NSBitmapImageRep> makeImage() const;
+  /// Decodes or draws the bitmap when none was set. Null when that fails, and why, or when there is
+  /// nothing to make it from.
+  virtual std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const;
   /// The bitmap that is there without making one; may be null.
   std::shared_ptr<NSBitmapImageRep> cachedImage() const;
 
@@ -76,5 +82,6 @@ class DrawImage2 : public DrawRoundRectangle {
   mutable std::shared_ptr<NSBitmapImageRep> _image;
   mutable bool _hasRerender = false;
   mutable std::weak_ptr<NSBitmapImageRep> madeImage_;
+  mutable PictureFailure failure_ = PictureFailure::none;  ///< why there is no bitmap
   std::shared_ptr<NSData> imageData_;  ///< what the bitmap is decoded from, while none was set
 };

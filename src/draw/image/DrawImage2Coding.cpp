@@ -38,6 +38,9 @@ void DrawImage2::initImageWithCoder(NSCoder& coder) {
   _hasRerender = coder.decodeBoolForKey(kHasRerender);
   _image = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
   if (_image == nullptr) imageData_ = coder.decodeDataForKey(kImageData);
+  if (_image == nullptr && imageData_ == nullptr && coder.containsValueForKey(kImage)) {
+    setImageUnreadable();
+  }
 }
 
 void DrawImage2::encodeWithCoder(NSCoder& coder) const {

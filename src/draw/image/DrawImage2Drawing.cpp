@@ -36,6 +36,7 @@ void DrawImage2::drawInImage(NSBitmapImageRep* image) {
 void DrawImage2::_draw() {
   if (bezierPath_ == nullptr) return;
   const auto image = imageForDrawing();
+  if (image == nullptr) reportLeftOutPicture(*this, failure_);
   const NSGraphicsStateScope state;
   preparePictureContext();
   if (drawStroke() && hasOddLineWidth(*bezierPath_)) {

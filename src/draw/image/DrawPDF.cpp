@@ -40,7 +40,10 @@ std::shared_ptr<DrawPDF> DrawPDF::drawWithPDFPage(std::shared_ptr<PDFPage> page)
 }
 
 const std::shared_ptr<PDFPage>& DrawPDF::pdfPage() const {
-  if (!_pdfPage) _pdfPage = firstPageOf(PDFDocument::initWithData(pdfData_));
+  // A page that only could not be asked for now is asked for again.
+  const bool isSettled =
+      _pdfPage && (*_pdfPage != nullptr || pageFailure_ == PictureFailure::unreadable);
+  if (!isSettled) _pdfPage = firstPageOf(PDFDocument::initWithData(pdfData_, &pageFailure_));
   return *_pdfPage;
 }
 
@@ -48,8 +51,10 @@ NSSize DrawPDF::originalPDFSize() const {
   return pdfPage() == nullptr ? NSZeroSize : pdfPage()->size();
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage() const {
-  return pdfPage() == nullptr ? nullptr : pdfPage()->bitmapWithSize(rasterSize(pathBounds()));
+std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage(PictureFailure* failure) const {
+  if (const auto& page = pdfPage()) return page->bitmapWithSize(rasterSize(pathBounds()), failure);
+  if (pdfData_ != nullptr && pdfData_->length() > 0) *failure = pageFailure_;
+  return nullptr;
 }
 
 void DrawPDF::flip(bool horizontal) {
@@ -68,7 +73,12 @@ bool DrawPDF::initWithCoder(NSCoder& coder) {
 
 void DrawPDF::encodeWithCoder(NSCoder& coder) const {
   DrawImage2::encodeWithCoder(coder);
-  if (pdfPage() != nullptr) coder.encodeObject(pdfPage()->dataRepresentation(), kPDFData);
+  if (const auto& page = pdfPage()) {
+    coder.encodeObject(page->dataRepresentation(), kPDFData);
+  } else if (pageFailure_ != PictureFailure::unreadable && pdfData_ != nullptr) {
+    // Nobody could tell whether it has a page.
+    coder.encodeObject(pdfData_, kPDFData);
+  }
   if (_flipHorizontal) coder.encodeBool(true, kFlipHorizontal);
   if (_flipVertical) coder.encodeBool(true, kFlipVertical);
 }

@@ -13,6 +13,7 @@ class DrawPDF : public DrawImage2 {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   bool shouldEncodeImage() const override { return false; }
+  const char* pictureKind() const override { return "PDF page"; }
 
   /// Null when the data is no PDF document that can be read, or one without pages.
   static std::shared_ptr<DrawPDF> drawWithPDFData(const std::shared_ptr<NSData>& data);
@@ -32,11 +33,12 @@ class DrawPDF : public DrawImage2 {
   void encodeWithCoder(NSCoder& coder) const override;
 
  protected:
-  std::shared_ptr<NSBitmapImageRep> makeImage() const override;
+  std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const override;
 
  private:
   bool _flipHorizontal = false;
   bool _flipVertical = false;
   std::shared_ptr<NSData> pdfData_;  ///< what the page will be read from
   mutable std::optional<std::shared_ptr<PDFPage>> _pdfPage;
+  mutable PictureFailure pageFailure_ = PictureFailure::none;  ///< why there is no page
 };

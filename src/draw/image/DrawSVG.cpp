@@ -20,7 +20,7 @@ std::shared_ptr<DrawSVG> DrawSVG::drawWithSVGData(const std::shared_ptr<NSData>&
   if (!ZTSVGTool::isSVGFormatData(data.get())) return nullptr;
   auto draw = std::make_shared<DrawSVG>();
   draw->init();
-  draw->setData(data);
+  draw->_svgData = data;
   draw->bezierPath()->setLineWidth(0);
   const NSSize size = draw->originalSVGSize();
   if (!(size.width >= 1 && size.height >= 1)) return nullptr;
@@ -28,21 +28,26 @@ std::shared_ptr<DrawSVG> DrawSVG::drawWithSVGData(const std::shared_ptr<NSData>&
   return draw->image() == nullptr ? nullptr : draw;
 }
 
-void DrawSVG::setData(std::shared_ptr<NSData> data) {
-  _svgData = std::move(data);
-  _useSVGNative = !ZTSVGTool::canUseSystemSVGFramework();
+bool DrawSVG::useSVGNative() const {
+  if (!_useSVGNative) _useSVGNative = !ZTSVGTool::canUseSystemSVGFramework();
+  return *_useSVGNative;
+}
+
+SVGEngine DrawSVG::engine() const {
+  return useSVGNative() ? SVGEngine::builtIn : SVGEngine::system;
 }
 
 NSSize DrawSVG::originalSVGSize() const {
-  return _useSVGNative ? ZTSVGTool::originalSizeOfNativeSVG(_svgData.get())
-                       : ZTSVGTool::originalSizeOfSVG(_svgData.get());
+  if (!ZTSVGTool::isSVGFormatData(_svgData.get())) return NSZeroSize;
+  return ZTSVGTool::originalSizeOfSVG(_svgData.get(), engine());
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage() const {
+std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage(PictureFailure* failure) const {
   if (_svgData == nullptr) return nullptr;
-  const NSSize size = rasterSize(pathBounds());
-  return _useSVGNative ? ZTSVGTool::imageWithNativeSVGData(_svgData.get(), size, false)
-                       : ZTSVGTool::imageWithSVGData(_svgData.get(), size, false);
+  *failure = PictureFailure::unreadable;
+  if (!ZTSVGTool::isSVGFormatData(_svgData.get())) return nullptr;
+  return ZTSVGTool::imageWithSVGData(_svgData.get(), rasterSize(pathBounds()), false, engine(),
+                                     failure);
 }
 
 void DrawSVG::flip(bool horizontal) {
@@ -75,7 +80,7 @@ bool DrawSVG::fitsCachedImage() const {
 }
 
 void DrawSVG::respondToBoundsChangeFromOldBounds(const NSRect& oldBounds) {
-  if (_useSVGNative && isResizingByDragging_) return;
+  if (isResizingByDragging_ && useSVGNative()) return;
   if (pathBounds().size != oldBounds.size && !fitsCachedImage()) setImage(nullptr);
 }
 
@@ -89,7 +94,7 @@ bool DrawSVG::initWithCoder(NSCoder& coder) {
   _flipHorizontal = coder.decodeBoolForKey(kFlipHorizontal);
   _flipVertical = coder.decodeBoolForKey(kFlipVertical);
   auto data = coder.decodeDataForKey(kSVGData);
-  setData(data != nullptr && data->length() > 0 ? std::move(data) : nullptr);
+  if (data != nullptr && data->length() > 0) _svgData = std::move(data);
   return true;
 }
 

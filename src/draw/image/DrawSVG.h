@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "draw/image/DrawImage2.h"
+#include "platform/pictures/PictureSession.h"
 
 /// An SVG document, drawn as a bitmap of the draw's current size.
 class DrawSVG : public DrawImage2 {
@@ -8,14 +11,16 @@ class DrawSVG : public DrawImage2 {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   bool shouldEncodeImage() const override { return false; }
+  const char* pictureKind() const override { return "SVG picture"; }
 
   /// Null unless the data is an SVG text that can be drawn and is at least one unit wide and high.
   static std::shared_ptr<DrawSVG> drawWithSVGData(const std::shared_ptr<NSData>& data);
 
   /// Null when the archive held none.
   const std::shared_ptr<NSData>& svgData() const { return _svgData; }
-  /// Whether the engine of this library draws it, for want of one of the system.
-  bool useSVGNative() const { return _useSVGNative; }
+  /// Whether the engine of this library draws it, for want of one of the system or because what
+  /// draws it wants it so. Found out when it is first asked, and kept.
+  bool useSVGNative() const;
   /// The picture's natural size; zero when it cannot be read.
   NSSize originalSVGSize() const;
   bool flipHorizontal() const { return _flipHorizontal; }
@@ -33,17 +38,17 @@ class DrawSVG : public DrawImage2 {
   void encodeWithCoder(NSCoder& coder) const override;
 
  protected:
-  std::shared_ptr<NSBitmapImageRep> makeImage() const override;
+  std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const override;
   void mapGeometry(const AxisMap& map) override;
 
  private:
-  void setData(std::shared_ptr<NSData> data);
+  SVGEngine engine() const;
   void respondToBoundsChangeFromOldBounds(const NSRect& oldBounds);
   bool fitsCachedImage() const;
 
   bool _flipHorizontal = false;
   bool _flipVertical = false;
-  bool _useSVGNative = false;
+  mutable std::optional<bool> _useSVGNative;
   std::shared_ptr<NSData> _svgData;
   bool isResizingByDragging_ = false;
 };

@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include "draw/core/DrawBase.h"
 #include "draw/core/InnerShadow.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/pictures/PictureSession.h"
 
 namespace {
 
@@ -46,4 +48,10 @@ void drawPictureInnerShadow(const NSBitmapImageRep& image, const NSRect& bounds,
   paintInnerShadow(shadow, shadowAlpha(shadow) * fraction, bounds, path, [&] {
     drawInRect(image, bounds, NSZeroRect, NSCompositingOperation::destinationIn, fraction);
   });
+}
+
+void reportLeftOutPicture(const DrawBase& draw, PictureFailure failure) {
+  PictureSession* const session = PictureSession::current();
+  if (session == nullptr || failure == PictureFailure::none) return;
+  session->leaveOut(&draw, {draw.title(), draw.pictureKind(), describe(failure)});
 }

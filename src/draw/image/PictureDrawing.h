@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/foundation/Geometry.h"
+#include "platform/pictures/PictureFailure.h"
 
+class DrawBase;
 class NSBezierPath;
 class NSBitmapImageRep;
 class NSShadow;
@@ -27,3 +29,7 @@ void drawPicture(const NSBitmapImageRep& image, const NSRect& bounds, CGFloat fr
 /// outline.
 void drawPictureInnerShadow(const NSBitmapImageRep& image, const NSRect& bounds,
                             const NSBezierPath& path, const NSShadow& shadow, CGFloat fraction);
+
+/// Notes in the session of the document that is drawn that a draw's picture is left out. Nothing
+/// when there is no reason.
+void reportLeftOutPicture(const DrawBase& draw, PictureFailure failure);

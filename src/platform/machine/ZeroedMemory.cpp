@@ -42,32 +42,38 @@ uint8_t* map(size_t bytes) {
 
 ZeroedMemory::ZeroedMemory(size_t bytes) {
   if (bytes == 0) return;
-  data_ = bytes < kMapped ? static_cast<uint8_t*>(std::calloc(bytes, 1)) : map(bytes);
+  source_ = bytes < kMapped ? Source::heap : Source::system;
+  data_ = source_ == Source::heap ? static_cast<uint8_t*>(std::calloc(bytes, 1)) : map(bytes);
   if (data_ == nullptr) throw std::bad_alloc();
   bytes_ = bytes;
 }
 
-ZeroedMemory::ZeroedMemory(ZeroedMemory&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)), bytes_(std::exchange(other.bytes_, 0)) {}
+ZeroedMemory::ZeroedMemory(void* mapping, size_t bytes)
+    : data_(static_cast<uint8_t*>(mapping)), bytes_(bytes), source_(Source::mapping) {}
+
+ZeroedMemory::ZeroedMemory(ZeroedMemory&& other) noexcept {
+  *this = std::move(other);
+}
 
 ZeroedMemory& ZeroedMemory::operator=(ZeroedMemory&& other) noexcept {
   std::swap(data_, other.data_);
   std::swap(bytes_, other.bytes_);
+  std::swap(source_, other.source_);
   return *this;
 }
 
 ZeroedMemory::~ZeroedMemory() {
   if (data_ == nullptr) return;
-  if (bytes_ < kMapped) {
+  if (source_ == Source::heap) {
     std::free(data_);
   } else {
-    munmap(data_, mappedBytes(bytes_));
+    munmap(data_, source_ == Source::system ? mappedBytes(bytes_) : bytes_);
   }
 }
 
 void ZeroedMemory::clear(size_t first, size_t end) {
   // Dropping private anonymous pages makes them read as zero again.
-  const bool returned =
-      end - first >= kReturned && madvise(data_, mappedBytes(bytes_), MADV_DONTNEED) == 0;
+  const bool returned = source_ == Source::system && end - first >= kReturned &&
+                        madvise(data_, mappedBytes(bytes_), MADV_DONTNEED) == 0;
   if (!returned) std::memset(data_ + first, 0, end - first);
 }

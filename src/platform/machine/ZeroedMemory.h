@@ -14,6 +14,9 @@ class ZeroedMemory {
   ZeroedMemory() = default;
   /// Throws std::bad_alloc when the system has no memory. Empty for none.
   explicit ZeroedMemory(size_t bytes);
+  /// Memory with something in it already: private pages of its own, mapped by mmap(2), which are
+  /// unmapped with this.
+  ZeroedMemory(void* mapping, size_t bytes);
   ZeroedMemory(ZeroedMemory&& other) noexcept;
   ZeroedMemory& operator=(ZeroedMemory&& other) noexcept;
   ~ZeroedMemory();
@@ -27,6 +30,9 @@ class ZeroedMemory {
   void clear(size_t first, size_t end);
 
  private:
+  enum class Source : uint8_t { heap, system, mapping };
+
   uint8_t* data_ = nullptr;
   size_t bytes_ = 0;
+  Source source_ = Source::heap;
 };

@@ -1,27 +1,18 @@
 #include "platform/pictures/PDFDocument.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 #include <utility>
 
 #include "platform/foundation/values/NSData.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
-#include "platform/graphics/context/NSGraphicsContext.h"
-#include "platform/machine/LoadableModule.h"
-#include "platform/pictures/PDFLibrary.h"
+#include "platform/pictures/PictureHelper.h"
+#include "platform/pictures/StretchedPicture.h"
 
 namespace {
 
-const PDFLibrary* pdfLibrary() {
-  static const PDFLibrary* const library = [] {
-    const auto entry =
-        reinterpret_cast<PDFLibraryEntry>(loadModuleFunction("paintpdf", kPDFLibraryEntry));
-    return entry == nullptr ? nullptr : entry();
-  }();
-  return library;
-}
-
-/// Readers of the format look for its mark in the first kilobyte; what lacks it loads no library.
+/// Readers of the format look for its mark in the first kilobyte; what lacks it starts no helper.
 bool looksLikePDF(std::span<const uint8_t> file) {
   constexpr std::string_view kMark = "%PDF-";
   const auto head = file.first(std::min<size_t>(file.size(), 1024));
@@ -30,33 +21,33 @@ bool looksLikePDF(std::span<const uint8_t> file) {
 
 }  // namespace
 
-PDFDocument::PDFDocument(std::shared_ptr<NSData> data, std::unique_ptr<PDFFile> file)
-    : data_(std::move(data)), file_(std::move(file)) {}
+PDFDocument::PDFDocument(std::shared_ptr<NSData> data, std::shared_ptr<const HelperPicture> picture,
+                         const NSSize& size)
+    : data_(std::move(data)), picture_(std::move(picture)), firstPageSize_(size) {}
 
-PDFDocument::~PDFDocument() = default;
-
-std::shared_ptr<PDFDocument> PDFDocument::initWithData(std::shared_ptr<NSData> data) {
-  if (data == nullptr || !looksLikePDF(data->bytes()) || pdfLibrary() == nullptr) return nullptr;
-  auto file = pdfLibrary()->open(data->bytes());
-  if (file == nullptr) return nullptr;
-  return std::shared_ptr<PDFDocument>(new PDFDocument(std::move(data), std::move(file)));
+std::shared_ptr<PDFDocument> PDFDocument::initWithData(const std::shared_ptr<NSData>& data,
+                                                       PictureFailure* failure) {
+  PictureFailure reason = PictureFailure::unreadable;
+  std::shared_ptr<PDFDocument> document;
+  if (data != nullptr && looksLikePDF(data->bytes())) {
+    auto picture = std::make_shared<const HelperPicture>(PictureKind::pdf, data);
+    NSSize size;
+    reason = PictureHelper::shared().measure(*picture, &size);
+    if (reason == PictureFailure::none) {
+      document.reset(new PDFDocument(data, std::move(picture), size));
+    }
+  }
+  if (failure != nullptr) *failure = reason;
+  return document;
 }
 
 std::shared_ptr<PDFPage> PDFDocument::firstPage() const {
-  const NSSize size = file_->firstPageSize();
-  if (!(size.width > 0 && size.height > 0)) return nullptr;
+  if (!(firstPageSize_.width > 0 && firstPageSize_.height > 0)) return nullptr;
   return std::shared_ptr<PDFPage>(new PDFPage(shared_from_this()));
 }
 
-NSSize PDFPage::size() const {
-  return document_->file_->firstPageSize();
-}
-
-std::shared_ptr<NSBitmapImageRep> PDFPage::bitmapWithSize(const NSSize& size) const {
-  std::shared_ptr<NSBitmapImageRep> bitmap;
-  if (!(size.width >= 1 && size.height >= 1) || !InitImageRep(size, &bitmap)) return nullptr;
-  const int64_t width = bitmap->pixelsWide();
-  const int64_t height = bitmap->pixelsHigh();
-  const PDFPicture picture{width, height, bitmap->writableRows(0, height)};
-  return document_->file_->drawFirstPage(picture) ? bitmap : nullptr;
+std::shared_ptr<NSBitmapImageRep> PDFPage::bitmapWithSize(const NSSize& size,
+                                                          PictureFailure* failure) const {
+  const NSRect whole{NSZeroPoint, {std::trunc(size.width), std::trunc(size.height)}};
+  return stretchedPicture(*document_->picture_, size, whole, 0, failure);
 }

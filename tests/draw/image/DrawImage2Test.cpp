@@ -1,18 +1,25 @@
 // What embedded pictures are made of, and their archives. Drawing has its own tests.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "document/DrawGroup.h"
 #include "draw/image/DrawImage.h"
 #include "draw/image/DrawImage2.h"
+#include "draw/image/DrawPDF.h"
 #include "draw/image/DrawSVG.h"
 #include "platform/foundation/NSException.h"
 #include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/files/FileWriting.h"
 #include "platform/foundation/values/NSNumber.h"
 #include "platform/foundation/values/NSString.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
+#include "platform/pictures/PictureHelper.h"
 #include "support/Archives.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
@@ -258,7 +265,7 @@ TEST_F(Pictures, FilesBecomeDraws) {
 
 TEST_F(Pictures, VectorPicturesAreDrawnAtTheSizeOfTheirDraw) {
   const auto draw = titled<DrawSVG>("svg");
-  EXPECT_TRUE(draw->useSVGNative());
+  EXPECT_FALSE(draw->useSVGNative());
   EXPECT_EQ(draw->originalSVGSize(), (NSSize{4, 2}));
   EXPECT_TRUE(draw->flipHorizontal());
   EXPECT_FALSE(draw->flipVertical());
@@ -275,6 +282,10 @@ TEST_F(Pictures, VectorPicturesAreDrawnAtTheSizeOfTheirDraw) {
 }
 
 TEST_F(Pictures, VectorPicturesForgetFlipsWhenDrawnAnew) {
+  // The built-in engine draws after dragging only.
+  PictureSession session;
+  session.setEngine(SVGEngine::builtIn);
+  const PictureSessionScope scope(session);
   const auto draw = titled<DrawSVG>("svg");
   draw->flip(true);
   draw->flip(false);
@@ -313,9 +324,100 @@ TEST_F(Pictures, VectorPicturesThatCannotBeDrawnAreRefused) {
   };
   EXPECT_NE(svg("width='1' height='9'"), nullptr);
   EXPECT_EQ(svg("width='0.4' height='9'"), nullptr);
-  EXPECT_EQ(svg("width='9' height='-9'"), nullptr);
+  EXPECT_EQ(svg("width='9' height='0'"), nullptr);
   EXPECT_EQ(svg("width='90000' height='90000'"), nullptr);
   EXPECT_EQ(DrawSVG::drawWithSVGData(chart()->TIFFRepresentation()), nullptr);
+}
+
+TEST_F(Pictures, TheRendererIsChosenOnceForADraw) {
+  const auto draw = titled<DrawSVG>("svg");
+  {
+    PictureSession session;
+    session.setEngine(SVGEngine::builtIn);
+    const PictureSessionScope scope(session);
+    EXPECT_TRUE(draw->useSVGNative());
+  }
+  EXPECT_TRUE(draw->useSVGNative());
+  // The system's renderer draws during dragging too.
+  const auto other = throughArchive(draw);
+  EXPECT_FALSE(other->useSVGNative());
+  other->setResizingByDragging(true);
+  other->setBezierPathWithBounds(NSMakeRect(0, 0, 8, 4));
+  EXPECT_EQ(other->image()->size(), (NSSize{8, 4}));
+}
+
+TEST(LeftOutPictures, AreReportedByTitleKindAndReason) {
+  const auto document = madeDocument("left out pictures");
+  ASSERT_NE(document, nullptr);
+  const auto image = document->composedImage();
+  std::vector<std::array<std::string, 3>> found;
+  for (const LeftOutPicture& picture : document->leftOutPictures()) {
+    found.push_back({picture.title, picture.kind, picture.reason});
+  }
+  const std::string unreadable = "it cannot be read";
+  EXPECT_THAT(found,
+              testing::ElementsAre(testing::ElementsAre("bitmap", "bitmap", unreadable),
+                                   testing::ElementsAre("archived bitmap", "bitmap", unreadable),
+                                   testing::ElementsAre("legacy", "bitmap", unreadable),
+                                   testing::ElementsAre("in a group", "bitmap", unreadable),
+                                   testing::ElementsAre("filtered", "bitmap", unreadable),
+                                   testing::ElementsAre("pdf", "PDF page", unreadable),
+                                   testing::ElementsAre("svg", "SVG picture", unreadable)));
+  // Everything else is drawn: the last draw covers the middle.
+  EXPECT_EQ(pixelAt(*image, 2, 1), (Pixel{0, 0, 255, 255}));
+  for (const auto& draw : document->allDraws()) {
+    const bool isGood = draw->title() == "good" || draw->pictureKind()[0] == '\0';
+    EXPECT_EQ(document->pictureFailure(*draw) == PictureFailure::none, isGood) << draw->title();
+  }
+  // The next composition starts anew.
+  document->composedImage();
+  EXPECT_EQ(document->leftOutPictures().size(), found.size());
+  // A file keeps what could not be read.
+  const auto read =
+      PaintManager::paintMgrWithPaintData(document->paintDataWithResolution(0), nullptr, nullptr);
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->allDraws().size(), document->allDraws().size());
+}
+
+TEST(LeftOutPictures, TimeIsSharedByThePicturesOfAComposition) {
+  const auto document = madeDocument("pictures");
+  document->setPictureLimits({.compositionTime = std::chrono::milliseconds(0)});
+  document->composedImage();
+  ASSERT_FALSE(document->leftOutPictures().empty());
+  for (const LeftOutPicture& picture : document->leftOutPictures()) {
+    EXPECT_NE(picture.kind, "bitmap");
+    EXPECT_EQ(picture.reason, "the pictures before it took all the time");
+  }
+  document->setPictureLimits({});
+  document->composedImage();
+  EXPECT_TRUE(document->leftOutPictures().empty());
+}
+
+// A file that is written while there is no helper keeps its PDF pages.
+TEST(LeftOutPictures, AMissingHelperLosesNoData) {
+  const auto pagesOf = [](const PaintManager& document) {
+    return std::count_if(document.allDraws().begin(), document.allDraws().end(),
+                         [](const auto& draw) {
+                           const auto* pdf = dynamic_cast<const DrawPDF*>(draw.get());
+                           return pdf != nullptr && pdf->pdfPage() != nullptr;
+                         });
+  };
+  const std::string path = testing::TempDir() + "/without helper.paintdoc";
+  const pid_t child = fork();
+  if (child == 0) {
+    // A copy of this process starts a helper of its own.
+    setPictureHelperPath("/nonexistent");
+    const auto data = madeDocument("pictures")->paintDataWithResolution(0);
+    _exit(writeFileInPlace(path, data->bytes()) ? 1 : 0);
+  }
+  int status = 1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_EQ(status, 0);
+  const auto read =
+      PaintManager::paintMgrWithPaintData(NSData::dataWithContentsOfFile(path), nullptr, nullptr);
+  ASSERT_NE(read, nullptr);
+  EXPECT_GT(pagesOf(*read), 0);
+  EXPECT_EQ(pagesOf(*read), pagesOf(*madeDocument("pictures")));
 }
 
 TEST(BackgroundPictures, MaskTheCanvas) {

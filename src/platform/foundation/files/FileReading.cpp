@@ -9,18 +9,9 @@
 #include <cstring>
 
 #include "platform/foundation/Limits.h"
+#include "platform/machine/FileDescriptor.h"
 
 namespace {
-
-struct FileDescriptor {
-  explicit FileDescriptor(const char* path) : number(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY)) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (number >= 0) close(number);
-  }
-  const int number;
-};
 
 /// Contents that grow without being cleared first.
 struct Buffer : FileContents {
@@ -81,6 +72,6 @@ std::error_code readDescriptor(int descriptor, FileContents& contents) {
 }
 
 std::error_code readFile(const std::string& path, FileContents& contents) {
-  const FileDescriptor file(path.c_str());
-  return file.number >= 0 ? readDescriptor(file.number, contents) : systemError(errno);
+  const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+  return file.isOpen() ? readDescriptor(file.number(), contents) : systemError(errno);
 }

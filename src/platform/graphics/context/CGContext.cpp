@@ -312,6 +312,14 @@ void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination, c
   compositeNothing(shape, rows, operation);
 }
 
+void CGContext::drawInDeviceSpace(const NSBitmapImageRep& image, int64_t x, int64_t y) {
+  const CGContextStateScope scope(*this);
+  state_.transform = {};
+  const CGFloat height = deviceTransform().ty;
+  draw(image, {{static_cast<CGFloat>(x), height - static_cast<CGFloat>(y) - image.size().height},
+               image.size()});
+}
+
 // --- Transparency layers ---
 
 /// What shows through the clip; with a shadow also what casts it there.

@@ -88,6 +88,9 @@ class CGContext {
             NSCompositingOperation operation, CGFloat alpha);
   /// The whole bitmap with the state's operation and alpha.
   void draw(const NSBitmapImageRep& image, const NSRect& destination);
+  /// The same pixel for pixel, whatever the transform: the bitmap's upper left corner comes to a
+  /// pixel in device space.
+  void drawInDeviceSpace(const NSBitmapImageRep& image, int64_t x, int64_t y);
 
   // The current path belongs to the context, not to its state. Its points are fixed by the
   // transform at the time they are added. Clipping to it empties it.

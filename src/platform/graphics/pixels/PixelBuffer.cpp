@@ -17,6 +17,11 @@ PixelBuffer::PixelBuffer(int64_t width, int64_t height)
       height_(height),
       memory_(static_cast<size_t>(width) * static_cast<size_t>(height) * 4) {}
 
+PixelBuffer::PixelBuffer(int64_t width, int64_t height, ZeroedMemory pixels)
+    : width_(width), height_(height), memory_(std::move(pixels)), used_{0, height} {
+  assert(memory_.size() == bytesPerRow() * static_cast<size_t>(height));
+}
+
 void PixelBuffer::swap(PixelBuffer& other) noexcept {
   std::swap(width_, other.width_);
   std::swap(height_, other.height_);

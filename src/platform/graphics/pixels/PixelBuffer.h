@@ -27,6 +27,8 @@ class PAINT_API PixelBuffer {
   PixelBuffer() = default;
   /// The sides must pass canHold. Throws std::bad_alloc when the system has no memory.
   PixelBuffer(int64_t width, int64_t height);
+  /// Takes over memory that holds the pixels already: exactly 4 x width x height bytes.
+  PixelBuffer(int64_t width, int64_t height, ZeroedMemory pixels);
   PixelBuffer(PixelBuffer&& other) noexcept { swap(other); }
   PixelBuffer& operator=(PixelBuffer&& other) noexcept {
     swap(other);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "document/PaintManager.h"
+
+/// The pictures of a document's visible draws that cannot be drawn. Reads and draws each.
+std::vector<LeftOutPicture> findLeftOutPictures(PaintManager& document);
+
+/// One clause for one line of a terminal, such as
+/// "2 pictures left out: "Map" (PDF page: it cannot be read), SVG picture: it is too large"; empty
+/// for none. Long lists are cut.
+std::string leftOutText(const std::vector<LeftOutPicture>& pictures);

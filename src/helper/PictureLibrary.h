@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "platform/foundation/Geometry.h"
+
+// What paint-picture-helper takes from the libraries that read and draw PDF and SVG. Each lives in
+// a module that is loaded with the first picture of its kind.
+
+/// Memory for a picture: premultiplied R, G, B, A, rows top first and without gaps, all zero.
+struct PixelTarget {
+  int64_t width = 0;
+  int64_t height = 0;
+  uint8_t* pixels = nullptr;
+};
+
+enum class DrawResult : uint8_t { done, failed, noMemory };
+
+/// A picture that was read.
+class OpenedPicture {
+ public:
+  virtual ~OpenedPicture() = default;
+
+  /// The natural size: of a PDF page the size of its crop box in points, after its rotation; of an
+  /// SVG in pixels. Zero when there is none.
+  virtual NSSize size() const = 0;
+  /// Draws the picture, cut to its natural size. `transform` leads from there (y downwards from the
+  /// upper edge) to pixels, rows counted from the top. The pixels are undefined unless it is done.
+  virtual DrawResult draw(const PixelTarget& target, const CGAffineTransform& transform) const = 0;
+};
+
+class PictureLibrary {
+ public:
+  virtual ~PictureLibrary() = default;
+
+  /// The picture in a file, which must outlive it unchanged. Null when it is none or damaged beyond
+  /// repair; of PDF files also when it asks for a password. Throws std::bad_alloc.
+  virtual std::unique_ptr<OpenedPicture> open(std::span<const uint8_t> file) const = 0;
+};
+
+/// Name of the one function that the modules "paintpdf" and "paintsvg" export. It returns null when
+/// the library that the module looks up itself is not installed.
+inline constexpr const char* kPictureLibraryEntry = "paintPictureLibrary";
+using PictureLibraryEntry = const PictureLibrary* (*)();
