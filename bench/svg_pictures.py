@@ -11,15 +11,15 @@ import math
 import os
 import random
 import resource
-import struct
 import subprocess
 import sys
 import tempfile
-import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "..", "tests", "support"))
+for folder in "support", "programs":
+    sys.path.insert(0, os.path.join(HERE, "..", "tests", folder))
 from picture_documents import Pictures  # noqa: E402
+from program_support import read_png  # noqa: E402
 
 PR_SET_CHILD_SUBREAPER = 36
 
@@ -45,40 +45,11 @@ class Rsvg:
 
 
 def pixels(path):
-    """Width, height and premultiplied RGBA bytes of an 8-bit PNG."""
-    data = open(path, "rb").read()
-    width, height, _, kind = struct.unpack(">IIBB", data[16:26])
-    step, packed, position = {6: 4, 2: 3, 4: 2, 0: 1}[kind], b"", 8
-    while position < len(data):
-        length, name = struct.unpack(">I4s", data[position:position + 8])
-        if name == b"IDAT":
-            packed += data[position + 8:position + 8 + length]
-        position += length + 12
-    raw, above, out = zlib.decompress(packed), bytes(width * step), bytearray()
-    for y in range(height):
-        start = y * (width * step + 1)
-        row = bytearray(raw[start + 1:start + 1 + width * step])
-        method = raw[start]
-        for i in range(len(row)):
-            left = row[i - step] if i >= step else 0
-            corner = above[i - step] if i >= step else 0
-            if method == 1:
-                row[i] = row[i] + left & 255
-            elif method == 2:
-                row[i] = row[i] + above[i] & 255
-            elif method == 3:
-                row[i] = row[i] + (left + above[i]) // 2 & 255
-            elif method == 4:
-                near = min((abs(above[i] - corner), 0, left), (abs(left - corner), 1, above[i]),
-                           (abs(left + above[i] - 2 * corner), 2, corner))
-                row[i] = row[i] + near[2] & 255
-        above = row
-        for x in range(0, len(row), step):
-            color = row[x:x + step]
-            alpha = color[-1] if step in (2, 4) else 255
-            gray = step < 3
-            out += bytes((color[0] if gray else color[i]) * alpha // 255 for i in range(3)) + bytes([alpha])
-    return width, height, bytes(out)
+    """Width, height and premultiplied pixels of a PNG."""
+    width, height, channels, rows = read_png(path)
+    whole = {4: tuple, 3: lambda p: (*p, 255), 2: lambda p: (p[0], p[0], p[0], p[1]), 1: lambda p: (*p * 3, 255)}
+    colors = [whole[channels](pixel) for row in rows for pixel in row]
+    return width, height, [(r * a // 255, g * a // 255, b * a // 255, a) for r, g, b, a in colors]
 
 
 def document(files, width, height, path):
@@ -90,7 +61,7 @@ def document(files, width, height, path):
 
 
 def compare(paintdoc, files, folder):
-    same, worst, refused, other, rsvg = 0, [], 0, [], Rsvg()
+    same, worst, refused, undrawn, rsvg = 0, [], 0, [], Rsvg()
     theirs, ours = os.path.join(folder, "theirs.png"), os.path.join(folder, "ours.png")
     for file in files:
         # Where a side is no whole number, both programs stretch the picture to the next one.
@@ -105,10 +76,10 @@ def compare(paintdoc, files, folder):
         result = subprocess.run([paintdoc, "render", os.path.join(folder, "one.paintdoc"), ours],
                                 capture_output=True, text=True)
         if result.returncode != 0 or result.stderr:
-            other.append((file, result.stderr.strip()))
+            undrawn.append((file, result.stderr.strip()))
             continue
         drawn = pixels(ours)[2]
-        difference = max(abs(a - b) for a, b in zip(expected, drawn))
+        difference = max(abs(a - b) for one, other in zip(expected, drawn) for a, b in zip(one, other))
         same += difference <= 2
         worst.append((difference, file))
     worst.sort(reverse=True)
@@ -116,7 +87,7 @@ def compare(paintdoc, files, folder):
     for difference, file in worst[:10]:
         if difference > 2:
             print(f"  {difference:3} {file}")
-    for file, text in other:
+    for file, text in undrawn:
         print(f"  not drawn: {file}: {text}")
 
 

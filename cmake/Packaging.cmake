@@ -46,6 +46,9 @@ file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/debian/shlibs CONTENT
 file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
   ${PROJECT_BINARY_DIR}/debian/shlibs ${PROJECT_BINARY_DIR}/debian/triggers)
+# Without the first SVG pictures are drawn by the built-in engine, which knows less of SVG; without the
+# second, PDF pages that name East Asian fonts without bringing them lack their text.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS "librsvg2-2, poppler-data")
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "reads and renders paint documents (shared library)
 The engine behind paint-thumbnailer: documents of vector and raster elements
 with shadows, gradients, filters and text become pictures. Libraries for

@@ -14,7 +14,7 @@ void findIn(PaintManager& document, const DrawArray& draws, std::vector<LeftOutP
     }
     const PictureFailure failure = document.pictureFailure(*draw);
     if (failure == PictureFailure::none) continue;
-    found.push_back({draw->title(), draw->pictureKind(), describe(failure)});
+    found.push_back({draw->layerTitle().value_or(""), draw->pictureKind(), describe(failure)});
   }
 }
 

@@ -7,10 +7,11 @@ _paintdoc() {
   done
   case $previous in
     --format) mapfile -t COMPREPLY < <(compgen -W 'png jpeg webp tiff' -- "$current"); return ;;
+    --svg) mapfile -t COMPREPLY < <(compgen -W 'system built-in' -- "$current"); return ;;
     --quality | --limit-*) return ;;
   esac
   case $command in
-    '') options='info render check --limit-time --limit-memory --limit-output --version --help' ;;
+    '') options='info render check --limit-time --limit-memory --limit-output --svg --version --help' ;;
     render) options='--json --format --quality --help' ;;
     *) options='--json --help' ;;
   esac

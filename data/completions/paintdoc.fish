@@ -5,6 +5,7 @@ complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a check 
 complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-time -x -d 'Seconds of processor time'
 complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-memory -x -d 'Megabytes of memory'
 complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-output -x -d 'Megabytes of output'
+complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l svg -x -a 'system built-in' -d 'Who draws SVG pictures'
 complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l version -d 'Print the version'
 complete -c paintdoc -n "__fish_seen_subcommand_from $commands" -l json -d 'Answer as JSON'
 complete -c paintdoc -n '__fish_seen_subcommand_from render' -l format -x -a 'png jpeg webp tiff' -d 'Format of the picture'

@@ -23,13 +23,13 @@ constexpr std::chrono::seconds kIdleTime{60};
 /// What libraries may keep from picture to picture before a new process is better.
 constexpr uint64_t kKeptBytes = uint64_t{512} << 20;
 
-HelperResult resultOf(DrawResult result) {
+HelperResult resultOf(PictureResult result) {
   switch (result) {
-    case DrawResult::done:
+    case PictureResult::done:
       return HelperResult::done;
-    case DrawResult::noMemory:
+    case PictureResult::noMemory:
       return HelperResult::tooMuchMemory;
-    case DrawResult::failed:
+    case PictureResult::failed:
       break;
   }
   return HelperResult::unreadable;
@@ -154,8 +154,8 @@ PixelMemory Server::pixelMemory(size_t bytes, Answer& answer) {
 
 HelperResult Server::open(const HelperRequest& request) {
   const PictureLibrary* const library = pictureLibrary(request.kind);
-  if (library != nullptr) picture_ = library->open(inbox_.bytes().first(request.dataBytes));
-  return picture_ == nullptr ? HelperResult::unreadable : HelperResult::done;
+  if (library == nullptr) return HelperResult::unreadable;
+  return resultOf(library->open(inbox_.bytes().first(request.dataBytes), &picture_));
 }
 
 Server::Answer Server::measureOrDraw(const HelperRequest& request) {

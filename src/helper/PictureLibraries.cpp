@@ -2,7 +2,6 @@
 
 #include <new>
 
-#include "helper/BuiltInSVG.h"
 #include "helper/PictureGuard.h"
 #include "platform/machine/AddressSpace.h"
 #include "platform/machine/LoadableModule.h"
@@ -36,5 +35,6 @@ const PictureLibrary* pictureLibrary(PictureKind kind) {
     case PictureKind::builtInSVG:
       break;
   }
-  return builtInSVG();
+  static const PictureLibrary* const builtIn = loaded("paintbuiltinsvg");
+  return builtIn;
 }

@@ -8,7 +8,8 @@
 #include "platform/foundation/Geometry.h"
 
 // What paint-picture-helper takes from the libraries that read and draw PDF and SVG. Each lives in
-// a module that is loaded with the first picture of its kind.
+// a module that is loaded with the first picture of its kind. Modules may have a C++ library of
+// their own, so no exception leaves them.
 
 /// Memory for a picture: premultiplied R, G, B, A, rows top first and without gaps, all zero.
 struct PixelTarget {
@@ -17,7 +18,7 @@ struct PixelTarget {
   uint8_t* pixels = nullptr;
 };
 
-enum class DrawResult : uint8_t { done, failed, noMemory };
+enum class PictureResult : uint8_t { done, failed, noMemory };
 
 /// A picture that was read.
 class OpenedPicture {
@@ -29,19 +30,21 @@ class OpenedPicture {
   virtual NSSize size() const = 0;
   /// Draws the picture, cut to its natural size. `transform` leads from there (y downwards from the
   /// upper edge) to pixels, rows counted from the top. The pixels are undefined unless it is done.
-  virtual DrawResult draw(const PixelTarget& target, const CGAffineTransform& transform) const = 0;
+  virtual PictureResult draw(const PixelTarget& target,
+                             const CGAffineTransform& transform) const = 0;
 };
 
 class PictureLibrary {
  public:
   virtual ~PictureLibrary() = default;
 
-  /// The picture in a file, which must outlive it unchanged. Null when it is none or damaged beyond
-  /// repair; of PDF files also when it asks for a password. Throws std::bad_alloc.
-  virtual std::unique_ptr<OpenedPicture> open(std::span<const uint8_t> file) const = 0;
+  /// The picture in a file, which must outlive it unchanged. It fails, and leaves null, when that
+  /// is none or damaged beyond repair; of PDF files also when it asks for a password.
+  virtual PictureResult open(std::span<const uint8_t> file,
+                             std::unique_ptr<OpenedPicture>* picture) const = 0;
 };
 
-/// Name of the one function that the modules "paintpdf" and "paintsvg" export. It returns null when
-/// the library that the module looks up itself is not installed.
+/// Name of the one function that the modules "paintpdf", "paintsvg" and "paintbuiltinsvg" export.
+/// It returns null when the library that the module looks up itself is not installed.
 inline constexpr const char* kPictureLibraryEntry = "paintPictureLibrary";
 using PictureLibraryEntry = const PictureLibrary* (*)();

@@ -39,9 +39,11 @@ ROOMS = {
         platform/graphics/color platform/graphics/context platform/graphics/path
         platform/graphics/pixels platform/pictures svg""",
 
-    "helper": """platform/foundation platform/graphics/bitmap platform/graphics/context
-        platform/graphics/pixels platform/machine platform/pictures svg/draw svg/tree""",
+    "helper": """platform/foundation platform/graphics/pixels platform/machine
+        platform/pictures""",
     "helper/libraries": "helper",
+    "helper/libraries/builtin": """helper platform/foundation platform/graphics/bitmap
+        platform/graphics/context svg/draw svg/tree""",
     "helper/libraries/pdf": "helper/libraries",
     "helper/libraries/svg": "helper/libraries",
 

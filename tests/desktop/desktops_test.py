@@ -40,7 +40,7 @@ def expected(folder, size):
     path = os.path.join(folder, f"expected-{size}.png")
     subprocess.run([PROGRAM, "-s", str(size), DOCUMENT, path], check=True, timeout=120)
     result = pixels_of(GdkPixbuf.Pixbuf.new_from_file(path))
-    check(max(result[:2]) == min(size, 594), f"the program's own size for {size}: {result[:2]}")
+    check(max(result[:2]) == min(size, 640), f"the program's own size for {size}: {result[:2]}")
     return result
 
 
@@ -72,7 +72,7 @@ def gnome(folder, uri):
         kept = GdkPixbuf.Pixbuf.new_from_file(path)
         check(pixels_of(kept) == expected(folder, SIZES[flavor]), "GNOME's cache")
         sides = [kept.get_option("tEXt::Thumb::Image::" + side) for side in ("Width", "Height")]
-        check(sides == ["420", "594"], f"the document's size in GNOME's cache: {sides}")
+        check(sides == ["640", "480"], f"the document's size in GNOME's cache: {sides}")
 
 
 def tumbler(folder, uri):

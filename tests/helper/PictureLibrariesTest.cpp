@@ -32,11 +32,23 @@ std::vector<Kind> kinds() {
           {"built-in SVG", PictureKind::builtInSVG, svg}};
 }
 
+std::unique_ptr<OpenedPicture> opened(PictureKind kind, std::string_view file) {
+  std::unique_ptr<OpenedPicture> picture;
+  const PictureResult result = pictureLibrary(kind)->open(
+      {reinterpret_cast<const uint8_t*>(file.data()), file.size()}, &picture);
+  EXPECT_EQ(result, picture == nullptr ? PictureResult::failed : PictureResult::done);
+  return picture;
+}
+
+std::unique_ptr<OpenedPicture> opened(const Kind& kind) {
+  return opened(kind.kind, {reinterpret_cast<const char*>(kind.file.data()), kind.file.size()});
+}
+
 /// Draws onto 60 by 60 pixels.
 std::shared_ptr<NSBitmapImageRep> drawn(const OpenedPicture& picture,
                                         const CGAffineTransform& transform) {
   auto bitmap = NSBitmapImageRep::create(60, 60);
-  EXPECT_EQ(picture.draw({60, 60, bitmap->writableRows(0, 60)}, transform), DrawResult::done);
+  EXPECT_EQ(picture.draw({60, 60, bitmap->writableRows(0, 60)}, transform), PictureResult::done);
   return bitmap;
 }
 
@@ -66,9 +78,7 @@ TEST(PictureLibraries, DrawThroughAnyTransformAndCutToTheNaturalSize) {
                 {"a quarter turn clockwise", {0, 1, -1, 0, 40, 6}, {{20, 6}, {20, 20}}},
                 {"partly outside", {1, 0, 0, 1, -15, 50}, {{0, 50}, {5, 10}}}};
   for (const Kind& kind : kinds()) {
-    const PictureLibrary* const library = pictureLibrary(kind.kind);
-    ASSERT_NE(library, nullptr) << kind.name;
-    const auto picture = library->open(kind.file);
+    const auto picture = opened(kind);
     ASSERT_NE(picture, nullptr) << kind.name;
     EXPECT_EQ(picture->size(), NSMakeSize(40, 20)) << kind.name;
     for (const auto& [name, transform, red] : kCases) {
@@ -81,8 +91,7 @@ TEST(PictureLibraries, WhatIsNoPicture) {
   const std::string_view kTexts[] = {"", "no picture", "%PDF-1.4", "<svg", "<html></html>"};
   for (const Kind& kind : kinds()) {
     for (const std::string_view text : kTexts) {
-      const auto picture = pictureLibrary(kind.kind)->open(
-          {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+      const auto picture = opened(kind.kind, text);
       const bool isNone = picture == nullptr || picture->size() == NSZeroSize;
       EXPECT_TRUE(isNone) << kind.name << ": " << text;
     }
@@ -103,8 +112,7 @@ TEST(PictureLibraries, NaturalSizesOfTheSystemsRenderer) {
   for (const auto& [attributes, size] : kCases) {
     const std::string text = std::string("<svg xmlns='http://www.w3.org/2000/svg' ") + attributes +
                              "><rect width='6' height='4'/></svg>";
-    const auto picture = pictureLibrary(PictureKind::systemSVG)
-                             ->open({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+    const auto picture = opened(PictureKind::systemSVG, text);
     ASSERT_NE(picture, nullptr) << attributes;
     EXPECT_EQ(picture->size(), size) << attributes;
   }
@@ -113,10 +121,10 @@ TEST(PictureLibraries, NaturalSizesOfTheSystemsRenderer) {
 // Surfaces of the drawing library end at 32767 pixels.
 TEST(PictureLibraries, LongPictures) {
   for (const Kind& kind : kinds()) {
-    const auto picture = pictureLibrary(kind.kind)->open(kind.file);
+    const auto picture = opened(kind);
     const auto bitmap = NSBitmapImageRep::create(50000, 2);
     ASSERT_EQ(picture->draw({50000, 2, bitmap->writableRows(0, 2)}, {1250, 0, 0, 0.1, 0, 0}),
-              DrawResult::done)
+              PictureResult::done)
         << kind.name;
     for (const int64_t x : {0, 16383, 16384, 24999}) EXPECT_EQ(pixelAt(*bitmap, x, 1), kRed) << x;
     for (const int64_t x : {25000, 32768, 49999}) EXPECT_EQ(pixelAt(*bitmap, x, 1), kNothing) << x;
@@ -128,7 +136,7 @@ TEST(PictureLibraries, RenderersTakeTurns) {
   const auto& files = kinds();
   for (int round = 0; round < 3; ++round) {
     for (const Kind& kind : files) {
-      const auto picture = pictureLibrary(kind.kind)->open(kind.file);
+      const auto picture = opened(kind);
       ASSERT_NE(picture, nullptr) << kind.name;
       expectRed(*drawn(*picture, {1, 0, 0, 1, 0, 0}), {{0, 0}, {20, 20}}, kind.name);
     }

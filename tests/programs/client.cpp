@@ -20,5 +20,10 @@ int main(int, char** argv) {
                        !encodeWebP(*thumbnail, 0.8).empty();
   std::printf("%g x %g, %zu draws, %zu groups\n", document->size().width, document->size().height,
               document->allDraws().size(), groups);
-  return encoded && document->fullImage() != nullptr ? 0 : 1;
+  if (!encoded || document->fullImage() == nullptr) return 1;
+  // PDF and SVG come from the program that is installed with the library.
+  for (const LeftOutPicture& picture : document->leftOutPictures()) {
+    std::printf("left out: %s: %s\n", picture.kind.c_str(), picture.reason.c_str());
+  }
+  return document->leftOutPictures().empty() ? 0 : 1;
 }

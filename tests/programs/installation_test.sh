@@ -12,6 +12,7 @@ cmake --install "$build" --prefix "$folder/usr" >/dev/null
 for path in bin/paintdoc bin/paint-thumbnailer share/thumbnailers/paint-thumbnailer.thumbnailer \
   share/mime/packages/paint-document.xml share/man/man1/paintdoc.1.gz share/man/man1/paint-thumbnailer.1.gz \
   share/bash-completion/completions/paintdoc share/zsh/vendor-completions/_paintdoc \
+  libexec/paintengine/paint-picture-helper share/paintengine/fonts.conf \
   share/fish/vendor_completions.d/paintdoc.fish share/metainfo/org.paintengine.paintdoc.metainfo.xml; do
   [ -s "$folder/usr/$path" ] || { echo "not installed: $path"; exit 1; }
 done
@@ -27,11 +28,17 @@ target_link_libraries(client PRIVATE paintengine::paintengine)
 TEXT
 cmake -S "$folder/client" -B "$folder/client/build" -DCMAKE_PREFIX_PATH="$folder/usr" >/dev/null
 cmake --build "$folder/client/build" >/dev/null
-"$folder/client/build/client" "$source/examples/composition.paintdoc"
+"$folder/client/build/client" "$source/examples/pictures.paintdoc"
 
 library=$(find "$folder/usr" -name pkgconfig)
 sed -i "s|^prefix=.*|prefix=$folder/usr|" "$library/paintengine.pc"
 export PKG_CONFIG_PATH=$library
 # shellcheck disable=SC2046  # Several words are meant.
 "$CXX" "$folder/client/client.cpp" -o "$folder/plain" $(pkg-config --cflags --libs paintengine)
-LD_LIBRARY_PATH=$(dirname "$library") "$folder/plain" "$source/examples/composition.paintdoc"
+LD_LIBRARY_PATH=$(dirname "$library") "$folder/plain" "$source/examples/pictures.paintdoc"
+
+# The programs of the prefix, and what they say when the helper is gone.
+"$folder/usr/bin/paintdoc" check "$source/examples/pictures.paintdoc" | grep 'a readable document$'
+mv "$folder/usr/libexec" "$folder/usr/gone"
+"$folder/usr/bin/paintdoc" check "$source/examples/pictures.paintdoc" |
+  grep '2 pictures left out: .*paint-picture-helper is not installed'

@@ -50,8 +50,11 @@ std::shared_ptr<NSBitmapImageRep> DrawImage2::image() const {
 
 std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage(PictureFailure* failure) const {
   if (imageData_ == nullptr) return nullptr;
-  auto image = NSBitmapImageRep::imageRepWithData(*imageData_);
-  *failure = image == nullptr ? PictureFailure::unreadable : PictureFailure::none;
+  bool isTooLarge = false;
+  auto image = NSBitmapImageRep::imageRepWithData(*imageData_, &isTooLarge);
+  if (image == nullptr) {
+    *failure = isTooLarge ? PictureFailure::tooLarge : PictureFailure::unreadable;
+  }
   return image;
 }
 

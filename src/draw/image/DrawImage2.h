@@ -64,8 +64,8 @@ class DrawImage2 : public DrawRoundRectangle {
  protected:
   /// Gives a new draw its defaults, and the bitmap's bounds as its path, without a line.
   void initWithBitmap(std::shared_ptr<NSBitmapImageRep> image);
-  /// Decodes or draws the bitmap when none was set. Null when that fails, and why, or when there is
-  /// nothing to make it from.
+  /// Decodes or draws the bitmap when none was set. Null when that fails, for the reason that
+  /// `failure` takes, or when there is nothing to make it from.
   virtual std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const;
   /// The bitmap that is there without making one; may be null.
   std::shared_ptr<NSBitmapImageRep> cachedImage() const;

@@ -53,5 +53,5 @@ void drawPictureInnerShadow(const NSBitmapImageRep& image, const NSRect& bounds,
 void reportLeftOutPicture(const DrawBase& draw, PictureFailure failure) {
   PictureSession* const session = PictureSession::current();
   if (session == nullptr || failure == PictureFailure::none) return;
-  session->leaveOut(&draw, {draw.title(), draw.pictureKind(), describe(failure)});
+  session->leaveOut(&draw, {draw.layerTitle().value_or(""), draw.pictureKind(), describe(failure)});
 }

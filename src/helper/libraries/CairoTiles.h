@@ -17,16 +17,16 @@ struct Releaser {
 using SurfacePointer = std::unique_ptr<cairo_surface_t, Releaser<cairo_surface_destroy>>;
 using CairoPointer = std::unique_ptr<cairo_t, Releaser<cairo_destroy>>;
 
-inline DrawResult drawResultOf(cairo_status_t status) {
-  if (status == CAIRO_STATUS_SUCCESS) return DrawResult::done;
-  return status == CAIRO_STATUS_NO_MEMORY ? DrawResult::noMemory : DrawResult::failed;
+inline PictureResult pictureResultOf(cairo_status_t status) {
+  if (status == CAIRO_STATUS_SUCCESS) return PictureResult::done;
+  return status == CAIRO_STATUS_NO_MEMORY ? PictureResult::noMemory : PictureResult::failed;
 }
 
 /// Draws a picture through Cairo. `paint` gets a context of the picture's own space, clipped to its
-/// natural size, and returns a DrawResult.
+/// natural size, and returns a PictureResult.
 template <class Paint>
-DrawResult drawThroughCairo(const PixelTarget& target, const NSSize& natural,
-                            const CGAffineTransform& t, const Paint& paint) {
+PictureResult drawThroughCairo(const PixelTarget& target, const NSSize& natural,
+                               const CGAffineTransform& t, const Paint& paint) {
   // Cairo's surfaces have sides up to 32767; larger pictures are drawn in tiles.
   constexpr int64_t kTile = 16384;
   const int64_t stride = target.width * 4;
@@ -42,16 +42,16 @@ DrawResult drawThroughCairo(const PixelTarget& target, const NSSize& natural,
       cairo_set_matrix(context.get(), &matrix);
       cairo_rectangle(context.get(), 0, 0, natural.width, natural.height);
       cairo_clip(context.get());
-      const DrawResult result = paint(context.get());
-      if (result != DrawResult::done) return result;
+      const PictureResult result = paint(context.get());
+      if (result != PictureResult::done) return result;
       cairo_surface_finish(surface.get());
       for (const cairo_status_t status :
            {cairo_status(context.get()), cairo_surface_status(surface.get())}) {
-        if (status != CAIRO_STATUS_SUCCESS) return drawResultOf(status);
+        if (status != CAIRO_STATUS_SUCCESS) return pictureResultOf(status);
       }
     }
   }
-  return DrawResult::done;
+  return PictureResult::done;
 }
 
 /// From Cairo's words to the engine's bytes.

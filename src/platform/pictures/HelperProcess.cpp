@@ -1,5 +1,6 @@
 #include "platform/pictures/HelperProcess.h"
 
+#include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -79,20 +80,48 @@ class SpawnOptions {
   posix_spawnattr_t attributes_;
 };
 
-PictureFailure spawn(const std::string& path, int socket) {
+/// Ends a process; nothing without a descriptor. Numbers of processes are not safe to use: hosts
+/// may have reaped them, and others got them.
+void end(const FileDescriptor& process) {
+  if (process.isOpen()) syscall(SYS_pidfd_send_signal, process.number(), SIGKILL, nullptr, 0);
+}
+
+/// The first process of the helper: it starts one of its own and ends.
+class FirstProcess {
+ public:
+  explicit FirstProcess(pid_t process)
+      : process_(process), descriptor_(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {}
+  FirstProcess(const FirstProcess&) = delete;
+  FirstProcess& operator=(const FirstProcess&) = delete;
+  /// Ends it, if need be, and takes its end, unless the host has done so.
+  ~FirstProcess() {
+    if (!hasEnded_) end(descriptor_);
+    while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+    }
+  }
+
+  /// Gives it some time to end by itself.
+  void letEnd() {
+    pollfd state{descriptor_.number(), POLLIN, 0};
+    constexpr int kMilliseconds = 1000;
+    hasEnded_ = poll(&state, 1, kMilliseconds) == 1;
+  }
+
+ private:
+  pid_t process_;
+  FileDescriptor descriptor_;
+  bool hasEnded_ = false;
+};
+
+PictureFailure spawn(const std::string& path, int socket, pid_t* child) {
   const SpawnOptions options(socket);
   std::string name = kProgram;
   char* const arguments[] = {name.data(), nullptr};
-  pid_t child = 0;
-  const int error = posix_spawn(&child, path.c_str(), options.files(), options.attributes(),
+  const int error = posix_spawn(child, path.c_str(), options.files(), options.attributes(),
                                 arguments, helperEnvironment().data());
   if (error == ENOMEM || error == EAGAIN) throw std::bad_alloc();
   if (error == ENOENT) return PictureFailure::helperMissing;
-  if (error != 0) return PictureFailure::helperNotStarted;
-  // It starts a process of its own and ends. The host may have reaped it.
-  while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-  }
-  return PictureFailure::none;
+  return error == 0 ? PictureFailure::none : PictureFailure::helperNotStarted;
 }
 
 bool isOurVersion(const HelperGreeting& greeting) {
@@ -104,10 +133,8 @@ bool isOurVersion(const HelperGreeting& greeting) {
 }  // namespace
 
 HelperProcess::~HelperProcess() {
-  if (process_.isOpen() && channel_.isOpen()) {
-    // It also ends by itself, but may be in the middle of a picture that nobody waits for.
-    syscall(SYS_pidfd_send_signal, process_.number(), SIGKILL, nullptr, 0);
-  }
+  // It also ends by itself, but may be in the middle of a picture that nobody waits for.
+  if (channel_.isOpen()) end(process_);
 }
 
 PictureFailure HelperProcess::start(const std::string& path, HelperProcess* process) {
@@ -116,16 +143,20 @@ PictureFailure HelperProcess::start(const std::string& path, HelperProcess* proc
     return PictureFailure::helperNotStarted;
   }
   process->channel_ = HelperChannel(FileDescriptor(ends[0]));
+  pid_t child = 0;
   {
     const FileDescriptor other(ends[1]);
-    const PictureFailure failure = spawn(path, other.number());
+    const PictureFailure failure = spawn(path, other.number(), &child);
     if (failure != PictureFailure::none) return failure;
   }
+  FirstProcess first(child);
   HelperGreeting greeting;
   const Deadline deadline = std::chrono::steady_clock::now() + kGreetingTime;
   switch (process->channel_.receive(&greeting, &process->process_, deadline)) {
     case ChannelResult::done:
-      return isOurVersion(greeting) ? PictureFailure::none : PictureFailure::helperOutdated;
+      if (!isOurVersion(greeting)) return PictureFailure::helperOutdated;
+      first.letEnd();
+      return PictureFailure::none;
     case ChannelResult::malformed:
       return PictureFailure::helperOutdated;
     default:

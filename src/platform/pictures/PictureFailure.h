@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "platform/foundation/PaintExport.h"
+
 /// Why an embedded picture is not drawn.
 enum class PictureFailure : uint8_t {
   none,
@@ -19,4 +21,4 @@ enum class PictureFailure : uint8_t {
 };
 
 /// One clause for people, such as "it cannot be read".
-const char* describe(PictureFailure failure);
+PAINT_API const char* describe(PictureFailure failure);

@@ -58,6 +58,10 @@ bool isSound(const NSSize& size) {
          size.height >= 0;
 }
 
+size_t bytesOfPixels(int64_t width, int64_t height) {
+  return static_cast<size_t>(width) * static_cast<size_t>(height) * 4;
+}
+
 /// The connection of a process, which is made anew in one that forked: the helper and perhaps a
 /// locked mutex are its parent's.
 struct Connection {
@@ -231,34 +235,38 @@ PictureHelper::Outcome PictureHelper::ask(const HelperPicture& picture, HelperRe
   request.wallMilliseconds = static_cast<uint32_t>(limits.wallTime.count());
   request.memoryBytes = limits.memoryBytes;
   HelperReply reply;
+  const auto start = steady_clock::now();
   if (!process_.channel().send(request)) return std::nullopt;
   const Outcome outcome = receive(limits, &reply, attached);
   if (!outcome) return outcome;
-  microseconds spent(
-      std::min<uint64_t>(reply.processorMicroseconds, microseconds(limits.wallTime).count()));
-  if (outcome == PictureFailure::tooMuchTime) spent = time;
-  if (outcome == PictureFailure::stuck) spent = limits.wallTime;
-  if (session != nullptr) session->spend(spent);
-  // A picture that is none leaves the helper as it was; what else fails has ended it.
+  // A picture that is none leaves the helper as it was; what else fails has ended it, and nobody
+  // says how much processor time that took.
+  const bool goesOn = outcome == PictureFailure::none || outcome == PictureFailure::unreadable;
+  const auto elapsed = std::chrono::ceil<microseconds>(steady_clock::now() - start);
+  if (session != nullptr) {
+    session->spend(goesOn ? std::min(microseconds(reply.processorMicroseconds), elapsed) : elapsed);
+  }
+  if (!goesOn) return lost(*outcome);
   if (outcome == PictureFailure::unreadable) return outcome;
-  if (outcome != PictureFailure::none) return lost(*outcome);
   openNumber_ = picture.number;
   openSize_ = reply.size;
   return outcome;
 }
 
+bool PictureHelper::takeOutbox(size_t bytes, const SharedMemory& memory) {
+  if (!memory.hasFixedSize(boxBytes(bytes))) return false;
+  outbox_ = MemoryMapping();
+  outbox_ = memory.map(boxBytes(bytes), MapAccess::read);
+  return true;
+}
+
 std::shared_ptr<NSBitmapImageRep> PictureHelper::takePixels(int64_t width, int64_t height,
-                                                            FileDescriptor attached) {
-  const size_t bytes = static_cast<size_t>(width) * static_cast<size_t>(height) * 4;
-  const SharedMemory memory(std::move(attached));
+                                                            const SharedMemory& memory) {
+  const size_t bytes = bytesOfPixels(width, height);
   if (bytes > kMostBoxBytes) {
     if (!memory.isSealed(bytes)) return nullptr;
     ZeroedMemory pixels(memory.map(bytes, MapAccess::privateCopy).release(), bytes);
     return std::make_shared<NSBitmapImageRep>(PixelBuffer(width, height, std::move(pixels)));
-  }
-  if (memory.isOpen()) {
-    if (!memory.hasFixedSize(boxBytes(bytes))) return nullptr;
-    outbox_ = memory.map(boxBytes(bytes), MapAccess::read);
   }
   if (outbox_.bytes().size() < bytes) return nullptr;
   auto bitmap = NSBitmapImageRep::create(width, height);
@@ -289,9 +297,15 @@ PictureFailure PictureHelper::draw(const HelperPicture& picture, const CGAffineT
     request.height = height;
     FileDescriptor attached;
     const Outcome outcome = ask(picture, request, &attached);
+    const SharedMemory memory(std::move(attached));
+    const size_t bytes = bytesOfPixels(width, height);
+    // A new outbox also comes with a picture that turns out to be none.
+    if (isStarted_ && memory.isOpen() && bytes <= kMostBoxBytes && !takeOutbox(bytes, memory)) {
+      return lost(PictureFailure::nonsense);
+    }
     if (outcome != PictureFailure::none) return outcome;
     if (naturalSize != nullptr) *naturalSize = openSize_;
-    *bitmap = takePixels(width, height, std::move(attached));
+    *bitmap = takePixels(width, height, memory);
     return *bitmap != nullptr ? PictureFailure::none : lost(PictureFailure::nonsense);
   });
 }

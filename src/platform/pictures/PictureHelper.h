@@ -4,10 +4,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string>
 
 #include "platform/foundation/Geometry.h"
-#include "platform/foundation/PaintExport.h"
 #include "platform/machine/SharedMemory.h"
 #include "platform/pictures/HelperProcess.h"
 #include "platform/pictures/HelperProtocol.h"
@@ -16,10 +14,6 @@
 class NSBitmapImageRep;
 class NSData;
 struct PictureLimits;
-
-/// Tells where paint-picture-helper is, for programs that are not installed beside it; empty to
-/// have it found again. Counts for helpers that are started from then on.
-PAINT_API void setPictureHelperPath(const std::string& path);
 
 /// Data of a picture that paint-picture-helper reads and draws. Immutable.
 struct HelperPicture {
@@ -69,8 +63,11 @@ class PictureHelper {
   Outcome handOver(const NSData& data);
   Outcome makeInbox(size_t bytes);
   Outcome receive(const PictureLimits& limits, HelperReply* reply, FileDescriptor* attached);
+  /// False when that is none for a picture of that many bytes.
+  bool takeOutbox(size_t bytes, const SharedMemory& memory);
+  /// From the outbox or, large ones, from memory of their own. Null when they are not there.
   std::shared_ptr<NSBitmapImageRep> takePixels(int64_t width, int64_t height,
-                                               FileDescriptor attached);
+                                               const SharedMemory& memory);
   PictureFailure lost(PictureFailure failure);
 
   std::mutex mutex_;

@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "platform/foundation/PaintExport.h"
 #include "platform/pictures/PictureFailure.h"
 
 /// What draws SVG pictures: the system's renderer (librsvg) where it is installed, or the engine of
@@ -25,6 +26,10 @@ struct PictureLimits {
   /// wall time.
   std::chrono::milliseconds compositionTime{20000};
 };
+
+/// Tells where paint-picture-helper is, for programs that are not installed beside it; empty to
+/// have it found again. Counts for helpers that are started from then on, by any thread.
+PAINT_API void setPictureHelperPath(const std::string& path);
 
 /// A picture that a composition left out, in words for people. Titles are as the file has them.
 struct LeftOutPicture {

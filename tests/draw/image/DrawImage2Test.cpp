@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 #include "document/DrawGroup.h"
 #include "draw/image/DrawImage.h"
@@ -23,6 +24,7 @@
 #include "support/Archives.h"
 #include "support/Bitmaps.h"
 #include "support/Documents.h"
+#include "support/Fixtures.h"
 
 namespace {
 
@@ -380,7 +382,9 @@ TEST(LeftOutPictures, AreReportedByTitleKindAndReason) {
 }
 
 TEST(LeftOutPictures, TimeIsSharedByThePicturesOfAComposition) {
-  const auto document = madeDocument("pictures");
+  const auto document = PaintManager::paintMgrWithPaintData(
+      NSData::dataWithContentsOfFile(sourcePath("examples/pictures.paintdoc")), nullptr, nullptr);
+  ASSERT_NE(document, nullptr);
   document->setPictureLimits({.compositionTime = std::chrono::milliseconds(0)});
   document->composedImage();
   ASSERT_FALSE(document->leftOutPictures().empty());
@@ -391,6 +395,26 @@ TEST(LeftOutPictures, TimeIsSharedByThePicturesOfAComposition) {
   document->setPictureLimits({});
   document->composedImage();
   EXPECT_TRUE(document->leftOutPictures().empty());
+}
+
+// Reading a document starts nothing; a copy of this process has no helper yet.
+TEST(LeftOutPictures, AreFoundWhenTheyAreDrawn) {
+  const auto openFiles = [] {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return std::distance(begin(files), end(files));
+  };
+  const pid_t child = fork();
+  if (child == 0) {
+    const auto before = openFiles();
+    const auto document = madeDocument("pictures");
+    const auto afterReading = openFiles();
+    document->composedImage();
+    const bool isRight = document != nullptr && afterReading == before && openFiles() > before;
+    _exit(isRight ? 0 : 1);
+  }
+  int status = 1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
 }
 
 // A file that is written while there is no helper keeps its PDF pages.

@@ -219,6 +219,35 @@ TEST(PictureHelper, PicturesOfACompositionShareItsTime) {
   EXPECT_TRUE(drawsFlag(8));
 }
 
+// Nobody says what they took.
+TEST(PictureHelper, PicturesThatCrashSpendTimeToo) {
+  PictureSession session;
+  session.setLimits({.compositionTime = std::chrono::milliseconds(1)});
+  const PictureSessionScope scope(session);
+  std::shared_ptr<NSBitmapImageRep> bitmap;
+  PictureFailure failure = PictureFailure::none;
+  int drawnUntilThen = 0;
+  do {
+    failure = drawn(arc(), 8, &bitmap);
+    ++drawnUntilThen;
+  } while (failure == PictureFailure::crashed && drawnUntilThen < 1000);
+  EXPECT_EQ(failure, PictureFailure::budgetSpent);
+}
+
+// Its outbox is there for the next one.
+TEST(PictureHelper, AfterAPictureThatIsNone) {
+  const HelperPicture none(PictureKind::systemSVG, dataOf("nothing"));
+  for (const int64_t first : {8, 200, 1200}) {
+    for (const int64_t side : {8, 200, 900, 1200}) {
+      std::shared_ptr<NSBitmapImageRep> bitmap;
+      drawn(arc(), 8, &bitmap);  // a new helper, without boxes
+      EXPECT_TRUE(drawsFlag(first)) << first;
+      EXPECT_EQ(drawn(none, side, &bitmap), PictureFailure::unreadable);
+      EXPECT_TRUE(drawsFlag(side)) << first << " " << side;
+    }
+  }
+}
+
 TEST(PictureHelper, AfterFork) {
   ASSERT_TRUE(drawsFlag(8));
   EXPECT_TRUE(inFork([] { return drawsFlag(8) && drawsFlag(1200); }));

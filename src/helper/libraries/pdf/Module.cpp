@@ -29,19 +29,19 @@ class PopplerPicture final : public OpenedPicture {
 
   NSSize size() const override { return sizeOf(page_.get()); }
 
-  DrawResult draw(const PixelTarget& target, const CGAffineTransform& transform) const override {
+  PictureResult draw(const PixelTarget& target, const CGAffineTransform& transform) const override {
     try {
-      const DrawResult result =
+      const PictureResult result =
           drawThroughCairo(target, size(), transform, [this](cairo_t* context) {
             poppler_page_render(page_.get(), context);
-            return DrawResult::done;
+            return PictureResult::done;
           });
-      if (result == DrawResult::done) exchangeRedAndBlue(target);
+      if (result == PictureResult::done) exchangeRedAndBlue(target);
       return result;
     } catch (const std::bad_alloc&) {
-      return DrawResult::noMemory;
+      return PictureResult::noMemory;
     } catch (const std::exception&) {
-      return DrawResult::failed;
+      return PictureResult::failed;
     }
   }
 
@@ -52,13 +52,15 @@ class PopplerPicture final : public OpenedPicture {
 
 class Poppler final : public PictureLibrary {
  public:
-  std::unique_ptr<OpenedPicture> open(std::span<const uint8_t> file) const override {
+  PictureResult open(std::span<const uint8_t> file,
+                     std::unique_ptr<OpenedPicture>* picture) const override {
     try {
-      return openFirstPage(file);
+      *picture = openFirstPage(file);
+      return *picture == nullptr ? PictureResult::failed : PictureResult::done;
     } catch (const std::bad_alloc&) {
-      throw;
+      return PictureResult::noMemory;
     } catch (const std::exception&) {
-      return nullptr;
+      return PictureResult::failed;
     }
   }
 

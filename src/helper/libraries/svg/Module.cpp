@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -58,17 +59,18 @@ class RsvgPicture final : public OpenedPicture {
 
   NSSize size() const override { return size_; }
 
-  DrawResult draw(const PixelTarget& target, const CGAffineTransform& transform) const override {
-    const DrawResult result = drawThroughCairo(target, size_, transform, [this](cairo_t* context) {
-      const RsvgRectangle viewport{0, 0, size_.width, size_.height};
-      GError* error = nullptr;
-      if (functions_.render(handle_.get(), context, &viewport, &error) != FALSE) {
-        return DrawResult::done;
-      }
-      const ErrorPointer owned(error);
-      return DrawResult::failed;
-    });
-    if (result == DrawResult::done) exchangeRedAndBlue(target);
+  PictureResult draw(const PixelTarget& target, const CGAffineTransform& transform) const override {
+    const PictureResult result =
+        drawThroughCairo(target, size_, transform, [this](cairo_t* context) {
+          const RsvgRectangle viewport{0, 0, size_.width, size_.height};
+          GError* error = nullptr;
+          if (functions_.render(handle_.get(), context, &viewport, &error) != FALSE) {
+            return PictureResult::done;
+          }
+          const ErrorPointer owned(error);
+          return PictureResult::failed;
+        });
+    if (result == PictureResult::done) exchangeRedAndBlue(target);
     return result;
   }
 
@@ -109,15 +111,17 @@ class Rsvg final : public PictureLibrary {
  public:
   bool find() { return functions_.find(); }
 
-  std::unique_ptr<OpenedPicture> open(std::span<const uint8_t> file) const override {
+  PictureResult open(std::span<const uint8_t> file,
+                     std::unique_ptr<OpenedPicture>* picture) const override {
     // Without a base address it reads no other files.
     GError* error = nullptr;
     std::unique_ptr<RsvgHandle, Releaser<g_object_unref>> handle(
         functions_.newFromData(file.data(), file.size(), &error));
     const ErrorPointer owned(error);
-    if (handle == nullptr) return nullptr;
+    if (handle == nullptr) return PictureResult::failed;
     functions_.setResolution(handle.get(), kResolution);
-    return std::make_unique<RsvgPicture>(functions_, std::move(handle));
+    picture->reset(new (std::nothrow) RsvgPicture(functions_, std::move(handle)));
+    return *picture == nullptr ? PictureResult::noMemory : PictureResult::done;
   }
 
  private:

@@ -65,7 +65,7 @@ ImageFormat imageFormatOf(std::span<const uint8_t> file) {
   return ImageFormat::unknown;
 }
 
-std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file) {
+std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file, bool* isTooLarge) {
   DecodedPicture picture;
   const PictureCodec* codec = nullptr;
   switch (imageFormatOf(file)) {
@@ -86,6 +86,7 @@ std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file) {
   }
   if (codec != nullptr) codec->decode(file, picture);
   auto pixels = picture.take();
+  if (isTooLarge != nullptr) *isTooLarge = picture.isTooLarge();
   return pixels ? std::make_shared<NSBitmapImageRep>(std::move(*pixels)) : nullptr;
 }
 

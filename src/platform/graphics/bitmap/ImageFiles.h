@@ -18,7 +18,8 @@ ImageFormat imageFormatOf(std::span<const uint8_t> file);
 /// The picture in a file of any of the formats: sRGB, premultiplied, upright, with hasAlpha as in
 /// the file. Rows that a truncated file lacks are transparent. Null when nothing can be decoded,
 /// and for pictures larger than limits::kMaxCanvasPixels.
-PAINT_API std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file);
+PAINT_API std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file,
+                                                        bool* isTooLarge = nullptr);
 
 /// The bitmap as a PNG file in memory: 8 bits, sRGB, straight alpha. Empty when a side is zero.
 PAINT_API std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap,

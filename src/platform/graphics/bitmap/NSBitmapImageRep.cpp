@@ -39,8 +39,9 @@ std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::create(int64_t pixelsWide, i
   return std::make_shared<NSBitmapImageRep>(PixelBuffer(pixelsWide, pixelsHigh));
 }
 
-std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::imageRepWithData(const NSData& data) {
-  return decodeImage(data.bytes());
+std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::imageRepWithData(const NSData& data,
+                                                                     bool* isTooLarge) {
+  return decodeImage(data.bytes(), isTooLarge);
 }
 
 std::shared_ptr<NSData> NSBitmapImageRep::representationUsingType(NSBitmapImageFileType type,

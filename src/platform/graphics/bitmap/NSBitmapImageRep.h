@@ -32,8 +32,9 @@ class PAINT_API NSBitmapImageRep : public NSObject {
   NSBitmapImageRep& operator=(const NSBitmapImageRep&) = delete;
 
   /// The picture in a PNG, JPEG, TIFF or WebP file: sRGB, upright, hasAlpha as in the file. Null
-  /// when the data is none or too large.
-  static std::shared_ptr<NSBitmapImageRep> imageRepWithData(const NSData& data);
+  /// when the data is none or too large; `isTooLarge` may be null, and then takes which of them.
+  static std::shared_ptr<NSBitmapImageRep> imageRepWithData(const NSData& data,
+                                                            bool* isTooLarge = nullptr);
 
   /// The bitmap as a file; null when it has no pixels or the format cannot hold it. The factor (0
   /// to 1) is JPEG's quality; JPEG shows translucent pixels over black.

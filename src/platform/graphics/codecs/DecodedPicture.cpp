@@ -22,7 +22,8 @@ PixelMove uprighting(int orientation) {
 
 uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   if (info.width <= 0 || info.height <= 0) return nullptr;
-  if (!PixelBuffer::canHold(info.width, info.height)) return nullptr;
+  isTooLarge_ = !PixelBuffer::canHold(info.width, info.height);
+  if (isTooLarge_) return nullptr;
   try {
     pixels_.emplace(info.width, info.height);
   } catch (const std::bad_alloc&) {

@@ -16,10 +16,13 @@ class DecodedPicture final : public PictureTarget {
   /// The pixels, to be called once, after decoding. Nothing when no row was finished; throws
   /// std::bad_alloc when there was no memory for it.
   std::optional<PixelBuffer> take();
+  /// Whether the codec gave up because the picture is larger than a canvas may be.
+  bool isTooLarge() const { return isTooLarge_; }
 
  private:
   std::optional<PixelBuffer> pixels_;
   bool lacksMemory_ = false;
+  bool isTooLarge_ = false;
   PixelLayout layout_ = PixelLayout::opaqueRGB;
   int orientation_ = 1;
   std::unique_ptr<ProfileConversion> conversion_;

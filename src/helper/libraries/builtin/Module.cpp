@@ -1,5 +1,5 @@
-#include "helper/BuiltInSVG.h"
-
+// SVG pictures through the engine of this library. What that asserts ends the process.
+#include <algorithm>
 #include <exception>
 #include <new>
 #include <string>
@@ -28,17 +28,17 @@ class BuiltInPicture final : public OpenedPicture {
     return size.width > 0 && size.height > 0 ? size : NSZeroSize;
   }
 
-  DrawResult draw(const PixelTarget& target, const CGAffineTransform& transform) const override {
+  PictureResult draw(const PixelTarget& target, const CGAffineTransform& transform) const override {
     try {
       const auto bitmap = NSBitmapImageRep::create(target.width, target.height);
-      if (bitmap == nullptr) return DrawResult::failed;
+      if (bitmap == nullptr) return PictureResult::failed;
       drawOnto(bitmap, transform);
       std::copy_n(bitmap->bitmapData(), target.width * target.height * 4, target.pixels);
-      return DrawResult::done;
+      return PictureResult::done;
     } catch (const std::bad_alloc&) {
-      return DrawResult::noMemory;
+      return PictureResult::noMemory;
     } catch (const std::exception&) {
-      return DrawResult::failed;
+      return PictureResult::failed;
     }
   }
 
@@ -61,25 +61,27 @@ class BuiltInPicture final : public OpenedPicture {
 
 class BuiltIn final : public PictureLibrary {
  public:
-  std::unique_ptr<OpenedPicture> open(std::span<const uint8_t> file) const override {
+  PictureResult open(std::span<const uint8_t> file,
+                     std::unique_ptr<OpenedPicture>* picture) const override {
     try {
       const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
-      if (!isUTF8(text)) return nullptr;
+      if (!isUTF8(text)) return PictureResult::failed;
       auto renderer = std::make_shared<CGSVGRenderer>();
       auto document = SVGDocument::CreateSVGDocument(std::string(text), renderer);
-      if (document == nullptr) return nullptr;
-      return std::make_unique<BuiltInPicture>(std::move(renderer), std::move(document));
+      if (document == nullptr) return PictureResult::failed;
+      *picture = std::make_unique<BuiltInPicture>(std::move(renderer), std::move(document));
+      return PictureResult::done;
     } catch (const std::bad_alloc&) {
-      throw;
+      return PictureResult::noMemory;
     } catch (const std::exception&) {
-      return nullptr;
+      return PictureResult::failed;
     }
   }
 };
 
 }  // namespace
 
-const PictureLibrary* builtInSVG() {
+extern "C" __attribute__((visibility("default"))) const PictureLibrary* paintPictureLibrary() {
   static const BuiltIn library;
   return &library;
 }
