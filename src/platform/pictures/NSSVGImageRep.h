@@ -7,7 +7,7 @@
 #include "platform/pictures/CGSVGDocument.h"
 
 /// An SVG picture that is drawn anew wherever it is shown. The name is the host's.
-class _NSSVGImageRep : public NSObject {  // NOLINT(bugprone-reserved-identifier)
+class _NSSVGImageRep : public NSObject {
  public:
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
