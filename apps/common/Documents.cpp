@@ -1,10 +1,16 @@
 #include "common/Documents.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <string_view>
 #include <system_error>
 
+#include "common/ResourceLimits.h"
 #include "platform/foundation/files/FileWriting.h"
+#include "platform/machine/FileDescriptor.h"
 
 std::shared_ptr<NSURL> fileURLFromArgument(const std::string& argument) {
   auto url = NSURL::URLWithString(argument);
@@ -35,9 +41,31 @@ LoadedDocument loadDocument(const std::shared_ptr<NSData>& data, std::error_code
   return loaded;
 }
 
-ExitStatus writeOutput(const char* program, const std::string& path,
-                       std::span<const uint8_t> bytes) {
-  const std::error_code error = writeFileInPlace(path, bytes);
+std::string mistakeInOutput(const std::string& input, const std::string& output) {
+  struct stat out {};
+  if (output == "-" || stat(output.c_str(), &out) != 0 || !S_ISREG(out.st_mode)) return {};
+  struct stat in {};
+  const bool hasInput = input == "-" ? fstat(STDIN_FILENO, &in) == 0
+                                     : stat(fileURLFromArgument(input)->path().c_str(), &in) == 0;
+  if (hasInput && in.st_dev == out.st_dev && in.st_ino == out.st_ino) {
+    return "the output is the input";
+  }
+  // What documents begin with (binary property list, version 00); no picture does.
+  constexpr std::string_view kMagic = "bplist00";
+  std::array<char, kMagic.size()> start{};
+  const FileDescriptor file(open(output.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+  const bool isDocument =
+      file.isOpen() &&
+      read(file.number(), start.data(), start.size()) == static_cast<ssize_t>(start.size()) &&
+      std::string_view(start.data(), start.size()) == kMagic;
+  return isDocument ? "the output holds a document" : "";
+}
+
+ExitStatus writeOutput(const char* program, const std::string& path, std::span<const uint8_t> bytes,
+                       WriteMode mode) {
+  liftTimeLimits();
+  const std::error_code error =
+      mode == WriteMode::inPlace ? writeFileInPlace(path, bytes) : replaceFile(path, bytes);
   if (!error) return kExitSuccess;
   return fail(program, path, statusOf(error, kExitOutputFailed), error.message());
 }

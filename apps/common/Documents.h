@@ -29,7 +29,15 @@ LoadedDocument loadDocument(const std::shared_ptr<NSData>& data, std::error_code
 /// cannot be read; `error` then says why.
 std::shared_ptr<NSData> readInput(const std::string& argument, std::error_code* error);
 
-/// Writes the file in one go. Answers kExitSuccess or, after a line on standard error, what went
-/// wrong; the file is then as empty as it was, or absent.
-ExitStatus writeOutput(const char* program, const std::string& path,
-                       std::span<const uint8_t> bytes);
+/// Why a file is not to be written over: it is the input of this run, or holds a document. Empty
+/// when it may be, or is not there.
+std::string mistakeInOutput(const std::string& input, const std::string& output);
+
+/// In place keeps the file's identity, which desktops hold on to; by a new file, what stood there
+/// is never half written.
+enum class WriteMode : uint8_t { inPlace, byNewFile };
+
+/// Writes the file in one go, with no limit of time in force any more. Answers kExitSuccess or,
+/// after a line on standard error, what went wrong.
+ExitStatus writeOutput(const char* program, const std::string& path, std::span<const uint8_t> bytes,
+                       WriteMode mode);

@@ -2,6 +2,33 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <utility>
+
+#include "platform/foundation/Unicode.h"
+
+namespace {
+
+/// The UTF-8 of the character that starts at a place; empty when none does.
+std::string_view characterAt(std::string_view text, size_t place) {
+  const auto lead = static_cast<uint8_t>(text[place]);
+  const size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  const std::string_view character = text.substr(place, length);
+  return isUTF8(character) ? character : std::string_view();
+}
+
+/// Of one character. What a terminal obeys, ends lines at or turns the direction of text by.
+bool isControl(std::string_view character) {
+  const char16_t unit = utf16FromUTF8(character).front();
+  constexpr std::pair<char16_t, char16_t> kControls[] = {{0x00, 0x1F},     {0x7F, 0x9F},
+                                                         {0x61C, 0x61C},   {0x200E, 0x200F},
+                                                         {0x2028, 0x202E}, {0x2066, 0x2069}};
+  return std::any_of(std::begin(kControls), std::end(kControls), [unit](const auto& range) {
+    return unit >= range.first && unit <= range.second;
+  });
+}
+
+}  // namespace
 
 const char* describe(ExitStatus status) {
   switch (status) {
@@ -45,9 +72,12 @@ ExitStatus writeText(const char* program, std::string_view text) {
 }
 
 std::string printable(const std::string& text) {
-  std::string result = text;
-  std::replace_if(
-      result.begin(), result.end(),
-      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
+  std::string result;
+  for (size_t i = 0; i < text.size();) {
+    const std::string_view character = characterAt(text, i);
+    const bool shows = !character.empty() && !isControl(character);
+    result += shows ? character : "?";
+    i += std::max<size_t>(character.size(), 1);
+  }
   return result;
 }

@@ -31,5 +31,7 @@ ExitStatus statusOf(std::error_code error, ExitStatus otherwise);
 /// Writes the text to standard output at once. Answers kExitSuccess or, told, kExitOutputFailed.
 ExitStatus writeText(const char* program, std::string_view text);
 
-/// Text as it may be shown on one line of a terminal: control characters become "?".
+/// Text as it may be shown on one line of a terminal. Control characters of both kinds, line and
+/// paragraph separators, marks that turn the direction of text (Unicode, bidirectional controls)
+/// and bytes that are no UTF-8 become "?".
 std::string printable(const std::string& text);

@@ -91,6 +91,11 @@ void endForMemory() noexcept {
   endForLimit("the memory limit was reached\n");
 }
 
+void liftTimeLimits() {
+  alarm(0);
+  std::signal(SIGXCPU, SIG_IGN);
+}
+
 void limitResources(const ResourceLimits& limits, const char* program, const char* file) {
   gProgram = program;
   gFile = file;

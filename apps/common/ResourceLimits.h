@@ -25,5 +25,8 @@ void addLimitOptions(CLI::App& app, ResourceLimits& limits);
 /// on. Both names must live as long as the process.
 void limitResources(const ResourceLimits& limits, const char* program, const char* file);
 
+/// Takes the limits of time off again: nothing is to end the process while it writes a file.
+void liftTimeLimits();
+
 /// Ends the process as a limit does: for callers that catch std::bad_alloc. Allocates nothing.
 [[noreturn]] void endForMemory() noexcept;

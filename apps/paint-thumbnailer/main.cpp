@@ -17,6 +17,7 @@ constexpr int64_t kLargestSize = 16384;
 
 struct Options {
   std::string input;
+  std::string shownInput;  ///< for terminals
   std::string output;
   int64_t size = 128;
   ResourceLimits limits;
@@ -31,6 +32,8 @@ std::vector<PNGText> textsFor(NSSize canvas) {
 }
 
 ExitStatus makeThumbnail(const Options& options) {
+  const std::string mistake = mistakeInOutput(options.input, options.output);
+  if (!mistake.empty()) return fail(kProgram, options.output, kExitUsage, mistake);
   LoadedDocument loaded = loadDocument(*fileURLFromArgument(options.input));
   if (loaded.document == nullptr) {
     return fail(kProgram, options.input, loaded.status, loaded.reason);
@@ -46,7 +49,8 @@ ExitStatus makeThumbnail(const Options& options) {
   if (thumbnail == nullptr) {
     return fail(kProgram, options.input, kExitLimitReached, "too large a picture");
   }
-  return writeOutput(kProgram, options.output, encodePNG(*thumbnail, {.texts = textsFor(canvas)}));
+  return writeOutput(kProgram, options.output, encodePNG(*thumbnail, {.texts = textsFor(canvas)}),
+                     WriteMode::inPlace);
 }
 
 ExitStatus run(int argc, char** argv, Options& options) {
@@ -63,7 +67,8 @@ ExitStatus run(int argc, char** argv, Options& options) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
   }
-  limitResources(options.limits, kProgram, options.input.c_str());
+  options.shownInput = printable(options.input);
+  limitResources(options.limits, kProgram, options.shownInput.c_str());
   return makeThumbnail(options);
 }
 

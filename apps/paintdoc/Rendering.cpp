@@ -104,6 +104,13 @@ class PictureRun {
   ExitStatus run();
 
  private:
+  /// The sizes that are asked for; 0 for the full one.
+  std::vector<int64_t> sides() const {
+    return request_.sizes.empty() ? std::vector<int64_t>{0} : request_.sizes;
+  }
+  std::string pathFor(int64_t side) const {
+    return side == 0 ? request_.output : pathForSize(request_.output, side, request_.sizes.size());
+  }
   ExitStatus writeSize(int64_t side);
   ExitStatus writeFile(const std::string& path, const std::vector<uint8_t>& bytes) const;
   PictureFormat format() const;
@@ -127,8 +134,12 @@ PictureFormat PictureRun::format() const {
 
 ExitStatus PictureRun::run() {
   if (source_.status != kExitSuccess) return failed(source_.status, source_.reason);
-  const std::vector<int64_t> fullSize{0};
-  for (const int64_t side : request_.sizes.empty() ? fullSize : request_.sizes) {
+  for (const int64_t side : sides()) {
+    const std::string path = pathFor(side);
+    const std::string mistake = mistakeInOutput(request_.input, path);
+    if (!mistake.empty()) return fail(kProgram, path, kExitUsage, mistake);
+  }
+  for (const int64_t side : sides()) {
     if (const ExitStatus status = writeSize(side); status != kExitSuccess) return status;
   }
   tellLeftOut();
@@ -150,8 +161,7 @@ ExitStatus PictureRun::writeSize(int64_t side) {
   }
   if (bitmap->pixelsWide() < 1 || bitmap->pixelsHigh() < 1) return failed(kExitNothingToDraw);
   const std::vector<uint8_t> bytes = encodePicture(*bitmap, format(), request_.quality);
-  const std::string path =
-      side == 0 ? request_.output : pathForSize(request_.output, side, request_.sizes.size());
+  const std::string path = pathFor(side);
   if (bytes.empty()) {
     return fail(kProgram, path, kExitOutputFailed,
                 std::string("too large for ") + nameOf(format()) + ", or no library for it");
@@ -161,7 +171,7 @@ ExitStatus PictureRun::writeSize(int64_t side) {
 }
 
 ExitStatus PictureRun::writeFile(const std::string& path, const std::vector<uint8_t>& bytes) const {
-  if (path != "-") return writeOutput(kProgram, path, bytes);
+  if (path != "-") return writeOutput(kProgram, path, bytes, WriteMode::byNewFile);
   return writeText(kProgram, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 

@@ -164,15 +164,16 @@ ExitStatus renderAsAsked(Arguments& arguments) {
   return fail(kProgram, arguments.request.input, kExitUsage, mistake);
 }
 
-ExitStatus run(int argc, char** argv, std::string& file) {
+ExitStatus run(int argc, char** argv, std::string& shownFile) {
   Arguments arguments;
   try {
     arguments.app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return arguments.app.exit(error) == 0 ? kExitSuccess : kExitUsage;
   }
-  file = arguments.file();
-  limitResources(arguments.limits, kProgram, file.c_str());
+  const std::string file = arguments.file();
+  shownFile = printable(file);
+  limitResources(arguments.limits, kProgram, shownFile.c_str());
   if (arguments.info->parsed()) return showInfo(file, arguments.engine(), arguments.json);
   if (arguments.render->parsed()) return renderAsAsked(arguments);
   return check(arguments.inputs, arguments.engine(), arguments.json);
@@ -182,9 +183,9 @@ ExitStatus run(int argc, char** argv, std::string& file) {
 
 // Mistakes in the declarations of options may well end the process.
 int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
-  std::string file;                // outlives whatever is thrown
+  std::string shownFile;           // outlives whatever is thrown
   try {
-    return run(argc, argv, file);
+    return run(argc, argv, shownFile);
   } catch (const std::bad_alloc&) {
     endForMemory();
   }

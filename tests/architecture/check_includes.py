@@ -135,7 +135,8 @@ CHIEF = {
 }
 # Programs and plugins: what they include of src, and of each other.
 PROGRAMS = {
-    "apps/common": "document platform/foundation/files platform/foundation/values",
+    "apps/common": """document platform/foundation platform/foundation/files
+        platform/foundation/values platform/machine""",
     "apps/paint-thumbnailer": "apps/common extension platform/graphics/bitmap",
     "apps/paint-picture-helper": "helper platform/machine platform/pictures",
     "apps/paintdoc": """apps/common document draw/image extension platform/foundation

@@ -164,6 +164,42 @@ class Programs(unittest.TestCase):
             self.assertEqual((result.returncode, result.stderr.count(b"\n")), (status, 1), broken)
             self.assertFalse(os.path.exists(self.out))
 
+    def test_documents_are_not_written_over(self):
+        first, second = (self.write(name, read(document("red"))) for name in ("a", "b.paintdoc"))
+        link = os.path.join(self.folder.name, "link")
+        os.link(first, link)
+        os.link(second, os.path.join(self.folder.name, "li9k"))
+        before = read(second)
+        for command in ((THUMBNAILER, first, second), (THUMBNAILER, first, first), (THUMBNAILER, first, link),
+                        (THUMBNAILER, "file://" + first, link), (PAINTDOC, "render", "--format", "png", first, second),
+                        (PAINTDOC, "render", "--format", "png", first, first),
+                        (PAINTDOC, "render", "--format", "png", first, os.path.join(self.folder.name, "li%sk"), "8", "9")):
+            result = run(*command)
+            self.assertEqual((result.returncode, result.stderr.count(b"\n")), (64, 1), (command, result.stderr))
+            self.assertEqual((read(first), read(second)), (before, before))
+
+    def test_a_failed_rewrite_leaves_the_picture(self):
+        self.write("out.png", b"a good picture")
+        noise = os.path.join(EXAMPLES, "pictures.paintdoc")
+        limited = ("bash", "-c", 'ulimit -f 1; trap "" XFSZ; exec "$@"', "bash")
+        for command in ((*limited, THUMBNAILER, "-s", "512", noise, self.out), (*limited, PAINTDOC, "render", noise, self.out)):
+            result = run(*command)
+            self.assertEqual((result.returncode, result.stderr.count(b"\n")), (75, 1), result.stderr)
+            self.assertEqual(read(self.out), b"a good picture")
+            self.assertEqual(os.listdir(self.folder.name), ["out.png"])
+
+    def test_nothing_from_a_file_or_a_name_rules_the_terminal(self):
+        evil = "a\x1b]0;t\x07\u009b1m\u202e\u2066\u2028\x7f\u061c.paintdoc"
+        path = os.path.join(self.folder.name, evil).encode() + b"\xff"
+        for command in ((THUMBNAILER, path, self.out), (PAINTDOC, "check", path), (PAINTDOC, "info", path),
+                        (PAINTDOC, "render", path, self.out)):
+            result = run(*command)
+            shown = (result.stdout + result.stderr).decode()  # UTF-8 at least
+            self.assertEqual(shown.count("\n"), 1)
+            self.assertIn("a?]0;t??1m?????.paintdoc?", shown)
+        result = run(THUMBNAILER, "file://" + document("red") + "%00.png", self.out)
+        self.assertEqual((result.returncode, os.path.exists(self.out)), (1, False))
+
     def test_an_arc_that_the_built_in_engine_refuses(self):
         text = (b'<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9">'
                 b'<path d="M1 1A2 3 0 0 1 5 5" fill="#f00"/></svg>')

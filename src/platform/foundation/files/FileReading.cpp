@@ -72,6 +72,8 @@ std::error_code readDescriptor(int descriptor, FileContents& contents) {
 }
 
 std::error_code readFile(const std::string& path, FileContents& contents) {
+  // The rest of such a path would be ignored.
+  if (path.find('\0') != std::string::npos) return systemError(EINVAL);
   const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
   return file.isOpen() ? readDescriptor(file.number(), contents) : systemError(errno);
 }

@@ -83,13 +83,47 @@ TEST_F(FileWriting, FailuresAreAnsweredAndLeaveNothingBehind) {
   EXPECT_TRUE(std::filesystem::is_empty(folder_));
 }
 
-TEST_F(FileWriting, WhatDoesNotFitIsNotLeftInPieces) {
-  EXPECT_FALSE(write(path("old"), "short"));
-  {
+// What can be known beforehand costs an old file nothing.
+TEST_F(FileWriting, LimitsLeaveOldFilesAsTheyWere) {
+  for (const auto writing : {writeFileInPlace, replaceFile}) {
+    const std::string text(5000, 'x');
+    ASSERT_FALSE(write(path("old"), "short"));
     FileSizeLimit limit(100);
-    EXPECT_EQ(write(path("old"), std::string(5000, 'x')), std::errc::file_too_large);
-    EXPECT_EQ(write(path("new"), std::string(5000, 'x')), std::errc::file_too_large);
+    EXPECT_EQ(writing(path("old"), {reinterpret_cast<const uint8_t*>(text.data()), text.size()}),
+              std::errc::file_too_large);
+    EXPECT_EQ(contents(path("old")), "short");
+    EXPECT_TRUE(writing(path("new"), {reinterpret_cast<const uint8_t*>(text.data()), text.size()}));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1);
   }
-  EXPECT_EQ(contents(path("old")), "");
-  EXPECT_FALSE(std::filesystem::exists(path("new")));
+}
+
+TEST_F(FileWriting, NewFilesTakeThePlaceOfOldOnes) {
+  const auto replace = [](const std::string& file, const std::string& text) {
+    return replaceFile(file, {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+  };
+  // Somebody who holds the old file keeps it.
+  ASSERT_FALSE(replace(path("file"), "old"));
+  ASSERT_EQ(chmod(path("file").c_str(), 0640), 0);
+  std::ifstream held(path("file"));
+  ASSERT_FALSE(replace(path("file"), "new"));
+  EXPECT_EQ(contents(path("file")), "new");
+  EXPECT_EQ((std::string{std::istreambuf_iterator<char>(held), {}}), "old");
+  struct stat facts {};
+  ASSERT_EQ(stat(path("file").c_str(), &facts), 0);
+  EXPECT_EQ(facts.st_mode & 07777, 0640U);
+  // A link stays one; a device is written to.
+  std::filesystem::create_symlink(path("file"), path("link"));
+  ASSERT_FALSE(replace(path("link"), "through the link"));
+  EXPECT_EQ(contents(path("file")), "through the link");
+  EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
+  EXPECT_FALSE(replace("/dev/null", "gone"));
+  EXPECT_EQ(replace("/dev/full", "x"), std::errc::no_space_on_device);
+  EXPECT_EQ(replace(path("missing/file"), "x"), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(replace(path("file") + std::string("\0.png", 5), "x"), std::errc::invalid_argument);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 2);
+  const mode_t old = umask(027);
+  ASSERT_FALSE(replace(path("fresh"), "x"));
+  umask(old);
+  ASSERT_EQ(stat(path("fresh").c_str(), &facts), 0);
+  EXPECT_EQ(facts.st_mode & 07777, 0640U);
 }
