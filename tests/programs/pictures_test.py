@@ -87,7 +87,7 @@ QUICK = [
 # Seconds each. What takes little less than it may take can take too much on another machine.
 SLOW = [
     page("forms that double", hostile.forms_that_double, TIME),
-    drawing("segments used again", hostile.segments_used_again, TIME),
+    drawing("segments used again", hostile.segments_used_again, DRAWN, TIME),
     drawing("many segments", lambda: hostile.svg_of_segments(paths=10), UNREADABLE),
     drawing("many segments, built in", lambda: hostile.svg_of_segments(paths=10), DRAWN, TIME, options=BUILT_IN),
     drawing("uses of uses", hostile.uses_of_uses, UNREADABLE, TIME),
