@@ -11,14 +11,7 @@
 #include <cstring>
 
 #include "common/ExitStatus.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define PAINT_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PAINT_ADDRESS_SANITIZER 1
-#endif
-#endif
+#include "platform/machine/AddressSanitizer.h"
 
 namespace {
 
@@ -112,7 +105,6 @@ void limitResources(const ResourceLimits& limits, const char* program, const cha
   setLimit(RLIMIT_NOFILE, kOpenFiles);
   setLimit(RLIMIT_CORE, 0);
 #ifndef PAINT_ADDRESS_SANITIZER
-  // The sanitizer's own reservations are terabytes of address space.
   setLimit(RLIMIT_AS, limits.megabytes * kMegabyte);
 #endif
 }

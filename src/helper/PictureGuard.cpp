@@ -14,13 +14,7 @@
 #include <ctime>
 #include <thread>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define PAINT_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define PAINT_ADDRESS_SANITIZER 1
-#endif
-#endif
+#include "platform/machine/AddressSanitizer.h"
 
 namespace {
 
@@ -88,7 +82,6 @@ void setTimer(int timer, uint32_t milliseconds) {
 
 void setMemoryLimit([[maybe_unused]] rlim_t bytes) {
 #ifndef PAINT_ADDRESS_SANITIZER
-  // The sanitizer's own reservations are terabytes of address space.
   setLimit(RLIMIT_AS, bytes);
 #endif
 }

@@ -6,16 +6,18 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <functional>
 #include <string>
 
 #include "helper/HelperServer.h"
 #include "helper/PictureGuard.h"
+#include "platform/machine/AddressSanitizer.h"
 #include "platform/machine/SharedMemory.h"
 #include "platform/pictures/HelperProtocol.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef PAINT_ADDRESS_SANITIZER
 constexpr bool kHasMemoryLimit = false;
 #else
 constexpr bool kHasMemoryLimit = true;
@@ -72,6 +74,17 @@ class HelperServer : public testing::Test {
     const SharedMemory inbox(std::move(attached));
     ASSERT_TRUE(inbox.hasFixedSize(boxBytes(text.size())));
     std::memcpy(inbox.map(text.size(), MapAccess::write).bytes().data(), text.data(), text.size());
+  }
+
+  /// What is said of a slow picture under the limits that `limit` sets.
+  void expectEnd(const std::function<void(HelperRequest&)>& limit, HelperResult end) {
+    const std::string slow = slowPicture();
+    handOver(slow);
+    HelperRequest limited = request(HelperOrder::draw, slow.size());
+    limit(limited);
+    HelperReply reply;
+    ASSERT_EQ(ask(limited, &reply, nullptr), ChannelResult::done);
+    EXPECT_EQ(reply.result, end);
   }
 
   static HelperRequest request(HelperOrder order, size_t dataBytes = 0) {
@@ -151,34 +164,18 @@ TEST_F(HelperServer, EndsAtPicturesOfNoSize) {
 }
 
 TEST_F(HelperServer, SaysThatProcessorTimeIsUp) {
-  const std::string slow = slowPicture();
-  handOver(slow);
-  HelperRequest hasty = request(HelperOrder::draw, slow.size());
-  hasty.processorMilliseconds = 50;
-  HelperReply reply;
-  ASSERT_EQ(ask(hasty, &reply, nullptr), ChannelResult::done);
-  EXPECT_EQ(reply.result, HelperResult::tooMuchTime);
+  expectEnd([](HelperRequest& hasty) { hasty.processorMilliseconds = 50; },
+            HelperResult::tooMuchTime);
 }
 
 TEST_F(HelperServer, SaysThatItIsStuck) {
-  const std::string slow = slowPicture();
-  handOver(slow);
-  HelperRequest hasty = request(HelperOrder::draw, slow.size());
-  hasty.wallMilliseconds = 50;
-  HelperReply reply;
-  ASSERT_EQ(ask(hasty, &reply, nullptr), ChannelResult::done);
-  EXPECT_EQ(reply.result, HelperResult::stuck);
+  expectEnd([](HelperRequest& hasty) { hasty.wallMilliseconds = 50; }, HelperResult::stuck);
 }
 
 TEST_F(HelperServer, SaysThatMemoryIsUp) {
   if (!kHasMemoryLimit) GTEST_SKIP() << "the sanitizer needs all address space";
-  const std::string slow = slowPicture();
-  handOver(slow);
-  HelperRequest tight = request(HelperOrder::draw, slow.size());
-  tight.memoryBytes = size_t{4} << 20;
-  HelperReply reply;
-  ASSERT_EQ(ask(tight, &reply, nullptr), ChannelResult::done);
-  EXPECT_EQ(reply.result, HelperResult::tooMuchMemory);
+  expectEnd([](HelperRequest& tight) { tight.memoryBytes = size_t{4} << 20; },
+            HelperResult::tooMuchMemory);
 }
 
 // The destructor waits for the process.
