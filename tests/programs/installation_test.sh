@@ -37,8 +37,24 @@ export PKG_CONFIG_PATH=$library
 "$CXX" "$folder/client/client.cpp" -o "$folder/plain" $(pkg-config --cflags --libs paintengine)
 LD_LIBRARY_PATH=$(dirname "$library") "$folder/plain" "$source/examples/pictures.paintdoc"
 
+# Without the system's SVG renderer the built-in engine draws, which leaves style attributes out.
+paintdoc=$folder/usr/bin/paintdoc
+module=$(find "$folder/usr" -name paintsvg.so)
+printf '%s' '<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9"><path d="M0 0h9v9z" style="fill:red"/></svg>' \
+  >"$folder/styled.svg"
+"$paintdoc" render "$folder/styled.svg" "$folder/system.png"
+"$paintdoc" render "$folder/styled.svg" "$folder/built-in.png" --svg built-in
+mv "$module" "$module.gone"
+"$paintdoc" render "$folder/styled.svg" "$folder/without.png"
+cmp "$folder/built-in.png" "$folder/without.png"
+if cmp -s "$folder/system.png" "$folder/without.png"; then
+  echo "the system's renderer did not draw"
+  exit 1
+fi
+mv "$module.gone" "$module"
+
 # The programs of the prefix, and what they say when the helper is gone.
-"$folder/usr/bin/paintdoc" check "$source/examples/pictures.paintdoc" | grep 'a readable document$'
+"$paintdoc" check "$source/examples/pictures.paintdoc" | grep 'a readable document$'
 mv "$folder/usr/libexec" "$folder/usr/gone"
-"$folder/usr/bin/paintdoc" check "$source/examples/pictures.paintdoc" |
+"$paintdoc" check "$source/examples/pictures.paintdoc" |
   grep '2 pictures left out: .*paint-picture-helper is not installed'
