@@ -110,4 +110,20 @@ inline constexpr double kMaxBlurRadius = 200;
 /// Widest grid of a filter in pixels; a single cell covers most canvases long before.
 inline constexpr double kMaxGridPitch = 1e6;
 
+/// Processor time of one PDF page or SVG picture. Icons take some milliseconds; what takes seconds
+/// holds up whoever looks at a folder.
+inline constexpr int64_t kPictureProcessorMilliseconds = 5000;
+
+/// Memory of one of them besides its data and pixels. Scans over a page and filters over a drawing
+/// take some bitmaps of their size.
+inline constexpr uint64_t kPictureMemoryBytes = uint64_t{1} << 30;
+
+/// Elapsed time after which one of them is given up that uses no processor time either: libraries
+/// wait for themselves. Six times the processor time leaves room for a busy machine.
+inline constexpr int64_t kPictureWallMilliseconds = 30000;
+
+/// Processor time of all of them in one composition. Together with one that waits for itself it
+/// stays below the elapsed time that the thumbnailer has.
+inline constexpr int64_t kCompositionPictureMilliseconds = 20000;
+
 }  // namespace limits

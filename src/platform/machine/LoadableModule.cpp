@@ -12,9 +12,9 @@
 namespace {
 
 // Seen from the shared library, from a program, from the picture helper and from a module.
-constexpr const char* kModuleFolders[] = {"paintengine/",
-                                          "../" PAINT_LIBRARY_FOLDER "/paintengine/",
-                                          PAINT_LIBRARY_FROM_HELPER "/paintengine/", ""};
+constexpr const char* kModuleFolders[] = {
+    "paintengine/", "../" PAINT_LIBRARY_FOLDER "/paintengine/",
+    PAINT_LIBRARY_FROM_HELPER "/paintengine/", "../paintengine/"};
 
 /// More than any module takes up with the libraries that it stands on.
 constexpr size_t kMostAddresses = size_t{64} << 20;

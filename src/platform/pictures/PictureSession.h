@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "platform/foundation/Limits.h"
 #include "platform/foundation/PaintExport.h"
 #include "platform/pictures/PictureFailure.h"
 
@@ -16,15 +17,15 @@ enum class SVGEngine : uint8_t { system, builtIn };
 /// What the pictures of a document that a program of their own draws may use.
 struct PictureLimits {
   /// Processor time of one picture.
-  std::chrono::milliseconds processorTime{5000};
+  std::chrono::milliseconds processorTime{limits::kPictureProcessorMilliseconds};
   /// Memory of one picture, besides its data and its pixels.
-  uint64_t memoryBytes = uint64_t{1} << 30;
+  uint64_t memoryBytes = limits::kPictureMemoryBytes;
   /// Wall time after which a picture is given up that uses no processor time either. Waiting for
   /// other pictures does not count.
-  std::chrono::milliseconds wallTime{30000};
-  /// Processor time of all pictures of one composition; a picture that got stuck counts with its
-  /// wall time.
-  std::chrono::milliseconds compositionTime{20000};
+  std::chrono::milliseconds wallTime{limits::kPictureWallMilliseconds};
+  /// Processor time of all pictures of one composition; a picture that ended its helper counts with
+  /// the time that passed.
+  std::chrono::milliseconds compositionTime{limits::kCompositionPictureMilliseconds};
 };
 
 /// Tells where paint-picture-helper is, for programs that are not installed beside it; empty to
