@@ -194,11 +194,13 @@ void clippedLayer(benchmark::State& state) {
     context.setFillColor(kColor);
     context.setAlpha(0.5);
     context.setShadow({{5, -5}, 10, {0, 0, 0, 1}});
-    const CGTransparencyLayerScope layer(context);
+    CGTransparencyLayerScope layer(context);
     context.fill(NSMakeRect(0, 0, 200, 200));
     context.setOperation(NSCompositingOperation::destinationIn);
-    const CGTransparencyLayerScope inner(context);
+    CGTransparencyLayerScope inner(context);
     context.fill(oval(NSMakeRect(0, 0, 200, 200)), WindingRule::nonZero);
+    inner.end();
+    layer.end();
   };
   const double unit = bestSeconds(50, [&] {
     CGContext context(small);

@@ -174,8 +174,9 @@ void draw(const Values& values) {
   context.concatenate(values.transform->transformStruct());
   values.shadow->set();
   {
-    const CGTransparencyLayerScope layer(context, values.path->bounds());
+    CGTransparencyLayerScope layer(context, values.path->bounds());
     values.path->stroke();
+    layer.end();
   }
   NSGraphicsContext::currentContext()->setShouldAntialias(true);
   values.path->addClip();

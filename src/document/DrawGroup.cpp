@@ -118,7 +118,7 @@ void DrawGroup::drawInImage(NSBitmapImageRep* image) {
   drawSubDraws(image);
 }
 
-void DrawGroup::_draw() {
+void DrawGroup::_draw(CastShadow) {
   drawInImage(nullptr);
 }
 

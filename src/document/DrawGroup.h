@@ -45,7 +45,7 @@ class PAINT_API DrawGroup : public DrawBase {
   NSRect renderedRect() const override;
 
   void drawInImage(NSBitmapImageRep* image) override;
-  void _draw() override;
+  void _draw(CastShadow cast) override;
 
   bool canBeRotated() const override;
   bool canBeResized() const override;

@@ -1,6 +1,7 @@
 #include "extension/ThumbnailProvider.h"
 
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "document/PaintManager.h"
@@ -47,6 +48,13 @@ std::shared_ptr<QLThumbnailReply> ThumbnailProvider::replyForImage(
 
 void ThumbnailProvider::provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
                                                        const CompletionHandler& completionHandler) {
-  completionHandler(replyForImage(composedImageOfFile(request.fileURL()), request.maximumSize()),
-                    {});
+  std::shared_ptr<QLThumbnailReply> reply;
+  std::error_code error;
+  try {
+    reply = replyForImage(nullptr, request.maximumSize());
+    reply = replyForImage(composedImageOfFile(request.fileURL()), request.maximumSize());
+  } catch (const std::bad_alloc&) {
+    if (reply == nullptr) error = std::make_error_code(std::errc::not_enough_memory);
+  }
+  completionHandler(reply, error);
 }

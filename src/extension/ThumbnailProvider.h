@@ -10,8 +10,10 @@ class NSBitmapImageRep;
 /// Makes thumbnails of documents. Has no state of its own: any number of requests may run at once.
 class PAINT_API ThumbnailProvider : public QLThumbnailProvider {
  public:
-  /// Replies synchronously, always without an error: a file that cannot be read or decoded gets a
-  /// reply of zero size whose block draws nothing.
+  /// Replies synchronously and without an error: a file that cannot be read or decoded, or for
+  /// which there is no memory, gets a reply of zero size whose block draws nothing. Only when not
+  /// even that could be made, the handler gets null and std::errc::not_enough_memory. Throws only
+  /// what the handler does.
   void provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
                                       const CompletionHandler& completionHandler) override;
 

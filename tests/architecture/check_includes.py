@@ -83,7 +83,7 @@ ROOMS = {
     "platform/text/fonts": """platform/foundation platform/foundation/collections
         platform/foundation/values platform/machine platform/text""",
     "platform/text": "platform/graphics/pixels/outline platform/machine",
-    "platform/text/libraries": "platform/foundation platform/text",
+    "platform/text/libraries": "platform/foundation platform/machine platform/text",
 
     "platform/graphics": """platform/graphics/bitmap platform/graphics/color
         platform/graphics/context platform/graphics/gradient platform/graphics/path""",

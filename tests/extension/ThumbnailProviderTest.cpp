@@ -2,6 +2,7 @@
 
 #include "extension/ThumbnailProvider.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "support/FailingAllocations.h"
 
 namespace {
 
@@ -83,4 +84,32 @@ TEST(ThumbnailProvider, WhatIsNoDocumentGetsAnEmptyReply) {
     EXPECT_EQ(reply->contextSize(), NSZeroSize) << name;
     EXPECT_EQ(reply->drawnBitmap(), nullptr) << name;
   }
+}
+
+TEST(ThumbnailProvider, CallsTheHandlerOnceWithoutMemoryToo) {
+  const NSSize maximum{64, 64};
+  const QLFileThumbnailRequest request(NSURL::fileURLWithPath(made("all classes")), maximum);
+  const NSSize whole = replyFor(made("all classes"), maximum)->contextSize();
+  int replies[3] = {};  // of errors, without and with a picture
+  for (int64_t allowed = 0; replies[2] == 0; allowed = allowed * 5 / 4 + 1) {
+    int calls = 0;
+    std::shared_ptr<QLThumbnailReply> reply;
+    std::error_code error;
+    const ThumbnailProvider::CompletionHandler handler = [&](auto given, auto code) {
+      ++calls;
+      reply = std::move(given);
+      error = code;
+    };
+    {
+      const FailingAllocations memory(allowed);
+      ThumbnailProvider().provideThumbnailForFileRequest(request, handler);
+    }
+    ASSERT_EQ(calls, 1) << allowed;
+    ASSERT_EQ(reply == nullptr, static_cast<bool>(error)) << allowed;
+    const NSSize size = reply == nullptr ? NSZeroSize : reply->contextSize();
+    ASSERT_TRUE(size == NSZeroSize || size == whole) << allowed;
+    ++replies[error ? 0 : size == NSZeroSize ? 1 : 2];
+  }
+  EXPECT_GT(replies[0], 0);
+  EXPECT_GT(replies[1], 5);
 }

@@ -369,9 +369,9 @@ class Programs(unittest.TestCase):
                 (limited, tool, "composition", "png", most),
                 (own, tool, "pictures", "png", range(16384, 65536, 1024)), (limited, tool, "filters", "png", range(8448, 11264, 64)),
                 (limited, render, "filters", "png", range(8448, 11264, 64)),
-                (limited, render, "filters", "jpg", range(9216, 16384, 200)),
-                (limited, render, "filters", "webp", range(9216, 16384, 200)),
-                (limited, render, "filters", "tiff", range(9216, 24576, 400))):
+                (limited, render, "filters", "jpg", range(9216, 20480, 300)),
+                (limited, render, "filters", "webp", range(9216, 24576, 300)),
+                (limited, render, "filters", "tiff", range(9216, 32768, 500))):
             path = os.path.join(EXAMPLES, example + ".paintdoc")
             out = f"{self.out}.{output}"
             self.assertEqual(run(*program, path, out).returncode, 0)

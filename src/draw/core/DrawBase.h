@@ -26,6 +26,8 @@ class ZTArrowPathInfo;
 
 /// Whether line widths follow when a draw is scaled.
 enum class ResizeLineWidth : uint8_t { no, yes };
+/// Whether a draw that has a drop shadow casts it.
+enum class CastShadow : uint8_t { no, yes };
 
 /// Root of every draw (one drawing object on the canvas): its outline path, the attributes all
 /// kinds of draws share, their archived record, and the rendering pipeline.
@@ -191,8 +193,9 @@ class PAINT_API DrawBase : public NSObject {
   /// The whole draw. The image is unused by most draws and may be null.
   virtual void drawInImage(NSBitmapImageRep* image);
   void draw() { drawInImage(nullptr); }
-  /// Fill, inner shadow and stroke of the rotated path.
-  virtual void _draw();
+  /// Fill, inner shadow and stroke of the rotated path, with the drop shadow unless this is a
+  /// reflection.
+  virtual void _draw(CastShadow cast);
 
   // ---- Attribute dictionaries, to copy attributes from draw to draw.
   virtual std::shared_ptr<NSDictionary> drawAttributes() const;
@@ -257,6 +260,9 @@ class PAINT_API DrawBase : public NSObject {
   /// may be null.
   void _drawStrokeWithPath(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
                            const NSBezierPath* clipPath, bool hasShadow) const;
+  bool hasShadowInForce() const { return bEnableShadow_ && shadow_ != nullptr; }
+  /// Sets the drop shadow in the current context, if there is one to be cast.
+  void setShadowInForce(CastShadow cast) const;
   /// Maps the path and everything else that lies on the canvas, before rotation.
   virtual void mapGeometry(const AxisMap& map);
   /// Whether the receiver is a kind of any of the named classes.
@@ -311,7 +317,6 @@ class PAINT_API DrawBase : public NSObject {
   void applyFillAttributes(AttributeReader& in);
   bool hasClosedPath() const;
 
-  bool hasShadowInForce() const { return bEnableShadow_ && shadow_ != nullptr; }
   void drawReflection();
   void paintFill(const NSBezierPath& path) const;
   /// Answers whether a fill was painted.
@@ -319,7 +324,7 @@ class PAINT_API DrawBase : public NSObject {
   void drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool fillDrawn) const;
   void paintStrokeGradient(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
                            bool hasShadow) const;
-  void _drawStrokeWithArrowAndOutline(const NSBezierPath& path) const;
+  void _drawStrokeWithArrowAndOutline(const NSBezierPath& path, bool hasShadow) const;
   void drawStrokeOutline(const NSBezierPath& line, const ZTArrowPathInfo* info, bool translucent,
                          bool insideLayer) const;
 };

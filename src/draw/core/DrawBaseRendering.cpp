@@ -2,7 +2,6 @@
 // stroke, outline, arrow heads.
 #include <algorithm>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "draw/core/DrawBase.h"
@@ -73,36 +72,38 @@ void DrawBase::drawInImage(NSBitmapImageRep*) {
   const NSGraphicsStateScope state;
   port().setAlpha(appliesOpacity ? static_cast<CGFloat>(opacity()) / 100 : 1);
   if (bEnableReflection_ && fReflection_ > 0) drawReflection();
-  _draw();
+  _draw(CastShadow::yes);
 }
 
 void DrawBase::drawReflection() {
-  const bool shadow = std::exchange(bEnableShadow_, false);
   NSRect strip = drawRect();
-  {
-    const NSGraphicsStateScope state;
-    const CGFloat distance = std::max(fReflectionDis_, kLowestReflectionDistance);
-    port().concatenate({1, 0, 0, -1, 0, 2 * NSMinY(strip) - distance});
-    strip.size.height *= static_cast<CGFloat>(std::min(fReflection_, 1.0F));
-    NSRectClip(strip);
-    const CGTransparencyLayerScope picture(port());
-    _draw();
-    port().setOperation(NSCompositingOperation::destinationIn);
-    const CGTransparencyLayerScope fade(port());
-    const auto strength = static_cast<CGFloat>(fReflection_);
-    NSGradient::initWithStartingColor(blackWithAlpha(std::clamp(strength + 0.2, 0.4, 1.0)),
-                                      blackWithAlpha(std::clamp(strength - 1, 0.0, 1.0)))
-        ->drawInRect(strip, 90);
-  }
-  bEnableShadow_ = shadow;
+  const NSGraphicsStateScope state;
+  const CGFloat distance = std::max(fReflectionDis_, kLowestReflectionDistance);
+  port().concatenate({1, 0, 0, -1, 0, 2 * NSMinY(strip) - distance});
+  strip.size.height *= static_cast<CGFloat>(std::min(fReflection_, 1.0F));
+  NSRectClip(strip);
+  CGTransparencyLayerScope picture(port());
+  _draw(CastShadow::no);
+  port().setOperation(NSCompositingOperation::destinationIn);
+  CGTransparencyLayerScope fade(port());
+  const auto strength = static_cast<CGFloat>(fReflection_);
+  NSGradient::initWithStartingColor(blackWithAlpha(std::clamp(strength + 0.2, 0.4, 1.0)),
+                                    blackWithAlpha(std::clamp(strength - 1, 0.0, 1.0)))
+      ->drawInRect(strip, 90);
+  fade.end();
+  picture.end();
 }
 
-void DrawBase::_draw() {
+void DrawBase::setShadowInForce(CastShadow cast) const {
+  if (cast == CastShadow::yes && hasShadowInForce()) shadow_->set();
+}
+
+void DrawBase::_draw(CastShadow cast) {
   const NSGraphicsStateScope state;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   context.setCompositingOperation(copyWhenComposite() ? NSCompositingOperation::copy
                                                       : NSCompositingOperation::sourceOver);
-  const bool hasShadow = hasShadowInForce();
+  const bool hasShadow = cast == CastShadow::yes && hasShadowInForce();
   const auto path = bezierPath_->copy();
   path->transformUsingAffineTransform(transform());
   const bool strokes = drawStroke() || hasStrokeOutline();
@@ -135,8 +136,9 @@ bool DrawBase::drawFillOfPath(const NSBezierPath& path, bool hasShadow) const {
     shadow_->set();
     if (bFillWithGdt_) {
       // The shadow is that of the painted whole.
-      const CGTransparencyLayerScope layer(port(), path.bounds());
+      CGTransparencyLayerScope layer(port(), path.bounds());
       paintFill(path);
+      layer.end();
     } else {
       paintFill(path);
     }
@@ -146,8 +148,9 @@ bool DrawBase::drawFillOfPath(const NSBezierPath& path, bool hasShadow) const {
   }
   if (bEnableInnerShadow_ && shadowInner_ != nullptr) {
     paintInnerShadow(*shadowInner_, shadowAlpha(*shadowInner_), path.bounds(), path, [&] {
-      const CGTransparencyLayerScope mask(port());
+      CGTransparencyLayerScope mask(port());
       paintFill(path);
+      mask.end();
     });
   }
   return true;
@@ -157,7 +160,7 @@ void DrawBase::drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool f
   const bool plain = path.elementCount() < 2 || (arrowStyle() == 0 && !hasStrokeOutline());
   if (!plain) {
     if (hasShadow) shadow_->set();
-    return _drawStrokeWithArrowAndOutline(path);
+    return _drawStrokeWithArrowAndOutline(path, hasShadow);
   }
   if (!hasShadow || !fillDrawn) {
     if (hasShadow) shadow_->set();
@@ -260,13 +263,15 @@ void DrawBase::paintStrokeGradient(const NSBezierPath& path, const ZTArrowPathIn
   }
   if (!bStrokeRadialGdt_) {
     const float degrees = fStrokeGdtDegree_ + fRotateDegree_;
-    return gradientStroke_->drawInBezierPath(*outline, static_cast<CGFloat>(degrees));
+    gradientStroke_->drawInBezierPath(*outline, static_cast<CGFloat>(degrees));
+  } else {
+    const NSPoint center =
+        ptStrokeGdtCenter_ == NSZeroPoint
+            ? NSZeroPoint
+            : relativePosition(strokeGradientCenterPointWithScale(1), path.bounds());
+    gradientStroke_->drawInBezierPath(*outline, center);
   }
-  const NSPoint center =
-      ptStrokeGdtCenter_ == NSZeroPoint
-          ? NSZeroPoint
-          : relativePosition(strokeGradientCenterPointWithScale(1), path.bounds());
-  gradientStroke_->drawInBezierPath(*outline, center);
+  if (layer) layer->end();
 }
 
 namespace {
@@ -296,7 +301,7 @@ void eraseStroke(const NSBezierPath& path, const ZTArrowPathInfo* info) {
 
 }  // namespace
 
-void DrawBase::_drawStrokeWithArrowAndOutline(const NSBezierPath& path) const {
+void DrawBase::_drawStrokeWithArrowAndOutline(const NSBezierPath& path, bool hasShadow) const {
   const bool translucent = bStrokeWithGdt_
                                ? gradientStroke_ && gradientStroke_->averageOpacity() < 1
                                : colorStroke_ && colorStroke_->alphaComponent() < 1;
@@ -309,7 +314,8 @@ void DrawBase::_drawStrokeWithArrowAndOutline(const NSBezierPath& path) const {
   std::optional<CGTransparencyLayerScope> layer;
   if (outlined && (info != nullptr || translucent)) layer.emplace(port());
   if (outlined) drawStrokeOutline(line, info.get(), translucent, layer.has_value());
-  _drawStrokeWithPath(line, info.get(), clip.get(), hasShadowInForce());
+  _drawStrokeWithPath(line, info.get(), clip.get(), hasShadow);
+  if (layer) layer->end();
 }
 
 void DrawBase::drawStrokeOutline(const NSBezierPath& line, const ZTArrowPathInfo* info,
@@ -324,4 +330,5 @@ void DrawBase::drawStrokeOutline(const NSBezierPath& line, const ZTArrowPathInfo
   _strokeOutlineColor->setStroke();
   outline->stroke();
   if (erases) eraseStroke(line, info);
+  if (layer) layer->end();
 }

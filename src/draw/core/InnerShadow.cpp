@@ -19,12 +19,14 @@ void paintInnerShadow(const NSShadow& shadow, CGFloat alpha, const NSRect& bound
   NSRectClip(bounds);
   port.setShadow({});
   port.setAlpha(alpha);
-  const CGTransparencyLayerScope whole(port);
+  CGTransparencyLayerScope whole(port);
   port.setShadow({shadow.shadowOffset(), shadow.shadowBlurRadius(), paintComponents(*opaque)});
   port.setOperation(NSCompositingOperation::sourceOut);
-  const CGTransparencyLayerScope inverse(port);
+  CGTransparencyLayerScope inverse(port);
   opaque->setFill();
   shape.fill();
   port.setOperation(NSCompositingOperation::destinationIn);
   paintMask();
+  inverse.end();
+  whole.end();
 }

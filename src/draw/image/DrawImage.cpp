@@ -8,7 +8,6 @@
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
-#include "platform/graphics/context/NSShadow.h"
 
 const NSClass DrawImage::kClass{"DrawImage", &DrawRectangle::kClass, NSAllocate<DrawImage>};
 
@@ -47,12 +46,12 @@ std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
   return draw;
 }
 
-void DrawImage::_draw() {
+void DrawImage::_draw(CastShadow cast) {
   const auto image = bezierPath_ != nullptr ? imageForDrawing() : nullptr;
   if (image == nullptr) return reportLeftOutPicture(*this, pictureFailure());
   const NSGraphicsStateScope state;
   preparePictureContext();
-  if (enableShadow() && shadow() != nullptr) shadow()->set();
+  setShadowInForce(cast);
   NSGraphicsContext::currentContext()->graphicsPort()->concatenate(transform().transformStruct());
   const NSRect bounds = pathBounds();
   snapToPixels(bounds);

@@ -25,7 +25,7 @@ class DrawImage : public DrawRectangle {
   /// picture's opacity becomes the draw's.
   virtual std::shared_ptr<DrawImage2> convertedDraw() const;
 
-  void _draw() override;
+  void _draw(CastShadow cast) override;
 
   PictureFailure pictureFailure() override;
   const char* pictureKind() const override { return "bitmap"; }

@@ -49,7 +49,7 @@ class DrawImage2 : public DrawRoundRectangle {
   bool setDrawAttributes(const NSDictionary& attributes) override;
 
   void drawInImage(NSBitmapImageRep* image) override;
-  void _draw() override;
+  void _draw(CastShadow cast) override;
 
   PictureFailure pictureFailure() override;
   const char* pictureKind() const override { return "bitmap"; }
@@ -75,7 +75,7 @@ class DrawImage2 : public DrawRoundRectangle {
   void initImageWithCoder(NSCoder& coder);
   void encodeImage(NSCoder& coder) const;
   void drawImage(const NSBitmapImageRep& image, const NSRect& bounds) const;
-  void drawStrokeAround();
+  void drawStrokeAround(CastShadow cast);
 
   float fImageOpacity_ = kNoImageOpacity;
   // Archiving replaces the bitmap by one that the archive can hold; the picture stays the same.

@@ -7,7 +7,6 @@
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
-#include "platform/graphics/context/NSShadow.h"
 
 namespace {
 
@@ -33,7 +32,7 @@ void DrawImage2::drawInImage(NSBitmapImageRep* image) {
   DrawRoundRectangle::drawInImage(image);
 }
 
-void DrawImage2::_draw() {
+void DrawImage2::_draw(CastShadow cast) {
   if (bezierPath_ == nullptr) return;
   const auto image = imageForDrawing();
   if (image == nullptr) reportLeftOutPicture(*this, failure_);
@@ -42,12 +41,12 @@ void DrawImage2::_draw() {
   if (drawStroke() && hasOddLineWidth(*bezierPath_)) {
     port().concatenate(CGAffineTransformMakeTranslation(0.5, 0.5));
   }
-  if (enableShadow() && shadow() != nullptr) shadow()->set();
+  setShadowInForce(cast);
   port().concatenate(transform().transformStruct());
   const NSRect bounds = pathBounds();
   snapToPixels(bounds);
   if (image != nullptr) drawImage(*image, bounds);
-  if (drawStroke() && lineWidth() > 0) drawStrokeAround();
+  if (drawStroke() && lineWidth() > 0) drawStrokeAround(cast);
   constexpr float kFaintest = 0.01F;
   if (image == nullptr || !(fImageOpacity_ >= kFaintest)) return;
   if (!enableInnerShadow() || innerShadow() == nullptr) return;
@@ -61,8 +60,8 @@ void DrawImage2::drawImage(const NSBitmapImageRep& image, const NSRect& bounds) 
   drawPicture(image, bounds, static_cast<CGFloat>(opacity()) / 100);
 }
 
-void DrawImage2::drawStrokeAround() {
-  if (enableShadow() && shadow() != nullptr) {
+void DrawImage2::drawStrokeAround(CastShadow cast) {
+  if (cast == CastShadow::yes && hasShadowInForce()) {
     // The line's shadow falls outside the picture only.
     const NSGraphicsStateScope state;
     if (shouldApplyOpacityToStokeAndFill()) {

@@ -12,7 +12,6 @@
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
-#include "platform/graphics/context/NSShadow.h"
 
 const NSClass DrawAirbrush::kClass{"DrawAirbrush", &DrawBase::kClass, NSAllocate<DrawAirbrush>};
 
@@ -90,28 +89,29 @@ void DrawAirbrush::replaceBezierPathWithImageIfPossible() {
   bezierPath_->appendBezierPathWithRect(bounds);
 }
 
-void DrawAirbrush::_draw() {
+void DrawAirbrush::_draw(CastShadow cast) {
   const auto baked = image();
-  if (baked == nullptr) return DrawBase::_draw();
-  if (!bezierPath_->isEmpty() && drawStroke() && colorStroke_ != nullptr) drawBaked(*baked);
+  if (baked == nullptr) return DrawBase::_draw(cast);
+  if (!bezierPath_->isEmpty() && drawStroke() && colorStroke_ != nullptr) drawBaked(*baked, cast);
 }
 
-void DrawAirbrush::drawBaked(const NSBitmapImageRep& image) const {
+void DrawAirbrush::drawBaked(const NSBitmapImageRep& image, CastShadow cast) const {
   const NSGraphicsStateScope state;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   CGContext& port = *context.graphicsPort();
   context.setShouldAntialias(false);
   context.setCompositingOperation(NSCompositingOperation::sourceOver);
   context.setImageInterpolation(NSImageInterpolation::high);
-  if (bEnableShadow_ && shadow_ != nullptr) shadow_->set();
+  setShadowInForce(cast);
   port.concatenate(transform().transformStruct());
   NSRect rect = pathBounds();
   rect.origin = {std::trunc(rect.origin.x + 0.5), std::trunc(rect.origin.y + 0.5)};
   // The bitmap's alpha cuts the colour, so that a baked spray can be recoloured.
-  const CGTransparencyLayerScope layer(port);
+  CGTransparencyLayerScope layer(port);
   colorStroke_->setFill();
   port.fill(rect);
   drawInRect(image, rect, NSZeroRect, NSCompositingOperation::destinationIn, 1);
+  layer.end();
 }
 
 bool DrawAirbrush::initWithCoder(NSCoder& coder) {

@@ -17,7 +17,7 @@ class DrawPen : public DrawBase {
   void setWidth(float width) { setLineWidth(static_cast<CGFloat>(width)); }
 
   void init() override;
-  void _draw() override;
+  void _draw(CastShadow cast) override;
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
 
@@ -78,12 +78,12 @@ class DrawAirbrush : public DrawBase {
   void replaceBezierPathWithImageIfPossible();
 
   void init() override;
-  void _draw() override;
+  void _draw(CastShadow cast) override;
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
 
  private:
-  void drawBaked(const NSBitmapImageRep& image) const;
+  void drawBaked(const NSBitmapImageRep& image, CastShadow cast) const;
 
   float fBrushWidth_ = 30;
   std::shared_ptr<NSBitmapImageRep> image_;

@@ -129,13 +129,13 @@ void DrawFill::drawInImage(NSBitmapImageRep* image) {
     return mask_->fillImage(image, colorFill_.get());
   }
   if (NSGraphicsContext::currentContext() == nullptr) return;
-  if (fillType_ == kMaskFill) return _draw();
+  if (fillType_ == kMaskFill) return _draw(CastShadow::no);
   const NSGraphicsStateScope state;
   NSGraphicsContext::currentContext()->setShouldAntialias(false);
   paintPath();
 }
 
-void DrawFill::_draw() {
+void DrawFill::_draw(CastShadow) {
   if (bezierPath_ == nullptr || bezierPath_->isEmpty()) return;
   const NSGraphicsStateScope state;
   NSGraphicsContext::currentContext()->setShouldAntialias(shouldAntialias());

@@ -50,7 +50,7 @@ class DrawFill : public DrawBase {
   /// The image is the bitmap of the current context, or null. Masks that are neither turned nor
   /// resized are written straight into its pixels.
   void drawInImage(NSBitmapImageRep* image) override;
-  void _draw() override;
+  void _draw(CastShadow cast) override;
 
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;

@@ -40,9 +40,9 @@ bool DrawPen::isDot() const {
   return readSegment(bezierPath_.get(), from, to) && from == to;
 }
 
-void DrawPen::_draw() {
+void DrawPen::_draw(CastShadow cast) {
   if (isDot() && drawStroke()) return drawDot();
-  DrawBase::_draw();
+  DrawBase::_draw(cast);
 }
 
 void DrawPen::drawDot() const {

@@ -72,7 +72,7 @@ void DrawBezierText::invalidTextImage() const {
 }
 
 std::optional<ConvertTextToImageResult> DrawBezierText::convertTextToImageWithOption(
-    TextImageOption option) const {
+    TextImageOption option, const WantedPart& part) const {
   ConvertTextToImageResult result;
   std::shared_ptr<const CurvedText> set;
   if (option == TextImageOption::text && set_ != nullptr) {
@@ -86,7 +86,7 @@ std::optional<ConvertTextToImageResult> DrawBezierText::convertTextToImageWithOp
   }
   const NSPoint origin = pathBounds().origin;
   result.textDrawRect = NSOffsetRect(NSIntegralRect(set->drawnRect()), -origin.x, -origin.y);
-  const TextCanvas canvas(result.textDrawRect, smoothing(), wantedPart());
+  const TextCanvas canvas(result.textDrawRect, smoothing(), part);
   canvas.context().concatenate(CGAffineTransformMakeTranslation(-origin.x, -origin.y));
   set->draw(canvas.context());
   result.textImageRep = canvas.bitmap();
@@ -182,10 +182,10 @@ bool DrawBezierText::guideIsDrawn() const {
   return bezierDraw_ != nullptr && bezierDraw_->visible() && bezierDraw_->drawStroke();
 }
 
-void DrawBezierText::_draw() {
+void DrawBezierText::_draw(CastShadow cast) {
   if (isNewCreated()) return;
   if (guideIsDrawn()) bezierDraw_->draw();
-  drawTextPart();
+  drawTextPart(cast);
 }
 
 NSRect DrawBezierText::drawRect() const {

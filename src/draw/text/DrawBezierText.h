@@ -37,7 +37,8 @@ class DrawBezierText : public DrawText {
   /// The path along which the text runs, on the canvas; empty without a guide.
   std::shared_ptr<NSBezierPath> bezierPathForDrawTexts() const;
   std::optional<ConvertTextToImageResult> convertTextToImageWithOption(
-      TextImageOption option) const override;
+      TextImageOption option, const WantedPart& part) const override;
+  using DrawText::convertTextToImageWithOption;
   /// Makes the draw's own path the rectangle around the guide and the band of its text.
   void updateBounds();
   /// Moves and stretches the guide as it takes to bring the draw from its bounds to these.
@@ -53,7 +54,7 @@ class DrawBezierText : public DrawText {
   std::shared_ptr<NSObject> bezierPathData() const override;
   void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
   void invalidTextImage() const override;
-  void _draw() override;
+  void _draw(CastShadow cast) override;
   NSRect drawRect() const override;
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;

@@ -22,6 +22,10 @@ struct ZTModifyTextAction;
 /// What is made a bitmap of: the text, or only the outlines of its glyphs.
 enum class TextImageOption : uint8_t { text = 1, outline = 2 };
 
+/// What of a text image anyone will look at, in the space of its textDrawRect; everything when not
+/// set.
+using WantedPart = std::optional<NSRect>;
+
 /// A text made a bitmap. Rectangles and paths are in the space of the draw that made it: from the
 /// origin of the path bounds for text boxes.
 struct ConvertTextToImageResult {
@@ -105,10 +109,14 @@ class DrawText : public DrawRoundRectangle {
   /// Makes the text image; answers whether there is one.
   bool convertTextToImage() const;
   /// Nothing for an empty text or path, and for the outline of a text without stroke widths.
+  std::optional<ConvertTextToImageResult> convertTextToImageWithOption(
+      TextImageOption option) const {
+    return convertTextToImageWithOption(option, {});
+  }
   virtual std::optional<ConvertTextToImageResult> convertTextToImageWithOption(
-      TextImageOption option) const;
+      TextImageOption option, const WantedPart& part) const;
   /// The image of the outlines, kept in the text outline cache; null when the text has none.
-  std::shared_ptr<NSBitmapImageRep> textOutlineImage() const;
+  std::shared_ptr<NSBitmapImageRep> textOutlineImage() const { return textOutlineImage({}); }
 
   // ---- Style of the whole text. Queries answer each distinct value once, in order; setters change
   // every run. Null as a colour removes the attribute.
@@ -142,7 +150,7 @@ class DrawText : public DrawRoundRectangle {
   void applyModifyTextAction(const ZTModifyTextAction& action);
 
   // ---- DrawBase.
-  void _draw() override;
+  void _draw(CastShadow cast) override;
   NSRect drawRect() const override;
   void setBezierPathWithBounds(NSRect bounds) override;
   std::shared_ptr<NSDictionary> drawAttributes() const override;
@@ -165,11 +173,9 @@ class DrawText : public DrawRoundRectangle {
   std::shared_ptr<NSTextStorage> textForImage(TextImageOption option) const;
   /// Takes over what convertTextToImageWithOption made.
   virtual void storeTextImage(const ConvertTextToImageResult& result) const;
-  /// What of the image anyone will look at, in the space of textDrawRect; everything when not set.
-  const std::optional<NSRect>& wantedPart() const { return wantedPart_; }
   TextSmoothing smoothing() const;
   /// Draws everything but the box.
-  void drawTextPart();
+  void drawTextPart(CastShadow cast);
   /// The text, to be changed.
   NSTextStorage& editableText();
 
@@ -188,13 +194,14 @@ class DrawText : public DrawRoundRectangle {
   void dropImages() const;
   bool isTooLargeToKeep() const;
   TextArea areaFor(const NSTextStorage& text, const NSSize& box) const;
-  void drawText() const;
+  void drawText(const TextTarget& target, CastShadow cast) const;
   bool hasGradient() const { return _useGradualText && _textGradient != nullptr; }
   void drawGradientText(const TextTarget& target) const;
   void drawInnerShadow(const TextTarget& target) const;
   void drawShadowMask(const TextTarget& target) const;
   NSPoint relativeGradientCenter(const NSRect& target) const;
   NSRect visiblePart() const;
+  std::shared_ptr<NSBitmapImageRep> textOutlineImage(const WantedPart& part) const;
   CGFloat overhang() const;
   void decodeTextGradient(NSCoder& coder);
   void takeTextGradientFromFill();
@@ -221,5 +228,4 @@ class DrawText : public DrawRoundRectangle {
   NSSize _maxTextSize;
 
   mutable ImageKey imageKey_;
-  mutable std::optional<NSRect> wantedPart_;
 };

@@ -79,7 +79,7 @@ DrawText::TextArea DrawText::areaFor(const NSTextStorage& text, const NSSize& bo
 }
 
 std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
-    TextImageOption option) const {
+    TextImageOption option, const WantedPart& part) const {
   if (textStorage_->length() == 0 || bezierPath_ == nullptr || bezierPath_->isEmpty()) return {};
   const NSRect bounds = pathBounds();
   const NSSize box{std::round(bounds.size.width), std::round(bounds.size.height)};
@@ -93,7 +93,7 @@ std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
   if (glyphs.length == 0) return {};
   ConvertTextToImageResult result;
   result.textDrawRect = {{area.left, box.height - area.size.height}, area.size};
-  const TextCanvas canvas(result.textDrawRect, smoothing(), wantedPart());
+  const TextCanvas canvas(result.textDrawRect, smoothing(), part);
   canvas.context().concatenate({1, 0, 0, -1, area.left, box.height});
   layout.manager().drawBackgroundForGlyphRange(glyphs, NSZeroPoint);
   layout.manager().drawGlyphsForGlyphRange(glyphs, NSZeroPoint);
@@ -145,12 +145,12 @@ bool DrawText::convertTextToImage() const {
   return imgRepText_ != nullptr;
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawText::textOutlineImage() const {
+std::shared_ptr<NSBitmapImageRep> DrawText::textOutlineImage(const WantedPart& part) const {
   TextOutlineCache& cache = TextOutlineCache::shared();
   if (auto kept = cache.objectForKey(hash())) return kept;
-  const auto made = convertTextToImageWithOption(TextImageOption::outline);
+  const auto made = convertTextToImageWithOption(TextImageOption::outline, part);
   if (!made || made->textImageRep == nullptr) return nullptr;
-  if (!wantedPart_) cache.setObject(made->textImageRep, hash());
+  if (!part) cache.setObject(made->textImageRep, hash());
   return made->textImageRep;
 }
 

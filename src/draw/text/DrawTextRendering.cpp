@@ -25,31 +25,35 @@ NSRect roundedRect(const NSRect& r) {
 
 }  // namespace
 
-/// Where the text and its bitmap go on the canvas, before rotation.
+/// A text image, and where it and its text go on the canvas, before rotation.
 struct DrawText::TextTarget {
+  const NSBitmapImageRep& picture;
   NSRect text;
   NSRect image;
+  WantedPart part;  ///< what the picture was limited to
 };
 
-void DrawText::_draw() {
+void DrawText::_draw(CastShadow cast) {
   if (_isNewCreated) return;
   if (isAutoResize() && bEdittingText_ && textStorage_->length() == 0) return;
-  DrawRoundRectangle::_draw();
-  drawTextPart();
+  DrawRoundRectangle::_draw(cast);
+  drawTextPart(cast);
 }
 
-void DrawText::drawTextPart() {
+void DrawText::drawTextPart(CastShadow cast) {
   if (opacity() == 0 || textStorage_->length() == 0 || bEdittingText_) return;
-  const bool whole = !isTooLargeToKeep();
-  if (!whole) {
-    dropImages();
-    wantedPart_ = visiblePart();
+  const auto placed = [origin = pathBounds().origin](const NSRect& rect) {
+    return NSOffsetRect(rect, origin.x, origin.y);
+  };
+  if (!isTooLargeToKeep()) {
+    if (!makeSureHasValidTextImage()) return;
+    return drawText({*imgRepText_, placed(rectText_), placed(imageRect_), {}}, cast);
   }
-  if (makeSureHasValidTextImage()) drawText();
-  if (!whole) {
-    wantedPart_.reset();
-    dropImages();
-  }
+  dropImages();
+  const NSRect part = visiblePart();
+  const auto made = convertTextToImageWithOption(TextImageOption::text, part);
+  if (!made || made->textImageRep == nullptr) return;
+  drawText({*made->textImageRep, placed(made->textDrawRect), placed(made->imageRect), part}, cast);
 }
 
 /// The part of the text image that the context's clip can show, or a shadow in it.
@@ -72,25 +76,23 @@ NSRect DrawText::visiblePart() const {
   return NSOffsetRect(seen, -origin.x, -origin.y);
 }
 
-void DrawText::drawText() const {
+void DrawText::drawText(const TextTarget& target, CastShadow cast) const {
   const NSGraphicsStateScope state;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   context.setCompositingOperation(NSCompositingOperation::sourceOver);
   context.setImageInterpolation(NSImageInterpolation::high);
   context.setShouldAntialias(bSmooth_);
   port().concatenate(transform().transformStruct());
-  const NSPoint origin = pathBounds().origin;
-  const TextTarget target{NSOffsetRect(rectText_, origin.x, origin.y),
-                          NSOffsetRect(imageRect_, origin.x, origin.y)};
   port().setAlpha(static_cast<CGFloat>(opacity()) / 100);
   {
     const NSGraphicsStateScope shadowed;
-    if (bEnableShadow_ && shadow_ != nullptr) shadow_->set();
+    setShadowInForce(cast);
     if (hasGradient()) {
-      const CGTransparencyLayerScope layer(port());
+      CGTransparencyLayerScope layer(port());
       drawGradientText(target);
+      layer.end();
     } else {
-      port().draw(*imgRepText_, target.image);
+      port().draw(target.picture, target.image);
     }
   }
   if (bEnableInnerShadow_ && shadowInner_ != nullptr) drawInnerShadow(target);
@@ -100,7 +102,7 @@ void DrawText::drawText() const {
 void DrawText::drawGradientText(const TextTarget& target) const {
   const NSGraphicsStateScope state;
   clearShadow();
-  port().draw(*imgRepText_, target.image);
+  port().draw(target.picture, target.image);
   port().setOperation(NSCompositingOperation::sourceIn);
   if (_isRadialTextGradient) {
     _textGradient->drawInBezierPath(*NSBezierPath::bezierPathWithRect(target.text),
@@ -108,7 +110,7 @@ void DrawText::drawGradientText(const TextTarget& target) const {
   } else {
     _textGradient->drawInRect(target.text, static_cast<CGFloat>(_textGradientDegree));
   }
-  if (const auto outline = textOutlineImage()) {
+  if (const auto outline = textOutlineImage(target.part)) {
     port().setOperation(NSCompositingOperation::sourceOver);
     port().draw(*outline, target.image);
   }
@@ -134,25 +136,26 @@ void DrawText::drawInnerShadow(const TextTarget& target) const {
 
 /// The text as the inner shadow falls on it.
 void DrawText::drawShadowMask(const TextTarget& target) const {
-  const CGTransparencyLayerScope mask(port());
+  CGTransparencyLayerScope mask(port());
   if (hasGradient()) {
     port().setShouldAntialias(bSmooth_);
     drawGradientText(target);
   } else {
-    drawInRect(*imgRepText_, target.image, NSZeroRect, NSCompositingOperation::sourceOver,
+    drawInRect(target.picture, target.image, NSZeroRect, NSCompositingOperation::sourceOver,
                static_cast<CGFloat>(fTextOpacity_));
   }
+  mask.end();
 }
 
 NSRect DrawText::drawRect() const {
-  if (isTooLargeToKeep() && !wantedPart_) {
-    wantedPart_ = NSZeroRect;
-    const NSRect rect = drawRect();
-    wantedPart_.reset();
+  if (isTooLargeToKeep()) {
+    // Only where the text belongs is asked for.
     dropImages();
-    return rect;
+    storeTextImage(convertTextToImageWithOption(TextImageOption::text, NSZeroRect)
+                       .value_or(ConvertTextToImageResult{}));
+  } else {
+    makeSureHasValidTextImage();
   }
-  makeSureHasValidTextImage();
   if (drawFill()) return DrawRoundRectangle::drawRect();
   if (!(NSWidth(rectText_) >= 1 && NSHeight(rectText_) >= 1)) return NSZeroRect;
   const NSPoint origin = pathBounds().origin;

@@ -24,9 +24,11 @@ std::shared_ptr<NSBitmapImageRep> TextOutlineCache::objectForKey(size_t key) {
 void TextOutlineCache::setObject(std::shared_ptr<NSBitmapImageRep> bitmap, size_t forKey) {
   const std::lock_guard lock(mutex_);
   if (const auto old = byKey_.find(forKey); old != byKey_.end()) remove(old->second);
-  cost_ += costOf(*bitmap);
-  entries_.push_front({forKey, std::move(bitmap)});
-  byKey_[forKey] = entries_.begin();
+  Entries entry;
+  entry.push_front({forKey, std::move(bitmap)});
+  byKey_[forKey] = entry.begin();
+  entries_.splice(entries_.begin(), entry);
+  cost_ += costOf(*entries_.front().bitmap);
   while (cost_ > limit_) remove(std::prev(entries_.end()));
 }
 

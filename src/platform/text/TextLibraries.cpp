@@ -8,5 +8,10 @@ const TextLibraries* textLibraries() {
         reinterpret_cast<TextLibrariesEntry>(loadModuleFunction("painttext", kTextLibrariesEntry));
     return entry == nullptr ? nullptr : entry();
   }();
+  thread_local bool isPrepared = false;
+  if (libraries != nullptr && !isPrepared) {
+    libraries->prepareThread();
+    isPrepared = true;
+  }
   return libraries;
 }

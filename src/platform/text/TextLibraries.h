@@ -107,10 +107,14 @@ struct BidiLevels {
 
 enum class BaseDirection : uint8_t { natural, leftToRight, rightToLeft };
 
-/// The libraries themselves. Every function may be called from any thread.
+/// The libraries themselves. Every function may be called from any thread and throws std::bad_alloc
+/// when memory is lacking.
 class TextLibraries {
  public:
   virtual ~TextLibraries() = default;
+
+  /// To be called by every thread before anything else here.
+  virtual void prepareThread() const = 0;
 
   /// Faces in the system's, the local and the user's font folders. Uses the font caches that the
   /// system keeps where they are valid and reads the files' headers where they are not; writes
@@ -137,7 +141,8 @@ class TextLibraries {
   virtual bool isDefaultIgnorable(char32_t character) const = 0;
 };
 
-/// The libraries, loaded at the first call; null when the module cannot be loaded.
+/// The libraries, loaded at the first call; null when the module cannot be loaded. Throws
+/// std::bad_alloc.
 const TextLibraries* textLibraries();
 
 /// Name of the module's one exported function, of type TextLibrariesEntry.

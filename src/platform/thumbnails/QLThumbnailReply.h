@@ -24,7 +24,7 @@ class PAINT_API QLThumbnailReply {
 
   /// What the thumbnail service does with a reply: makes a bitmap of the context size (truncated to
   /// whole pixels), makes it the current context and runs the block. Null when the block answers
-  /// false and when the bitmap would be too large.
+  /// false and when the bitmap would be too large; throws std::bad_alloc when memory is lacking.
   std::shared_ptr<NSBitmapImageRep> drawnBitmap() const;
 
  private:

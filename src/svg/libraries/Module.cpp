@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "platform/foundation/Limits.h"
@@ -15,17 +16,25 @@ namespace {
 constexpr int kOptions = XML_PARSE_RECOVER | XML_PARSE_NONET | XML_PARSE_NOERROR |
                          XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
 
-/// The options leave out what the library says of declarations and of "xml:id".
-class Silence {
+/// Takes what the library reports: the options do not silence what it says of declarations and of
+/// "xml:id". Of want of memory it speaks nowhere else, and goes on with the tree that it has.
+class Reports {
  public:
-  Silence() : handler_(xmlStructuredError), context_(xmlStructuredErrorContext) {
-    xmlSetStructuredErrorFunc(nullptr, [](void*, auto) {});
+  Reports() : handler_(xmlStructuredError), context_(xmlStructuredErrorContext) {
+    xmlSetStructuredErrorFunc(this, [](void* reports, auto error) {
+      if (error != nullptr && error->code == XML_ERR_NO_MEMORY) {
+        static_cast<Reports*>(reports)->lacksMemory_ = true;
+      }
+    });
   }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
-  ~Silence() { xmlSetStructuredErrorFunc(context_, handler_); }
+  Reports(const Reports&) = delete;
+  Reports& operator=(const Reports&) = delete;
+  ~Reports() { xmlSetStructuredErrorFunc(context_, handler_); }
+
+  bool lackMemory() const { return lacksMemory_; }
 
  private:
+  bool lacksMemory_ = false;
   xmlStructuredErrorFunc handler_;
   void* context_;
 };
@@ -79,7 +88,7 @@ class EntityExpander {
     std::string text;
     if (!appendText(attribute.children, 0, text)) return;
     xmlNode* const node = xmlNewDocText(document_, reinterpret_cast<const xmlChar*>(text.c_str()));
-    if (node == nullptr) return;
+    if (node == nullptr) throw std::bad_alloc();
     xmlFreeNodeList(attribute.children);
     attribute.children = attribute.last = node;
     void* const parent = &attribute;
@@ -94,7 +103,7 @@ class EntityExpander {
     const xmlEntity* const entity = internalEntity(reinterpret_cast<const xmlChar*>(name.c_str()));
     if (entity == nullptr || !spend(view(entity->content).size())) return;
     xmlChar* const address = xmlStrdup(entity->content);
-    if (address == nullptr) return;
+    if (address == nullptr) throw std::bad_alloc();
     xmlFree(const_cast<xmlChar*>(space.href));
     space.href = address;
   }
@@ -136,14 +145,19 @@ struct FreeDocument {
 
 class LibXML : public SVGNative::xml::XMLLibrary {
  public:
-  xmlDoc* read(const char* text) const override {
-    const Silence silence;
+  xmlDoc* read(const char* text, bool* lacksMemory) const override {
+    const Reports reports;
     std::unique_ptr<xmlDoc, FreeDocument> document(
         xmlReadDoc(reinterpret_cast<const xmlChar*>(text), nullptr, nullptr, kOptions));
-    if (document != nullptr && document->intSubset != nullptr) {
-      EntityExpander(document.get()).expandAll();
+    try {
+      if (document != nullptr && document->intSubset != nullptr) {
+        EntityExpander(document.get()).expandAll();
+      }
+      *lacksMemory = reports.lackMemory();
+    } catch (const std::bad_alloc&) {
+      *lacksMemory = true;
     }
-    return document.release();
+    return *lacksMemory ? nullptr : document.release();
   }
 
   void release(xmlDoc* document) const override {

@@ -1,5 +1,6 @@
 #include "svg/parse/SVGXMLDocument.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/machine/LoadableModule.h"
@@ -63,7 +64,9 @@ std::unique_ptr<XMLDocument> XMLDocument::CreateXMLDocument(const char* text) {
   if (library() == nullptr) return nullptr;
   std::unique_ptr<XMLDocument> document(
       new XMLDocument(std::unique_lock<std::mutex>(parserMutex())));
-  document->document_ = library()->read(text);
+  bool lacksMemory = false;
+  document->document_ = library()->read(text, &lacksMemory);
+  if (lacksMemory) throw std::bad_alloc();
   if (document->document_ == nullptr || !document->Root()) return nullptr;
   return document;
 }

@@ -15,8 +15,8 @@ class XMLLibrary {
 
   /// A NUL-terminated text as a tree, as far as it can be understood. No network, no files, no
   /// external entities; in values, references to the text's own entities are replaced by what they
-  /// stand for. Null when that fails.
-  virtual _xmlDoc* read(const char* text) const = 0;
+  /// stand for. Null when that fails; `lacksMemory` takes whether for want of memory.
+  virtual _xmlDoc* read(const char* text, bool* lacksMemory) const = 0;
   /// Frees the tree and what the library keeps between documents. Null is allowed.
   virtual void release(_xmlDoc* document) const = 0;
 

@@ -26,6 +26,7 @@ uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   if (isTooLarge_) return nullptr;
   try {
     pixels_.emplace(info.width, info.height);
+    conversion_ = ProfileConversion::create(info.profile, info.model);
   } catch (const std::bad_alloc&) {
     // Codecs may stand on C code, which nothing may be thrown through.
     lacksMemory_ = true;
@@ -35,7 +36,6 @@ uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   orientation_ = info.exif.empty() ? info.orientation : exifOrientation(info.exif);
   pixels_->setHasAlpha(layout_ == PixelLayout::straightRGBA ||
                        layout_ == PixelLayout::premultipliedRGBA);
-  conversion_ = ProfileConversion::create(info.profile, info.model);
   return pixels_->writableRows(0, 0);
 }
 

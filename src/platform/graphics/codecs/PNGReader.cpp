@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <csetjmp>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -18,7 +19,8 @@ class PNGReader {
   PNGReader(std::span<const uint8_t> file, PictureTarget& target)
       : rest_(file),
         target_(target),
-        png_(png_create_read_struct(PNG_LIBPNG_VER_STRING, this, onError, onWarning)),
+        png_(png_create_read_struct_2(PNG_LIBPNG_VER_STRING, this, onError, onWarning, this,
+                                      allocate, release)),
         info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}
   PNGReader(const PNGReader&) = delete;
   PNGReader& operator=(const PNGReader&) = delete;
@@ -29,6 +31,8 @@ class PNGReader {
  private:
   [[noreturn]] static void onError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
   static void onWarning(png_structp, png_const_charp) {}
+  static png_voidp allocate(png_structp png, png_alloc_size_t bytes);
+  static void release(png_structp, png_voidp memory) { std::free(memory); }
   static void read(png_structp png, png_bytep out, size_t count);
   void limitChunks();
   void readHeader();
@@ -46,6 +50,13 @@ class PNGReader {
   bool interlaced_ = false;
   uint8_t* interlacedPixels_ = nullptr;
 };
+
+/// Without memory the library leaves out what it can do without, colour profiles among it.
+png_voidp PNGReader::allocate(png_structp png, png_alloc_size_t bytes) {
+  void* const memory = std::malloc(bytes);
+  if (memory == nullptr) static_cast<PNGReader*>(png_get_mem_ptr(png))->target_.lackMemory();
+  return memory;
+}
 
 void PNGReader::read(png_structp png, png_bytep out, size_t count) {
   auto& rest = static_cast<PNGReader*>(png_get_io_ptr(png))->rest_;
@@ -120,7 +131,7 @@ void PNGReader::readRows(uint8_t* pixels) {
 }
 
 void PNGReader::decode() {
-  if (info_ == nullptr) return;
+  if (info_ == nullptr) return target_.lackMemory();
   if (setjmp(png_jmpbuf(png_)) == 0) {
     png_set_read_fn(png_, this, read);
     limitChunks();

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <span>
 #include <vector>
+
+#include "platform/machine/AddressSpace.h"
 
 // Between picture files and bitmaps. A codec reads a file and hands four bytes for each pixel to a
 // target, which owns the memory and finishes the pixels: profile, premultiplication, orientation.
@@ -44,6 +47,9 @@ class PictureTarget {
   /// Rows [first, end) hold their final samples. Each row is finished once or never; those that
   /// never are must have been left zero.
   virtual void finish(int64_t first, int64_t end) = 0;
+
+  /// The codec was refused memory; the picture is not to be had. May be called at any time.
+  virtual void lackMemory() noexcept = 0;
 };
 
 /// Premultiplied R, G, B, A to encode.
@@ -60,7 +66,8 @@ class PictureCodec {
   virtual ~PictureCodec() = default;
 
   /// Decodes as much of the file as is there and sound: a truncated picture leaves rows
-  /// unfinished, a file that is none leaves the target untouched.
+  /// unfinished, a file that is none leaves the target untouched. Throws nothing: the target learns
+  /// that memory was lacking.
   virtual void decode(std::span<const uint8_t> file, PictureTarget& target) const = 0;
 
   /// Makes the picture a file, which stays empty when the format cannot hold the picture.
@@ -69,6 +76,18 @@ class PictureCodec {
   virtual bool encode(const PictureSource& picture, double quality,
                       std::vector<uint8_t>& file) const = 0;
 };
+
+/// Calls what may throw std::bad_alloc, as a codec's functions may not; false when it did.
+template <class Call>
+bool withinMemory(Call call) noexcept {
+  try {
+    prepareForExceptions();
+    call();
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
 
 /// Name and type of the one function that each codec module exports.
 inline constexpr const char* kPictureCodecEntry = "paintPictureCodec";

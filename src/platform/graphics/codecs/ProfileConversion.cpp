@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/foundation/Limits.h"
+#include "platform/machine/AddressSpace.h"
 
 namespace {
 
@@ -50,6 +51,8 @@ std::vector<uint8_t> probes() {
 std::unique_ptr<ProfileConversion> ProfileConversion::create(std::span<const uint8_t> icc,
                                                              ColorModel model) {
   if (icc.empty() || icc.size() > limits::kMaxProfileBytes) return nullptr;
+  // The library does not tell malformed profiles from want of memory.
+  requireAddressSpace(kLibraryTables + icc.size());
   const Profile source(cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size())));
   const SampleFormat format = formatOf(model);
   if (source == nullptr || cmsGetColorSpace(source.get()) != format.space) return nullptr;

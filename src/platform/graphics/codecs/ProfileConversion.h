@@ -13,7 +13,7 @@
 class ProfileConversion {
  public:
   /// Null for no profile, one that is malformed or made for another model, and one whose colours
-  /// are those of sRGB already.
+  /// are those of sRGB already. Throws std::bad_alloc.
   static std::unique_ptr<ProfileConversion> create(std::span<const uint8_t> icc, ColorModel model);
   ~ProfileConversion();
   ProfileConversion(const ProfileConversion&) = delete;

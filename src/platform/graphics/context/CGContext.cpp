@@ -349,22 +349,33 @@ void CGContext::beginTransparencyLayer(const PixelBox& box) {
     // What casts a shadow may lie beyond any canvas.
     surface = surfaceFor(intersection(box, state_.clip.box()));
   }
+  ClipRegion clip(surface.box());
+  // Everything that allocates comes first: a layer is begun wholly or not at all.
+  layers_.reserve(layers_.size() + 1);
   saved_.push_back(state_);
   layers_.push_back({std::move(surface), saved_.size()});
   state_.alpha = 1;
   state_.shadow = {};
   state_.operation = NSCompositingOperation::sourceOver;
-  state_.clip = ClipRegion(layers_.back().surface.box());
+  state_.clip = std::move(clip);
+}
+
+/// Takes the innermost layer off, with the states saved inside it.
+CGContext::Layer CGContext::takeLayer() noexcept {
+  Layer layer = std::move(layers_.back());
+  layers_.pop_back();
+  saved_.erase(saved_.begin() + static_cast<ptrdiff_t>(layer.savedStates), saved_.end());
+  state_ = std::move(saved_.back());
+  saved_.pop_back();
+  return layer;
 }
 
 void CGContext::endTransparencyLayer() {
-  if (layers_.empty()) return;
-  const Layer layer = std::move(layers_.back());
-  layers_.pop_back();
-  saved_.resize(layer.savedStates);
-  state_ = std::move(saved_.back());
-  saved_.pop_back();
-  paintLayer(layer.surface);
+  if (!layers_.empty()) paintLayer(takeLayer().surface);
+}
+
+void CGContext::discardTransparencyLayer() noexcept {
+  if (!layers_.empty()) takeLayer();
 }
 
 void CGContext::paintLayer(const PixelSurface& layer) {

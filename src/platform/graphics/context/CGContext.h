@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cassert>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -112,6 +114,9 @@ class CGContext {
   /// clip, alpha, shadow and operation it is painted. The operation applies to the whole clip, also
   /// where the layer is transparent. Does nothing without a layer.
   void endTransparencyLayer();
+  /// Drops the innermost layer with what was painted into it and restores the state at its
+  /// beginning. Does nothing without a layer.
+  void discardTransparencyLayer() noexcept;
 
  private:
   struct Layer {
@@ -153,6 +158,7 @@ class CGContext {
   template <class Axis>
   void fillWithGradient(const PathData& path, WindingRule winding, const CGGradient& gradient,
                         const Axis& axis);
+  Layer takeLayer() noexcept;
   void paintLayer(const PixelSurface& layer);
 
   PathRenderer renderer_;
@@ -175,7 +181,8 @@ class CGContextStateScope {
   CGContext& context_;
 };
 
-/// A transparency layer for the length of a scope.
+/// A transparency layer, which end() paints: that allocates, so no destructor can do it. While an
+/// exception passes, the layer is discarded.
 class CGTransparencyLayerScope {
  public:
   explicit CGTransparencyLayerScope(CGContext& context) : context_(context) {
@@ -186,8 +193,19 @@ class CGTransparencyLayerScope {
   }
   CGTransparencyLayerScope(const CGTransparencyLayerScope&) = delete;
   CGTransparencyLayerScope& operator=(const CGTransparencyLayerScope&) = delete;
-  ~CGTransparencyLayerScope() { context_.endTransparencyLayer(); }
+  ~CGTransparencyLayerScope() {
+    assert(!isOpen_ || std::uncaught_exceptions() > exceptions_);
+    if (isOpen_) context_.discardTransparencyLayer();
+  }
+
+  /// Paints the layer as a whole. To be called once.
+  void end() {
+    isOpen_ = false;
+    context_.endTransparencyLayer();
+  }
 
  private:
   CGContext& context_;
+  bool isOpen_ = true;
+  int exceptions_ = std::uncaught_exceptions();  ///< at the beginning of the scope
 };

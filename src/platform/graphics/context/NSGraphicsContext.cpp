@@ -39,7 +39,13 @@ void NSGraphicsContext::setCurrentContext(std::shared_ptr<NSGraphicsContext> con
 void NSGraphicsContext::saveGraphicsState() {
   ThreadContexts& contexts = threadContexts();
   contexts.saved.push_back(contexts.current);
-  if (contexts.current != nullptr) contexts.current->graphicsPort()->saveGState();
+  if (contexts.current == nullptr) return;
+  try {
+    contexts.current->graphicsPort()->saveGState();
+  } catch (...) {
+    contexts.saved.pop_back();  // what is not saved must not be restored
+    throw;
+  }
 }
 
 void NSGraphicsContext::restoreGraphicsState() {
@@ -51,9 +57,9 @@ void NSGraphicsContext::restoreGraphicsState() {
 }
 
 void ZTLockFocus(const std::shared_ptr<NSBitmapImageRep>& bitmap) {
+  auto context = NSGraphicsContext::graphicsContextWithBitmapImageRep(bitmap);
   NSGraphicsContext::saveGraphicsState();
-  NSGraphicsContext::setCurrentContext(
-      NSGraphicsContext::graphicsContextWithBitmapImageRep(bitmap));
+  NSGraphicsContext::setCurrentContext(std::move(context));
 }
 
 void ZTUnlockFocus(const std::shared_ptr<NSBitmapImageRep>&) {

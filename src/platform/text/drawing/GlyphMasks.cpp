@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/graphics/pixels/PixelMath.h"
 #include "platform/graphics/pixels/paint/MaskSink.h"
@@ -67,11 +68,12 @@ std::optional<GlyphMasks::Placed> GlyphMasks::place(uint32_t glyph, NSPoint orig
   const int64_t y = steps(origin.y);
   const auto column = static_cast<uint64_t>(x & (kSteps - 1));
   const auto row = static_cast<uint64_t>(y & (kSteps - 1));
-  const auto [found, isNew] =
-      current_->try_emplace((uint64_t{glyph} * kSteps + row) * kSteps + column);
-  if (isNew) {
-    found->second =
+  const uint64_t key = (uint64_t{glyph} * kSteps + row) * kSteps + column;
+  auto found = current_->find(key);
+  if (found == current_->end()) {
+    auto made =
         make(glyph, {static_cast<double>(column) / kSteps, static_cast<double>(row) / kSteps});
+    found = current_->emplace(key, std::move(made)).first;
   }
   const AlphaMask& mask = found->second;
   if (mask.box().empty()) return std::nullopt;

@@ -40,7 +40,7 @@ NSRect moved(const NSRect& r, NSPoint by) {
   return NSOffsetRect(r, by.x, by.y);
 }
 
-/// A shadow in force for the length of a scope, on a layer that is no larger than what it shows.
+/// A shadow in force up to end(), on a layer that is no larger than what it shows.
 class ShadowScope {
  public:
   /// `ink` holds all that is going to be drawn, in user space.
@@ -57,6 +57,7 @@ class ShadowScope {
     context.setShadow({offset, reach, paintComponents(*shadow.shadowColor())});
     layer_.emplace(context);
   }
+  void end() { layer_->end(); }
 
  private:
   CGContextStateScope state_;
@@ -125,6 +126,7 @@ void LineDrawer::drawRuns(const PlacedLine& line, Runs runs) {
     scope.emplace(context_, *shadow, ink);
   }
   for (const PlacedRun& run : runs) painter_.paint(layout_, run, originOf(line, run));
+  if (scope) scope->end();
 }
 
 void LineDrawer::drawDecorations(const PlacedLine& line, DecorationKind kind) {
@@ -141,6 +143,7 @@ void LineDrawer::drawDecorations(const PlacedLine& line, DecorationKind kind) {
     }
     context_.setFillColor(color == nullptr ? RGBAColor{} : paintComponents(*color));
     for (const NSRect& rect : decoration.rects) context_.fill(moved(rect, at_));
+    if (scope) scope->end();
   }
 }
 

@@ -42,12 +42,13 @@ bool NSLayoutManager::serves(const NSTextContainer& container) const {
 
 const TextLayout& NSLayoutManager::layout() {
   if (layout_ == nullptr) {
-    layout_ = std::make_unique<TextLayout>();
+    auto layout = std::make_unique<TextLayout>();
     if (textStorage_ != nullptr && !containers_.empty()) {
       const NSTextContainer& container = *containers_.front();
-      *layout_ = layoutText(makeStyledText(*textStorage_),
-                            {container.containerSize(), container.lineFragmentPadding(), leading_});
+      *layout = layoutText(makeStyledText(*textStorage_),
+                           {container.containerSize(), container.lineFragmentPadding(), leading_});
     }
+    layout_ = std::move(layout);
   }
   return *layout_;
 }

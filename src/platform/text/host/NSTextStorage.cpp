@@ -15,8 +15,8 @@ void NSTextStorage::addLayoutManager(std::shared_ptr<NSLayoutManager> layoutMana
   NSTextStorage* before = layoutManager->textStorage();
   if (before == this) return;
   if (before != nullptr) before->removeLayoutManager(layoutManager);
-  layoutManager->setTextStorage(this);
   layoutManagers_.push_back(std::move(layoutManager));
+  layoutManagers_.back()->setTextStorage(this);
 }
 
 void NSTextStorage::removeLayoutManager(const std::shared_ptr<NSLayoutManager>& layoutManager) {

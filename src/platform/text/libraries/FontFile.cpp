@@ -1,11 +1,13 @@
 #include "platform/text/libraries/FontFile.h"
 
 #include <hb-ot.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <map>
 #include <mutex>
 
+#include "platform/machine/AddressSpace.h"
 #include "platform/text/libraries/ShapedFace.h"
 
 namespace {
@@ -63,19 +65,31 @@ bool drawable(hb_face_t* face) {
   return false;
 }
 
+/// A file mapped; empty when it cannot be read.
+HbBlob mapFile(const std::string& path) {
+  HbBlob file(hb_blob_create_from_file_or_fail(path.c_str()));
+  if (file != nullptr) return file;
+  struct stat status {};
+  const bool isThere = stat(path.c_str(), &status) == 0;
+  requireAddressSpace(kLibraryTables + (isThere ? static_cast<size_t>(status.st_size) : 0));
+  return HbBlob(hb_blob_get_empty());
+}
+
 /// Maps of font files; a map stays for the rest of the process.
-hb_blob_t* mapFontFile(const std::string& path) {
+hb_blob_t* sharedFontFile(const std::string& path) {
   static std::mutex mutex;
   static auto* const files = new std::map<std::string, HbBlob>;
   const std::lock_guard lock(mutex);
-  const auto [entry, isNew] = files->try_emplace(path);
-  if (isNew) entry->second.reset(hb_blob_create_from_file(path.c_str()));
-  return entry->second.get();
+  const auto known = files->find(path);
+  if (known != files->end()) return known->second.get();
+  return files->emplace(path, mapFile(path)).first->second.get();
 }
 
 }  // namespace
 
 HbFont makeFont(hb_blob_t* file, uint32_t index) {
+  // HarfBuzz goes on with empty tables in the place of those that it could not allocate.
+  requireAddressSpace(kLibraryTables);
   const uint32_t number = index & 0xffff;
   if (number >= hb_face_count(file)) return nullptr;
   const HbFace face(hb_face_create(file, number));
@@ -87,7 +101,7 @@ HbFont makeFont(hb_blob_t* file, uint32_t index) {
 }
 
 std::vector<FontFaceInfo> readFontFile(const std::string& path) {
-  const HbBlob file(hb_blob_create_from_file(path.c_str()));
+  const HbBlob file = mapFile(path);
   std::vector<FontFaceInfo> faces;
   const unsigned count = hb_face_count(file.get());
   for (unsigned i = 0; i < count; ++i) {
@@ -98,6 +112,6 @@ std::vector<FontFaceInfo> readFontFile(const std::string& path) {
 }
 
 std::shared_ptr<const FontFace> openFontFace(const std::string& path, uint32_t index) {
-  HbFont font = makeFont(mapFontFile(path), index);
+  HbFont font = makeFont(sharedFontFile(path), index);
   return font == nullptr ? nullptr : std::make_shared<ShapedFace>(std::move(font));
 }

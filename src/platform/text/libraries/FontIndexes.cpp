@@ -7,9 +7,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <system_error>
 
 #include "platform/foundation/Convert.h"
+#include "platform/machine/AddressSpace.h"
 #include "platform/text/libraries/FontFile.h"
 
 namespace {
@@ -18,6 +20,9 @@ namespace fs = std::filesystem;
 
 /// Folders inside each other; real font trees are three deep, and links may form a circle.
 constexpr int kMaxFolderDepth = 8;
+
+/// More than the cache of any folder takes; thousands of fonts take some megabytes.
+constexpr size_t kMostCacheBytes = size_t{16} << 20;
 
 struct FcDestroy {
   void operator()(FcConfig* config) const { FcConfigDestroy(config); }
@@ -154,6 +159,7 @@ ConfigPtr cacheConfiguration() {
   if (!user.empty()) xml += "<cachedir>" + escaped(user) + "/fontconfig</cachedir>";
   xml += "</fontconfig>";
   ConfigPtr config(FcConfigCreate());
+  if (config == nullptr) throw std::bad_alloc();
   FcConfigParseAndLoadFromMemory(config.get(), fcText(xml), FcFalse);
   return config;
 }
@@ -179,12 +185,16 @@ class FolderWalk {
 
   void visit(const std::string& folder, int depth = 0) {
     if (depth > kMaxFolderDepth) return;
+    // The library answers want of memory like a missing cache, and leaves out fonts.
+    requireAddressSpace(kMostCacheBytes);
     const CachePtr cache(FcDirCacheLoad(fcText(folder), config_, nullptr));
     if (cache == nullptr) {
       readFolder(folder, depth);
       return;
     }
-    list_.addFontSet(FontSetPtr(FcCacheCopySet(cache.get())));
+    FontSetPtr set(FcCacheCopySet(cache.get()));
+    if (set == nullptr) throw std::bad_alloc();
+    list_.addFontSet(std::move(set));
     for (int i = 0; i < FcCacheNumSubdir(cache.get()); ++i) {
       visit(reinterpret_cast<const char*>(FcCacheSubdir(cache.get(), i)), depth + 1);
     }

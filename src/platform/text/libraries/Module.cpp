@@ -2,6 +2,7 @@
 #include <hb.h>
 #include <unicode/uchar.h>
 
+#include "platform/machine/AddressSpace.h"
 #include "platform/text/libraries/FontFile.h"
 #include "platform/text/libraries/FontIndexes.h"
 #include "platform/text/libraries/UnicodeText.h"
@@ -10,6 +11,8 @@ namespace {
 
 class Libraries : public TextLibraries {
  public:
+  void prepareThread() const override { prepareForExceptions(); }
+
   std::shared_ptr<const FontIndex> installedFonts() const override { return indexInstalledFonts(); }
 
   std::shared_ptr<const FontIndex> fontsInFiles(std::span<const std::string> files) const override {

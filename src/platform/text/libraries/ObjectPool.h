@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mutex>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -38,9 +39,13 @@ class ObjectPool {
   }
 
  private:
-  void giveBack(Pointer object) {
+  void giveBack(Pointer object) noexcept {
     const std::lock_guard lock(mutex_);
-    idle_.push_back(std::move(object));
+    try {
+      idle_.push_back(std::move(object));
+    } catch (const std::bad_alloc&) {
+      // The object goes.
+    }
   }
 
   std::mutex mutex_;

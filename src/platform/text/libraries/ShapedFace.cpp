@@ -5,7 +5,9 @@
 #include <array>
 #include <cmath>
 #include <mutex>
+#include <new>
 
+#include "platform/machine/AddressSpace.h"
 #include "platform/text/libraries/ObjectPool.h"
 
 namespace {
@@ -116,6 +118,7 @@ const PathData& ShapedFace::outline(uint32_t glyph) const {
     if (known != outlines_.end()) return known->second;
   }
   PathData path;
+  requireAddressSpace(kLibraryTables);
   hb_font_get_glyph_shape(font_.get(), glyph, functions, &path);
   const std::unique_lock lock(outlinesMutex_);
   return outlines_.try_emplace(glyph, std::move(path)).first->second;
@@ -134,6 +137,8 @@ std::optional<GlyphBitmap> ShapedFace::colorBitmap(uint32_t glyph) const {
 }
 
 void ShapedFace::shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const {
+  // Tables are read at their first use, and left out without memory.
+  requireAddressSpace(kLibraryTables);
   const auto lease = shapingBuffers().take([] { return HbBuffer(hb_buffer_create()); });
   hb_buffer_t* buffer = lease.get();
   hb_buffer_clear_contents(buffer);
@@ -147,6 +152,7 @@ void ShapedFace::shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) 
       buffer, hb_language_from_string(run.language.data(), static_cast<int>(run.language.size())));
   const FeatureList list(run);
   hb_shape(font_.get(), buffer, list.features.data(), list.count);
+  if (!hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
 
   const unsigned count = hb_buffer_get_length(buffer);
   const hb_glyph_info_t* info = hb_buffer_get_glyph_infos(buffer, nullptr);

@@ -4,7 +4,9 @@
 #include <unicode/ubrk.h>
 
 #include <algorithm>
+#include <new>
 
+#include "platform/machine/AddressSpace.h"
 #include "platform/text/libraries/ObjectPool.h"
 
 namespace {
@@ -17,8 +19,11 @@ using BreakIterator = std::unique_ptr<UBreakIterator, IcuClose>;
 using Bidi = std::unique_ptr<UBiDi, IcuClose>;
 
 BreakIterator openIterator(UBreakIteratorType type) {
+  // The library reads its data and names its locale here, and does not survive without memory.
+  requireAddressSpace(kLibraryTables);
   UErrorCode status = U_ZERO_ERROR;
   UBreakIterator* iterator = ubrk_open(type, "", nullptr, 0, &status);
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
   return BreakIterator(U_SUCCESS(status) ? iterator : nullptr);
 }
 
@@ -31,6 +36,7 @@ void markBoundaries(UBreakIterator* iterator, std::u16string_view text,
   if (iterator == nullptr) return;
   UErrorCode status = U_ZERO_ERROR;
   ubrk_setText(iterator, text.data(), static_cast<int32_t>(text.size()), &status);
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
   if (U_FAILURE(status)) return;
   for (int32_t i = ubrk_next(iterator); i != UBRK_DONE; i = ubrk_next(iterator)) {
     if (static_cast<size_t>(i) < text.size()) marks[static_cast<size_t>(i)] = 1;
@@ -67,10 +73,12 @@ BidiLevels findBidiLevels(std::u16string_view text, BaseDirection base) {
   BidiLevels result;
   result.units.assign(text.size(), 0);
   const Bidi bidi(ubidi_open());
+  if (bidi == nullptr) throw std::bad_alloc();
   UErrorCode status = U_ZERO_ERROR;
   ubidi_setPara(bidi.get(), text.data(), static_cast<int32_t>(text.size()), requestedLevel(base),
                 nullptr, &status);
   const UBiDiLevel* levels = text.empty() ? nullptr : ubidi_getLevels(bidi.get(), &status);
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
   if (U_FAILURE(status)) return result;
   result.paragraph = ubidi_getParaLevel(bidi.get());
   if (levels != nullptr) std::copy_n(levels, text.size(), result.units.begin());

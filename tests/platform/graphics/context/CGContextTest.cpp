@@ -131,8 +131,9 @@ std::vector<PaintCase> paintCases() {
        [](int32_t, int32_t) { return 1.0; }, across},
       {"layer",
        [](CGContext& c) {
-         const CGTransparencyLayerScope layer(c);
+         CGTransparencyLayerScope layer(c);
          c.fill(kFractional);
+         layer.end();
        },
        [](int32_t, int32_t) { return 1.0; },
        [](int32_t x, int32_t y, double alpha) {

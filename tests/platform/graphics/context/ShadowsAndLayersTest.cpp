@@ -178,8 +178,9 @@ TEST(Shadow, EveryKindOfPaintingCastsOne) {
       [&](CGContext& c) { c.stroke(line, pen); },
       [&](CGContext& c) { c.draw(*dot, NSMakeRect(2, 2, 4, 4)); },
       [&](CGContext& c) {
-        const CGTransparencyLayerScope layer(c);
+        CGTransparencyLayerScope layer(c);
         drawGradientInRect(c, gradient, NSMakeRect(2, 2, 4, 4), 0);
+        layer.end();
       },
   };
   for (const auto& kind : kinds) {
@@ -219,8 +220,9 @@ TEST(Shadow, AbsurdValuesAreBounded) {
       context.setShadow({{offset, offset}, blur, kRed});
       context.fill(NSMakeRect(2, 2, 4, 4));
       {
-        const CGTransparencyLayerScope layer(context);
+        CGTransparencyLayerScope layer(context);
         context.fill(NSMakeRect(6, 6, 2, 2));
+        layer.end();
       }
       EXPECT_EQ(wordAt(*bitmap, 3, 5), 0xffff0000U);
       EXPECT_EQ(wordAt(*bitmap, 6, 2), 0xffff0000U);
@@ -261,9 +263,11 @@ TEST(Layer, AppliesTheOuterClipOnce) {
   context.setFillColor(kRed);
   context.clip(NSMakeRect(0.5, 0, 3, 1));
   {
-    const CGTransparencyLayerScope outer(context);
-    const CGTransparencyLayerScope inner(context);
+    CGTransparencyLayerScope outer(context);
+    CGTransparencyLayerScope inner(context);
     context.fill(NSMakeRect(0, 0, 4, 1));
+    inner.end();
+    outer.end();
   }
   EXPECT_EQ(alphaAt(*bitmap, 0, 0), 128U);
   EXPECT_EQ(alphaAt(*bitmap, 1, 0), 255U);
@@ -280,8 +284,9 @@ TEST(Layer, OperationReachesTheWholeClip) {
     context.setOperation(operation);
     context.clip(NSMakeRect(1, 1, 6, 6));
     {
-      const CGTransparencyLayerScope layer(context);
+      CGTransparencyLayerScope layer(context);
       context.fill(NSMakeRect(3, 3, 2, 2));
+      layer.end();
     }
     const uint32_t inLayer = operation == Op::destinationIn ? 0xff0000ffU
                              : operation == Op::sourceOut   ? 0U
@@ -308,10 +313,11 @@ TEST(Layer, ShadowFallsOnceUnderTheWholeContent) {
   context.setAlpha(0.5);
   context.setShadow({{5, -4}, 6, kBlack});
   {
-    const CGTransparencyLayerScope layer(context);
+    CGTransparencyLayerScope layer(context);
     context.setFillColor(kRed);
     context.fill(left);
     context.fill(right);
+    layer.end();
   }
   const Field l = rectField(kSide, left);
   const Field r = rectField(kSide, right);
@@ -330,8 +336,9 @@ TEST(Layer, ContentOutsideTheClipCastsItsShadowIntoIt) {
   context.setFillColor(kBlue);
   context.setShadow({{-30, 0}, 0, kRed});
   {
-    const CGTransparencyLayerScope layer(context);
+    CGTransparencyLayerScope layer(context);
     context.fill(NSMakeRect(34, 0, 100, 4));
+    layer.end();
   }
   for (int64_t x = 0; x < 20; ++x) {
     EXPECT_EQ(wordAt(*bitmap, x, 2), x >= 4 && x < 10 ? 0xff0000ffU : 0U) << x;
@@ -391,11 +398,13 @@ TEST(Layer, ReflectionRecipeFadesTheMirroredDraw) {
   const NSRect strip = NSMakeRect(8, 24, 20, 6);
   context.clip(strip);
   {
-    const CGTransparencyLayerScope mirrored(context);
+    CGTransparencyLayerScope mirrored(context);
     context.fill(rect);
     context.setOperation(Op::destinationIn);
-    const CGTransparencyLayerScope fade(context);
+    CGTransparencyLayerScope fade(context);
     drawGradientInRect(context, CGGradient({{0, {0, 0, 0, 0.7}}, {1, {0, 0, 0, 0}}}), strip, 90);
+    fade.end();
+    mirrored.end();
   }
   context.restoreGState();
   expectPixels(*bitmap, 1.5, [&](int32_t x, int32_t y) {
@@ -456,9 +465,10 @@ TEST(Layer, NothingVisibleTakesNoMemory) {
   CGContext context(bitmap);
   context.setFillColor(kRed);
   context.clip(NSMakeRect(20, 20, 5, 5));
-  const CGTransparencyLayerScope layer(context);
+  CGTransparencyLayerScope layer(context);
   EXPECT_TRUE(context.state().clip.isEmpty());
   context.fill(NSMakeRect(0, 0, 8, 8));
+  layer.end();
 }
 
 }  // namespace

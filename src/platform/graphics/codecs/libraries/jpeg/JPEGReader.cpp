@@ -41,7 +41,7 @@ class JPEGReader {
   static JPEGReader& of(j_common_ptr common) {
     return *static_cast<JPEGReader*>(common->client_data);
   }
-  static void onError(j_common_ptr common) { std::longjmp(of(common).escape_, 1); }
+  [[noreturn]] static void onError(j_common_ptr common);
   static void onMessage(j_common_ptr common, int level);
   static void onProgress(j_common_ptr common);
   static void nothing(j_decompress_ptr) {}
@@ -84,6 +84,12 @@ JPEGReader::JPEGReader(std::span<const uint8_t> file, PictureTarget& target)
 JPEGReader::~JPEGReader() {
   jpeg_destroy_decompress(&decoder_);
   std::free(profile_);
+}
+
+void JPEGReader::onError(j_common_ptr common) {
+  JPEGReader& reader = of(common);
+  if (reader.errors_.msg_code == JERR_OUT_OF_MEMORY) reader.target_.lackMemory();
+  std::longjmp(reader.escape_, 1);
 }
 
 void JPEGReader::onProgress(j_common_ptr common) {

@@ -8,11 +8,12 @@ namespace {
 class JPEGCodec final : public PictureCodec {
  public:
   void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
-    readJPEG(file, target);
+    if (!withinMemory([&] { readJPEG(file, target); })) target.lackMemory();
   }
   bool encode(const PictureSource& picture, double quality,
               std::vector<uint8_t>& file) const override {
-    return writeJPEG(picture, quality, file);
+    bool written = false;
+    return withinMemory([&] { written = writeJPEG(picture, quality, file); }) && written;
   }
 };
 

@@ -8,10 +8,11 @@ namespace {
 class TIFFCodec final : public PictureCodec {
  public:
   void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
-    readTIFF(file, target);
+    if (!withinMemory([&] { readTIFF(file, target); })) target.lackMemory();
   }
   bool encode(const PictureSource& picture, double, std::vector<uint8_t>& file) const override {
-    return writeTIFF(picture, file);
+    bool written = false;
+    return withinMemory([&] { written = writeTIFF(picture, file); }) && written;
   }
 };
 

@@ -41,6 +41,7 @@ class TIFFReader {
   std::optional<TIFFColor> color() const;
   bool readPalette(TIFFSampleLayout& layout) const;
   bool piecesFit(const TIFFSampleLayout& layout, bool tiled) const;
+  void onFailure();
   void describe(const TIFFSampleLayout& layout);
   void readStrips(const TIFFSampleLayout& layout, uint8_t* pixels);
   void readTiles(const TIFFSampleLayout& layout, uint8_t* pixels);
@@ -143,6 +144,7 @@ void TIFFReader::readStrips(const TIFFSampleLayout& layout, uint8_t* pixels) {
   std::vector<uint8_t> packed(static_cast<size_t>(TIFFScanlineSize64(tiff_.get())));
   for (int64_t y = 0; y < picture_.height;) {
     if (TIFFReadScanline(tiff_.get(), packed.data(), static_cast<uint32_t>(y), 0) < 0) {
+      onFailure();
       // The rest of the strip is lost.
       y = (y / stripRows + 1) * stripRows;
       continue;
@@ -163,6 +165,7 @@ void TIFFReader::readTiles(const TIFFSampleLayout& layout, uint8_t* pixels) {
     for (int64_t left = 0; left < picture_.width; left += tileWidth) {
       if (TIFFReadTile(tiff_.get(), packed.data(), static_cast<uint32_t>(left),
                        static_cast<uint32_t>(top), 0, 0) < 0) {
+        onFailure();
         continue;
       }
       const auto count = static_cast<size_t>(std::min(tileWidth, picture_.width - left));
@@ -189,6 +192,18 @@ void TIFFReader::readThroughLibrary() {
                                 static_cast<uint32_t>(picture_.height),
                                 static_cast<uint32_t*>(pixels), picture_.orientation, 0) == 1) {
     target_.finish(0, picture_.height);
+  } else {
+    onFailure();
+  }
+}
+
+/// The library does not tell damage from want of memory. What it was refused, it cannot have now.
+void TIFFReader::onFailure() {
+  const bool tiled = TIFFIsTiled(tiff_.get()) != 0;
+  const uint64_t piece = tiled ? TIFFTileSize64(tiff_.get()) : TIFFStripSize64(tiff_.get());
+  const auto most = std::min(piece, static_cast<uint64_t>(kLargestBlock));
+  if (!hasAddressSpace(static_cast<size_t>(most + fileBytes_) + kLibraryTables)) {
+    target_.lackMemory();
   }
 }
 
@@ -215,6 +230,7 @@ void TIFFReader::describe(const TIFFSampleLayout& layout) {
 }
 
 void TIFFReader::decode() {
+  requireAddressSpace(kLibraryTables);
   tiff_ = memory_.open("r", kLargestBlock);
   if (tiff_ == nullptr) return;
   readInfo();

@@ -8,11 +8,12 @@ namespace {
 class WebPCodec final : public PictureCodec {
  public:
   void decode(std::span<const uint8_t> file, PictureTarget& target) const override {
-    readWebP(file, target);
+    if (!withinMemory([&] { readWebP(file, target); })) target.lackMemory();
   }
   bool encode(const PictureSource& picture, double quality,
               std::vector<uint8_t>& file) const override {
-    return writeWebP(picture, quality, file);
+    bool written = false;
+    return withinMemory([&] { written = writeWebP(picture, quality, file); }) && written;
   }
 };
 

@@ -35,8 +35,10 @@ void readFrame(const WebPIterator& frame, const PictureInfo& picture, uint8_t* p
       static_cast<size_t>(frame.height - 1) * stride + static_cast<size_t>(frame.width) * 4;
   const std::unique_ptr<WebPIDecoder, DeleteDecoder> decoder(
       WebPINewRGB(MODE_RGBA, pixels + offset, size, static_cast<int>(stride)));
-  if (decoder == nullptr) return;
-  WebPIUpdate(decoder.get(), frame.fragment.bytes, frame.fragment.size);
+  if (decoder == nullptr) return target.lackMemory();
+  const VP8StatusCode status =
+      WebPIUpdate(decoder.get(), frame.fragment.bytes, frame.fragment.size);
+  if (status == VP8_STATUS_OUT_OF_MEMORY) return target.lackMemory();
   int rows = 0;
   if (WebPIDecGetRGB(decoder.get(), &rows, nullptr, nullptr, nullptr) == nullptr) return;
   target.finish(frame.y_offset, frame.y_offset + rows);
@@ -48,6 +50,8 @@ void readFrame(const WebPIterator& frame, const PictureInfo& picture, uint8_t* p
 void readWebP(std::span<const uint8_t> file, PictureTarget& target) {
   const WebPData data{file.data(), file.size()};
   WebPDemuxState state = WEBP_DEMUX_PARSE_ERROR;
+  // This one does not tell what it lacks.
+  requireAddressSpace(kLibraryTables);
   const Demuxer demuxer(WebPDemuxPartial(&data, &state));
   if (demuxer == nullptr || state < WEBP_DEMUX_PARSED_HEADER) return;
   WebPIterator frame{};
