@@ -36,8 +36,8 @@ ROOMS = {
         platform/graphics/gradient platform/graphics/path platform/machine""",
     "draw/image": """draw/core draw/raster draw/shapes platform/filters platform/foundation
         platform/foundation/collections platform/foundation/values platform/graphics/bitmap
-        platform/graphics/color platform/graphics/context platform/graphics/path
-        platform/graphics/pixels platform/pictures svg""",
+        platform/graphics/codecs platform/graphics/color platform/graphics/context
+        platform/graphics/path platform/graphics/pixels platform/pictures svg""",
 
     "helper": """platform/foundation platform/graphics/pixels platform/machine
         platform/pictures""",
@@ -58,7 +58,8 @@ ROOMS = {
     "platform/thumbnails": """platform/foundation platform/foundation/values
         platform/graphics/bitmap platform/graphics/context""",
     "platform/pictures": """platform/foundation platform/foundation/values
-        platform/graphics/bitmap platform/graphics/context platform/machine""",
+        platform/graphics/bitmap platform/graphics/codecs platform/graphics/context
+        platform/machine""",
 
     "platform/filters": """platform/filters/color platform/filters/image
         platform/filters/spatial platform/foundation platform/foundation/values

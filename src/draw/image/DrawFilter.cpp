@@ -6,7 +6,8 @@
 const NSClass DrawFilter::kClass{"DrawFilter", &DrawImage::kClass, NSAllocate<DrawFilter>};
 
 std::shared_ptr<DrawImage2> DrawFilter::convertedDraw() const {
-  auto draw = DrawFilter2::initWithImage(image_, nullptr, dFilterType_);
+  auto draw = std::make_shared<DrawFilter2>();
+  draw->init();
   convertInto(*draw);
   draw->setFilterMembers(*this);
   return draw;
@@ -18,7 +19,7 @@ void DrawFilter::setImage(std::shared_ptr<NSBitmapImageRep> image) {
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawFilter::imageForDrawing() {
-  return effectOf(image_, KeepEffect::always);
+  return effectOf(image(), keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);
 }
 
 std::shared_ptr<NSDictionary> DrawFilter::drawAttributes() const {

@@ -35,8 +35,7 @@ void DrawFilter2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
 std::shared_ptr<NSBitmapImageRep> DrawFilter2::imageForDrawing() {
   if (auto effect = cachedEffect()) return effect;
   // A picture that is decoded anew for every drawing takes its effect along when it goes.
-  const bool keepsPicture = cachedImage() != nullptr;
-  return effectOf(image(), keepsPicture ? KeepEffect::always : KeepEffect::whileUsed);
+  return effectOf(image(), keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);
 }
 
 void DrawFilter2::flip(bool horizontal) {

@@ -1,12 +1,13 @@
 #include "draw/image/DrawImage.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "draw/image/DrawFilter.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/image/PictureDrawing.h"
 #include "platform/foundation/values/NSCoder.h"
-#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
 
 const NSClass DrawImage::kClass{"DrawImage", &DrawRectangle::kClass, NSAllocate<DrawImage>};
@@ -18,9 +19,20 @@ constexpr const char* kOpacity = "Opacity";
 
 }  // namespace
 
+std::shared_ptr<NSBitmapImageRep> DrawImage::image() const {
+  return image_ == nullptr && encoded_ != nullptr ? encoded_->bitmap() : image_;
+}
+
+void DrawImage::setImage(std::shared_ptr<NSBitmapImageRep> image) {
+  image_ = std::move(image);
+  encoded_ = nullptr;
+  failure_ = PictureFailure::none;
+}
+
 CGFloat DrawImage::width2HeightRatioForShift() const {
-  if (image_ == nullptr || image_->pixelsHigh() == 0) return 1;
-  return image_->size().width / image_->size().height;
+  const auto shown = image();
+  return shown == nullptr || shown->pixelsHigh() == 0 ? 1
+                                                      : shown->size().width / shown->size().height;
 }
 
 float DrawImage::percent() const {
@@ -32,16 +44,24 @@ void DrawImage::convertInto(DrawImage2& draw) const {
   draw.copyCommonAttributesFrom(*this);
   if (!(draw.lineWidth() > 0)) draw.setEnableStroke(false);
   draw.setOpacity(static_cast<uint64_t>(percent()));
-  if (isImageUnreadable_) draw.setImageUnreadable();
+  if (image_ != nullptr) {
+    draw.setImage(image_);
+  } else {
+    draw.setEncodedImage(encoded_);
+  }
+  if (failure_ != PictureFailure::none) draw.setImageUnreadable();
 }
 
 PictureFailure DrawImage::pictureFailure() {
-  return isImageUnreadable_ && image_ == nullptr ? PictureFailure::unreadable
-                                                 : PictureFailure::none;
+  if (failure_ != PictureFailure::none || encoded_ == nullptr) return failure_;
+  bool isTooLarge = false;
+  if (encoded_->bitmap(&isTooLarge) != nullptr) return PictureFailure::none;
+  return isTooLarge ? PictureFailure::tooLarge : PictureFailure::unreadable;
 }
 
 std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
-  auto draw = DrawImage2::initWithImage(image_);
+  auto draw = std::make_shared<DrawImage2>();
+  draw->init();
   convertInto(*draw);
   return draw;
 }
@@ -64,8 +84,10 @@ void DrawImage::_draw(CastShadow cast) {
 
 bool DrawImage::initWithCoder(NSCoder& coder) {
   if (!DrawRectangle::initWithCoder(coder)) return false;
-  setImage(coder.decodeObjectOfClass<NSBitmapImageRep>(kImage));
-  isImageUnreadable_ = image_ == nullptr && coder.containsValueForKey(kImage);
+  encoded_ = coder.decodeObjectOfClass<EncodedBitmap>(kImage);
+  if (encoded_ == nullptr && coder.containsValueForKey(kImage)) {
+    failure_ = PictureFailure::unreadable;
+  }
   fImageOpacity_ = coder.containsValueForKey(kOpacity) ? coder.decodeFloatForKey(kOpacity) : 1;
   if (bezierPath_ != nullptr) bezierPath_->setLineWidth(0);
   return true;
@@ -73,7 +95,7 @@ bool DrawImage::initWithCoder(NSCoder& coder) {
 
 void DrawImage::encodeWithCoder(NSCoder& coder) const {
   DrawRectangle::encodeWithCoder(coder);
-  coder.encodeObject(image_, kImage);
+  coder.encodeObject(image(), kImage);
   coder.encodeFloat(fImageOpacity_, kOpacity);
 }
 

@@ -3,6 +3,7 @@
 #include "draw/shapes/DrawRectangle.h"
 
 class DrawImage2;
+class EncodedBitmap;
 class NSBitmapImageRep;
 
 /// Legacy bitmap draw; documents replace it by its convertedDraw when they are read.
@@ -14,10 +15,11 @@ class DrawImage : public DrawRectangle {
   bool shouldAntialias() const override { return true; }
   bool drawFill() const override { return true; }
 
-  const std::shared_ptr<NSBitmapImageRep>& image() const { return image_; }
-  virtual void setImage(std::shared_ptr<NSBitmapImageRep> image) { image_ = std::move(image); }
+  /// The bitmap, not to be changed; null when there is none or it cannot be decoded.
+  std::shared_ptr<NSBitmapImageRep> image() const;
+  virtual void setImage(std::shared_ptr<NSBitmapImageRep> image);
   /// What the draw shows; may be null.
-  virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image_; }
+  virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image(); }
   /// Width by height of the bitmap; 1 without one or its height.
   CGFloat width2HeightRatioForShift() const override;
 
@@ -34,17 +36,20 @@ class DrawImage : public DrawRectangle {
   void encodeWithCoder(NSCoder& coder) const override;
 
  protected:
-  /// Gives a converted draw what all draws share, and this one's opacity.
+  /// Gives a converted draw what all draws share, and this one's bitmap and opacity.
   void convertInto(DrawImage2& draw) const;
 
-  std::shared_ptr<NSBitmapImageRep> image_;
-  float fImageOpacity_ = 1;
+  /// Whether the draw keeps its bitmap, rather than what that is decoded from.
+  bool keepsImage() const { return image_ != nullptr; }
 
  private:
   /// Opacity of the picture and that of the draw together, 0 to 100.
   float percent() const;
 
-  bool isImageUnreadable_ = false;  ///< the archive held one
+  std::shared_ptr<NSBitmapImageRep> image_;
+  std::shared_ptr<const EncodedBitmap> encoded_;  ///< while no bitmap was set; may be null
+  float fImageOpacity_ = 1;
+  PictureFailure failure_ = PictureFailure::none;  ///< why the archive's bitmap is not shown
 };
 
 /// The replacement of a draw whose class is exactly one of the legacy classes; null for all others.

@@ -7,6 +7,7 @@
 #include "draw/image/DrawPDF.h"
 #include "draw/image/DrawSVG.h"
 #include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 
 const NSClass DrawImage2::kClass{"DrawImage2", &DrawRoundRectangle::kClass, NSAllocate<DrawImage2>};
 
@@ -49,9 +50,9 @@ std::shared_ptr<NSBitmapImageRep> DrawImage2::image() const {
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage(PictureFailure* failure) const {
-  if (imageData_ == nullptr) return nullptr;
+  if (encoded_ == nullptr) return nullptr;
   bool isTooLarge = false;
-  auto image = NSBitmapImageRep::imageRepWithData(*imageData_, &isTooLarge);
+  auto image = encoded_->bitmap(&isTooLarge);
   if (image == nullptr) {
     *failure = isTooLarge ? PictureFailure::tooLarge : PictureFailure::unreadable;
   }
@@ -65,8 +66,13 @@ PictureFailure DrawImage2::pictureFailure() {
 void DrawImage2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
   _image = std::move(image);
   madeImage_.reset();
-  imageData_ = nullptr;
+  encoded_ = nullptr;
   failure_ = PictureFailure::none;
+}
+
+void DrawImage2::setEncodedImage(std::shared_ptr<const EncodedBitmap> image) {
+  setImage(nullptr);
+  encoded_ = std::move(image);
 }
 
 NSSize DrawImage2::originalSize() const {

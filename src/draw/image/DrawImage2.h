@@ -2,13 +2,14 @@
 
 #include "draw/shapes/DrawRectangle.h"
 
+class EncodedBitmap;
 class NSBitmapImageRep;
 class NSData;
 
 /// A bitmap stretched into the bounds of the draw's path, whatever its aspect ratio.
 ///
-/// A bitmap that came in a file's bytes is decoded when somebody wants to see it, and kept only as
-/// long as somebody does: a document with many pictures needs memory for one of them at a time.
+/// A bitmap that came encoded is decoded when somebody wants to see it, and kept only as long as
+/// somebody does: a document with many pictures needs memory for one of them at a time.
 class DrawImage2 : public DrawRoundRectangle {
  public:
   static const NSClass kClass;
@@ -25,9 +26,11 @@ class DrawImage2 : public DrawRoundRectangle {
   /// A draw with the bitmap's bounds as its path and no line. With a null bitmap the path is empty.
   static std::shared_ptr<DrawImage2> initWithImage(std::shared_ptr<NSBitmapImageRep> image);
 
-  /// The bitmap; null when there is none or it cannot be decoded.
+  /// The bitmap, not to be changed; null when there is none or it cannot be decoded.
   std::shared_ptr<NSBitmapImageRep> image() const;
   virtual void setImage(std::shared_ptr<NSBitmapImageRep> image);
+  /// Sets a bitmap that is not decoded yet; may be null.
+  void setEncodedImage(std::shared_ptr<const EncodedBitmap> image);
   /// What the draw shows; may be null.
   virtual std::shared_ptr<NSBitmapImageRep> imageForDrawing() { return image(); }
   /// Pixels of the bitmap; zero without one.
@@ -64,11 +67,13 @@ class DrawImage2 : public DrawRoundRectangle {
  protected:
   /// Gives a new draw its defaults, and the bitmap's bounds as its path, without a line.
   void initWithBitmap(std::shared_ptr<NSBitmapImageRep> image);
-  /// Decodes or draws the bitmap when none was set. Null when that fails, for the reason that
-  /// `failure` takes, or when there is nothing to make it from.
+  /// Decodes or draws the bitmap when none was set, and does not keep it. Null when that fails, for
+  /// the reason that `failure` takes, or when there is nothing to make it from.
   virtual std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const;
   /// The bitmap that is there without making one; may be null.
   std::shared_ptr<NSBitmapImageRep> cachedImage() const;
+  /// Whether the draw keeps its bitmap, rather than what that is made from.
+  bool keepsImage() const { return _image != nullptr; }
 
  private:
   void normalizeOpacity();
@@ -83,5 +88,5 @@ class DrawImage2 : public DrawRoundRectangle {
   mutable bool _hasRerender = false;
   mutable std::weak_ptr<NSBitmapImageRep> madeImage_;
   mutable PictureFailure failure_ = PictureFailure::none;  ///< why there is no bitmap
-  std::shared_ptr<NSData> imageData_;  ///< what the bitmap is decoded from, while none was set
+  std::shared_ptr<const EncodedBitmap> encoded_;           ///< while no bitmap was set; may be null
 };

@@ -2,7 +2,7 @@
 #include "draw/image/DrawImage2.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/foundation/values/NSData.h"
-#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 
 namespace {
 
@@ -36,11 +36,8 @@ bool DrawImage2::initWithCoder(NSCoder& coder) {
 
 void DrawImage2::initImageWithCoder(NSCoder& coder) {
   _hasRerender = coder.decodeBoolForKey(kHasRerender);
-  _image = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
-  if (_image == nullptr) imageData_ = coder.decodeDataForKey(kImageData);
-  if (_image == nullptr && imageData_ == nullptr && coder.containsValueForKey(kImage)) {
-    setImageUnreadable();
-  }
+  encoded_ = decodeBitmapForKeys(coder, kImage, kImageData);
+  if (encoded_ == nullptr && coder.containsValueForKey(kImage)) setImageUnreadable();
 }
 
 void DrawImage2::encodeWithCoder(NSCoder& coder) const {

@@ -52,9 +52,14 @@ NSSize DrawPDF::originalPDFSize() const {
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage(PictureFailure* failure) const {
-  if (const auto& page = pdfPage()) return page->bitmapWithSize(rasterSize(pathBounds()), failure);
-  if (pdfData_ != nullptr && pdfData_->length() > 0) *failure = pageFailure_;
-  return nullptr;
+  const NSSize size = rasterSize(pathBounds());
+  const auto draw = [&]() -> std::shared_ptr<NSBitmapImageRep> {
+    if (const auto& page = pdfPage()) return page->bitmapWithSize(size, failure);
+    if (pdfData_ != nullptr && pdfData_->length() > 0) *failure = pageFailure_;
+    return nullptr;
+  };
+  return pdfData_ == nullptr ? draw()
+                             : rememberedRaster(PictureKey::Kind::pdf, pdfData_, size, 0, draw);
 }
 
 void DrawPDF::flip(bool horizontal) {

@@ -46,8 +46,11 @@ std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage(PictureFailure* failure) co
   if (_svgData == nullptr) return nullptr;
   *failure = PictureFailure::unreadable;
   if (!ZTSVGTool::isSVGFormatData(_svgData.get())) return nullptr;
-  return ZTSVGTool::imageWithSVGData(_svgData.get(), rasterSize(pathBounds()), false, engine(),
-                                     failure);
+  const NSSize size = rasterSize(pathBounds());
+  const SVGEngine svg = engine();
+  return rememberedRaster(PictureKey::Kind::svg, _svgData, size, static_cast<int64_t>(svg), [&] {
+    return ZTSVGTool::imageWithSVGData(_svgData.get(), size, false, svg, failure);
+  });
 }
 
 void DrawSVG::flip(bool horizontal) {

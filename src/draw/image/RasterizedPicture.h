@@ -1,8 +1,14 @@
 #pragma once
 
 #include <cmath>
+#include <cstdint>
+#include <functional>
+#include <memory>
 
 #include "platform/foundation/Geometry.h"
+#include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
+#include "platform/graphics/codecs/PictureCache.h"
 
 // What draws share that make a bitmap of a document.
 
@@ -12,4 +18,20 @@ inline constexpr const char* kFlipVertical = "FlipVertical";
 /// The whole pixels of a draw's bitmap, halves rounded away from zero.
 inline NSSize rasterSize(const NSRect& bounds) {
   return {std::round(NSWidth(bounds)), std::round(NSHeight(bounds))};
+}
+
+/// The bitmap that `draw` makes of a document in that size, or the one that the document drawn now
+/// remembers, which must not be changed.
+inline std::shared_ptr<NSBitmapImageRep> rememberedRaster(
+    PictureKey::Kind kind, const std::shared_ptr<NSData>& data, const NSSize& size, int64_t variant,
+    const std::function<std::shared_ptr<NSBitmapImageRep>()>& draw) {
+  // What does not fit into numbers is no size of a bitmap either.
+  constexpr CGFloat kLargest = 1e9;
+  if (!(std::abs(size.width) < kLargest && std::abs(size.height) < kLargest)) return draw();
+  const PictureKey key{
+      kind,
+      {static_cast<int64_t>(size.width), static_cast<int64_t>(size.height), variant},
+      data->bytes(),
+      data};
+  return remembered<NSBitmapImageRep>(key, PictureCache::Keep::whenRepeated, draw, pixelBytes);
 }

@@ -8,8 +8,8 @@
 #include "platform/foundation/Limits.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/foundation/values/NSData.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 #include "platform/graphics/bitmap/ImageFiles.h"
-#include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
 
@@ -42,10 +42,7 @@ void DrawAirbrush::init() {
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawAirbrush::image() const {
-  if (image_ != nullptr || imageData_ == nullptr) return image_;
-  auto image = decodedImage_.lock();
-  if (image == nullptr) decodedImage_ = image = decodeImage(imageData_->bytes());
-  return image;
+  return image_ == nullptr && encoded_ != nullptr ? encoded_->bitmap() : image_;
 }
 
 std::shared_ptr<NSBezierPath> DrawAirbrush::sprayPathAtPoint(NSPoint point) const {
@@ -117,8 +114,8 @@ void DrawAirbrush::drawBaked(const NSBitmapImageRep& image, CastShadow cast) con
 bool DrawAirbrush::initWithCoder(NSCoder& coder) {
   if (!DrawBase::initWithCoder(coder)) return false;
   if (coder.containsValueForKey(kBrushWidth)) fBrushWidth_ = coder.decodeFloatForKey(kBrushWidth);
-  image_ = coder.decodeObjectOfClass<NSBitmapImageRep>(kImage);
-  if (image_ == nullptr) imageData_ = coder.decodeObjectOfClass<NSData>(kImageData);
+  encoded_ = decodeBitmapForKeys(coder, kImage, kImageData);
+  if (!coder.containsValueForKey(kImage)) imageData_ = coder.decodeDataForKey(kImageData);
   replaceBezierPathWithImageIfPossible();
   return true;
 }
@@ -128,7 +125,8 @@ void DrawAirbrush::encodeWithCoder(NSCoder& coder) const {
   coder.encodeFloat(fBrushWidth_, kBrushWidth);
   const auto baked = image();
   if (baked == nullptr) return;
-  if (image_ == nullptr && imageFormatOf(imageData_->bytes()) == ImageFormat::png) {
+  const bool isFile = image_ == nullptr && imageData_ != nullptr;
+  if (isFile && imageFormatOf(imageData_->bytes()) == ImageFormat::png) {
     coder.encodeObject(imageData_, kImageData);
     return;
   }

@@ -2,6 +2,8 @@
 
 #include "draw/core/DrawBase.h"
 
+class EncodedBitmap;
+
 /// A freehand stroke, stored as a path whose line width is the brush width. A path that goes
 /// nowhere (a move and a line to the same point) is a dot.
 class DrawPen : public DrawBase {
@@ -87,6 +89,6 @@ class DrawAirbrush : public DrawBase {
 
   float fBrushWidth_ = 30;
   std::shared_ptr<NSBitmapImageRep> image_;
-  std::shared_ptr<NSData> imageData_;  ///< what the spray is decoded from, while there is no image_
-  mutable std::weak_ptr<NSBitmapImageRep> decodedImage_;
+  std::shared_ptr<const EncodedBitmap> encoded_;  ///< from an archive, while there is no image_
+  std::shared_ptr<NSData> imageData_;             ///< its file where that is known
 };

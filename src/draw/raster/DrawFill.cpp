@@ -83,11 +83,6 @@ void DrawFill::setOpacity(uint64_t percent) {
   setFillColor(colorFill_->colorWithAlphaComponent(alpha));
 }
 
-void DrawFill::setFillColor(std::shared_ptr<NSColor> color) {
-  DrawBase::setFillColor(std::move(color));
-  imgRepRender_ = nullptr;
-}
-
 void DrawFill::moveMaskToPath() {
   if (mask_ != nullptr) mask_->setMaskStartPoint(pathBounds().origin);
 }
@@ -108,7 +103,6 @@ void DrawFill::flip(bool horizontal) {
   // The mirror image of a turn is the turn the other way.
   setRotateDegree(-fRotateDegree_);
   if (mask_ != nullptr) mask_->flip(horizontal);
-  imgRepRender_ = nullptr;
 }
 
 bool DrawFill::isTurned() const {
@@ -163,12 +157,11 @@ void DrawFill::paintPath() const {
   }
 }
 
-void DrawFill::paintMask() {
+void DrawFill::paintMask() const {
   if (mask_ == nullptr || colorFill_ == nullptr) return;
-  if (imgRepRender_ == nullptr) {
-    imgRepRender_ = mask_->renderImageWithColor(colorFill_->colorWithAlphaComponent(1).get());
-  }
-  if (imgRepRender_ == nullptr) return;
+  // Made anew each time: kept, the bitmaps of a document's fills would take more than the canvas.
+  const auto image = mask_->renderImageWithColor(colorFill_->colorWithAlphaComponent(1).get());
+  if (image == nullptr) return;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   CGContext& port = *context.graphicsPort();
   context.setCompositingOperation(NSCompositingOperation::sourceOver);
@@ -179,8 +172,8 @@ void DrawFill::paintMask() {
       CGAffineTransformMakeTranslation(std::trunc(rect.origin.x + 0.5) - rect.origin.x,
                                        std::trunc(rect.origin.y + 0.5) - rect.origin.y));
   // What lies under the region goes first, so that a translucent colour replaces it too.
-  drawInRect(*imgRepRender_, rect, NSZeroRect, NSCompositingOperation::destinationOut, 1);
-  drawInRect(*imgRepRender_, rect, NSZeroRect, NSCompositingOperation::sourceOver,
+  drawInRect(*image, rect, NSZeroRect, NSCompositingOperation::destinationOut, 1);
+  drawInRect(*image, rect, NSZeroRect, NSCompositingOperation::sourceOver,
              colorFill_->alphaComponent());
 }
 

@@ -40,7 +40,6 @@ class DrawFill : public DrawBase {
   uint64_t opacity() const override;
   /// Gives the fill colour that alpha.
   void setOpacity(uint64_t percent) override;
-  void setFillColor(std::shared_ptr<NSColor> color) override;
 
   // The mask follows the path: it starts where the path's bounds start.
   void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
@@ -62,7 +61,7 @@ class DrawFill : public DrawBase {
   bool isTurned() const;
   bool canWritePixels(const NSBitmapImageRep* image) const;
   void paintPath() const;
-  void paintMask();
+  void paintMask() const;
   void moveMaskToPath();
   void setPathStyle();
   void upgradeDecoded(bool typeIsKnown);
@@ -71,8 +70,6 @@ class DrawFill : public DrawBase {
 
   int64_t fillType_ = kMaskFill;
   std::shared_ptr<ImageMask> mask_;
-  /// The mask in the fill colour, opaque; made when the mask has to be drawn rather than written.
-  std::shared_ptr<NSBitmapImageRep> imgRepRender_;
 };
 
 /// An area cleared to transparency.

@@ -126,4 +126,9 @@ inline constexpr int64_t kPictureWallMilliseconds = 30000;
 /// stays below the elapsed time that the thumbnailer has.
 inline constexpr int64_t kCompositionPictureMilliseconds = 20000;
 
+/// Bytes that a document keeps of what it made of pictures, to be used again: decoded and drawn
+/// bitmaps of pictures that are shown several times, and colour conversions. As much as one bitmap
+/// of a common camera.
+inline constexpr size_t kPictureCacheBytes = size_t{128} << 20;
+
 }  // namespace limits

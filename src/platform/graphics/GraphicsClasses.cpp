@@ -1,7 +1,7 @@
 #include "platform/graphics/GraphicsClasses.h"
 
 #include "platform/graphics/bitmap/BitmapArchives.h"
-#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 #include "platform/graphics/bitmap/NSImage.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/color/NSColorSpace.h"
@@ -13,7 +13,7 @@
 void registerGraphicsClasses() {
   static const bool registered = [] {
     static constexpr const NSClass* kClasses[] = {&NSAffineTransform::kClass, &NSBezierPath::kClass,
-                                                  &NSBitmapImageRep::kClass,  &NSColor::kClass,
+                                                  &EncodedBitmap::kClass,     &NSColor::kClass,
                                                   &NSColorSpace::kClass,      &NSGradient::kClass,
                                                   &NSShadow::kClass,          &NSImage::kClass};
     NSRegisterClasses(kClasses);

@@ -24,7 +24,7 @@ void PictureSession::leaveOut(const void* draw, LeftOutPicture picture) {
 }
 
 PictureSessionScope::PictureSessionScope(PictureSession& session)
-    : outer_(std::exchange(gCurrent, &session)) {}
+    : outer_(std::exchange(gCurrent, &session)), cache_(session.cache()) {}
 
 PictureSessionScope::~PictureSessionScope() {
   gCurrent = outer_;

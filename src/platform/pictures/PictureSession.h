@@ -8,6 +8,7 @@
 
 #include "platform/foundation/Limits.h"
 #include "platform/foundation/PaintExport.h"
+#include "platform/graphics/codecs/PictureCache.h"
 #include "platform/pictures/PictureFailure.h"
 
 /// What draws SVG pictures: the system's renderer (librsvg) where it is installed, or the engine of
@@ -66,6 +67,9 @@ class PictureSession {
   void leaveOut(const void* draw, LeftOutPicture picture);
   const std::vector<LeftOutPicture>& leftOut() const { return leftOut_; }
 
+  /// What was made of the pictures and is needed again.
+  PictureCache& cache() { return cache_; }
+
  private:
   SVGEngine engine_ = SVGEngine::system;
   PictureLimits limits_;
@@ -73,9 +77,10 @@ class PictureSession {
   PictureFailure helperFailure_ = PictureFailure::none;
   std::vector<LeftOutPicture> leftOut_;
   std::unordered_set<const void*> leftOutDraws_;
+  PictureCache cache_;
 };
 
-/// Makes a session current for the length of a scope.
+/// Makes a session and its cache current for the length of a scope.
 class PictureSessionScope {
  public:
   explicit PictureSessionScope(PictureSession& session);
@@ -85,4 +90,5 @@ class PictureSessionScope {
 
  private:
   PictureSession* outer_;
+  PictureCacheScope cache_;
 };

@@ -4,23 +4,27 @@
 
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/foundation/values/NSData.h"
-#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
 
-std::shared_ptr<NSBitmapImageRep> pictureInData(NSCoder& coder, std::string_view key) {
-  const auto file = coder.decodeDataForKey(key);
-  return file == nullptr ? nullptr : NSBitmapImageRep::imageRepWithData(*file);
-}
-
-std::shared_ptr<NSBitmapImageRep> pictureInAnyData(NSCoder& coder) {
+std::vector<std::shared_ptr<const NSData>> pictureFiles(NSCoder& coder) {
+  std::vector<std::shared_ptr<const NSData>> files;
+  const auto add = [&](std::string_view key) {
+    const auto data = coder.decodeDataForKey(key);
+    if (data != nullptr && imageFormatOf(data->bytes()) != ImageFormat::unknown) {
+      files.push_back(data);
+    }
+  };
+  add(kTIFFRepresentation);
   for (const std::string& key : coder.decodableKeys()) {
-    if (auto picture = pictureInData(coder, key)) return picture;
+    if (key != kTIFFRepresentation) add(key);
   }
-  return nullptr;
+  return files;
 }
 
 std::span<const NSClass* const> otherImageRepClasses() {
   static constexpr auto kind = [](std::string_view name) {
-    return NSClass{name, &NSBitmapImageRep::kClass, NSAllocate<NSBitmapImageRep>};
+    return NSClass{name, &EncodedBitmap::kClass, NSAllocate<EncodedBitmap>};
   };
   // Kept off screen by old systems; pages; drawn by code.
   static const NSClass kKinds[] = {kind("NSCachedImageRep"), kind("NSPDFImageRep"),

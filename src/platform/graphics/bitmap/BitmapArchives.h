@@ -2,20 +2,20 @@
 
 #include <memory>
 #include <span>
-#include <string_view>
+#include <vector>
 
 #include "platform/foundation/NSObject.h"
 
-class NSBitmapImageRep;
 class NSCoder;
+class NSData;
 
-/// The picture in the data under a key of the record open on the coder; null when there is none.
-std::shared_ptr<NSBitmapImageRep> pictureInData(NSCoder& coder, std::string_view key);
+/// The key under which the record of a bitmap holds it as a TIFF file.
+inline constexpr const char* kTIFFRepresentation = "NSTIFFRepresentation";
 
-/// The first data in the record open on the coder that is a picture, whatever its key: writers
-/// differ in where they put one. Null when there is none.
-std::shared_ptr<NSBitmapImageRep> pictureInAnyData(NSCoder& coder);
+/// The data in the record open on the coder that begin like picture files, that under the usual key
+/// first: writers differ in where they put one. Nothing is decoded.
+std::vector<std::shared_ptr<const NSData>> pictureFiles(NSCoder& coder);
 
-/// Other representations of pictures that archives name. Those that hold a picture this engine
-/// decodes become bitmaps; the rest (pages, drawing code) decode to nil.
+/// Other representations of pictures that archives name. Those that hold a picture become bitmaps;
+/// the rest (pages, drawing code) decode to nil.
 std::span<const NSClass* const> otherImageRepClasses();

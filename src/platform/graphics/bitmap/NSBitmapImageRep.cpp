@@ -14,8 +14,6 @@ namespace {
 /// What bitmaps share with pages and the like; archives list it among a bitmap's classes.
 constexpr NSClass kImageRepClass{"NSImageRep", &NSObject::kClass, nullptr};
 
-constexpr const char* kTIFFRepresentation = "NSTIFFRepresentation";
-
 std::vector<uint8_t> encoded(const NSBitmapImageRep& bitmap, NSBitmapImageFileType type,
                              double compressionFactor) {
   switch (type) {
@@ -31,8 +29,7 @@ std::vector<uint8_t> encoded(const NSBitmapImageRep& bitmap, NSBitmapImageFileTy
 
 }  // namespace
 
-const NSClass NSBitmapImageRep::kClass{"NSBitmapImageRep", &kImageRepClass,
-                                       NSAllocate<NSBitmapImageRep>};
+const NSClass NSBitmapImageRep::kClass{"NSBitmapImageRep", &kImageRepClass, nullptr};
 
 std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::create(int64_t pixelsWide, int64_t pixelsHigh) {
   if (!PixelBuffer::canHold(pixelsWide, pixelsHigh)) return nullptr;
@@ -52,14 +49,6 @@ std::shared_ptr<NSData> NSBitmapImageRep::representationUsingType(NSBitmapImageF
 
 std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::copy() const {
   return std::make_shared<NSBitmapImageRep>(pixels_.copy());
-}
-
-bool NSBitmapImageRep::initWithCoder(NSCoder& coder) {
-  auto picture = pictureInData(coder, kTIFFRepresentation);
-  if (picture == nullptr) picture = pictureInAnyData(coder);
-  if (picture == nullptr) return false;
-  pixels_.swap(picture->pixels_);
-  return true;
 }
 
 void NSBitmapImageRep::encodeWithCoder(NSCoder& coder) const {

@@ -25,7 +25,7 @@ class PAINT_API NSBitmapImageRep : public NSObject {
   /// limits::kMaxCanvasPixels; throws std::bad_alloc when the system has no memory for it.
   static std::shared_ptr<NSBitmapImageRep> create(int64_t pixelsWide, int64_t pixelsHigh);
 
-  /// An empty bitmap of 0 by 0 pixels; archives allocate this before decoding.
+  /// An empty bitmap of 0 by 0 pixels.
   NSBitmapImageRep() = default;
   explicit NSBitmapImageRep(PixelBuffer pixels) : pixels_(std::move(pixels)) {}
   NSBitmapImageRep(const NSBitmapImageRep&) = delete;
@@ -45,10 +45,8 @@ class PAINT_API NSBitmapImageRep : public NSObject {
   }
 
   const NSClass& classInfo() const override { return kClass; }
-  /// The record holds the bitmap as a TIFF file, or as any other picture that decodes; false when
-  /// it holds none.
-  bool initWithCoder(NSCoder& coder) override;
-  /// Throws NSException (NSInvalidArchiveOperationException) for a bitmap without representation.
+  /// As a TIFF file; what is read again is an EncodedBitmap. Throws NSException
+  /// (NSInvalidArchiveOperationException) for a bitmap without representation.
   void encodeWithCoder(NSCoder& coder) const override;
 
   int64_t pixelsWide() const { return pixels_.width(); }

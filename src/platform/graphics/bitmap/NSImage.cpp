@@ -3,35 +3,38 @@
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/foundation/values/NSNumber.h"
-#include "platform/graphics/bitmap/BitmapArchives.h"
-#include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 
 const NSClass NSImage::kClass{"NSImage", &NSObject::kClass, NSAllocate<NSImage>};
 
-namespace {
-
-using BitmapPointer = std::shared_ptr<NSBitmapImageRep>;
-
-void keepLarger(BitmapPointer& best, const std::shared_ptr<NSObject>& object) {
-  const auto bitmap = std::dynamic_pointer_cast<NSBitmapImageRep>(object);
-  if (bitmap == nullptr) return;
+std::shared_ptr<NSBitmapImageRep> NSImage::representation() const {
   const auto pixels = [](const NSBitmapImageRep& b) { return b.pixelsWide() * b.pixelsHigh(); };
-  if (best == nullptr || pixels(*bitmap) > pixels(*best)) best = bitmap;
+  auto best = representation_;
+  for (const auto& encoded : encoded_) {
+    auto bitmap = encoded->bitmap();
+    const bool isLarger = bitmap != nullptr && (best == nullptr || pixels(*bitmap) > pixels(*best));
+    if (isLarger) best = std::move(bitmap);
+  }
+  return best;
 }
 
-}  // namespace
-
 bool NSImage::initWithCoder(NSCoder& coder) {
+  const auto add = [this](const std::shared_ptr<NSObject>& object) {
+    auto bitmap = std::dynamic_pointer_cast<EncodedBitmap>(object);
+    if (bitmap != nullptr) encoded_.push_back(std::move(bitmap));
+  };
   if (const auto representations = coder.decodeObjectOfClass<NSArray>("NSReps")) {
     for (const auto& entry : *representations) {
-      keepLarger(representation_, entry);
+      add(entry);
       // Usually a pair of a kind and the representation.
       const auto pair = std::dynamic_pointer_cast<NSArray>(entry);
       if (pair == nullptr) continue;
-      for (const auto& part : *pair) keepLarger(representation_, part);
+      for (const auto& part : *pair) add(part);
     }
   }
-  if (representation_ == nullptr) representation_ = pictureInAnyData(coder);
+  if (!encoded_.empty()) return true;
+  auto own = std::make_shared<EncodedBitmap>();
+  if (own->initWithCoder(coder)) encoded_.push_back(std::move(own));
   return true;
 }
 
@@ -39,10 +42,11 @@ void NSImage::encodeWithCoder(NSCoder& coder) const {
   // The picture has a size of its own, in points.
   constexpr int32_t kSizeIsSet = 0x20C00000;
   constexpr int64_t kRepresentationFollows = 0;
-  if (representation_ == nullptr) return;
+  const auto bitmap = representation();
+  if (bitmap == nullptr) return;
   coder.encodeInt32(kSizeIsSet, "NSImageFlags");
-  coder.encodeSize(representation_->size(), "NSSize");
+  coder.encodeSize(bitmap->size(), "NSSize");
   coder.encodeObject(NSArray::arrayWithObjects({NSArray::arrayWithObjects(
-                         {NSNumber::numberWithInteger(kRepresentationFollows), representation_})}),
+                         {NSNumber::numberWithInteger(kRepresentationFollows), bitmap})}),
                      "NSReps");
 }

@@ -2,13 +2,15 @@
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "platform/foundation/NSObject.h"
 
+class EncodedBitmap;
 class NSBitmapImageRep;
 
 /// A picture in archives, usually that of a pattern colour: its representations, of which the one
-/// with the most pixels is kept.
+/// with the most pixels counts. They stay encoded until one is asked for.
 class NSImage : public NSObject {
  public:
   static const NSClass kClass;
@@ -18,7 +20,7 @@ class NSImage : public NSObject {
       : representation_(std::move(representation)) {}
 
   /// Null for a picture that is only named, or whose data is lost.
-  const std::shared_ptr<NSBitmapImageRep>& representation() const { return representation_; }
+  std::shared_ptr<NSBitmapImageRep> representation() const;
 
   const NSClass& classInfo() const override { return kClass; }
   /// Never nil: what cannot be understood is a picture without representation.
@@ -27,4 +29,5 @@ class NSImage : public NSObject {
 
  private:
   std::shared_ptr<NSBitmapImageRep> representation_;
+  std::vector<std::shared_ptr<const EncodedBitmap>> encoded_;
 };

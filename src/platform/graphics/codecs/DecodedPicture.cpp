@@ -2,8 +2,10 @@
 
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "platform/graphics/codecs/ExifOrientation.h"
+#include "platform/graphics/codecs/PictureCache.h"
 #include "platform/graphics/codecs/PixelConversion.h"
 #include "platform/graphics/pixels/PixelMoves.h"
 
@@ -18,6 +20,33 @@ PixelMove uprighting(int orientation) {
   return orientation >= 1 && orientation <= 8 ? kMoves[orientation - 1] : kMoves[0];
 }
 
+/// What a profile was found to mean; no conversion for one that changes nothing.
+struct KnownProfile {
+  std::vector<uint8_t> bytes;
+  std::shared_ptr<const ProfileConversion> conversion;
+};
+
+/// Making a conversion costs as much as a picture of some 100,000 pixels: those of a document are
+/// remembered.
+std::shared_ptr<const ProfileConversion> conversionFor(const PictureInfo& info) {
+  if (info.profile.empty()) return nullptr;
+  PictureCache* const cache = PictureCache::current();
+  PictureKey key{
+      PictureKey::Kind::profile, {static_cast<int64_t>(info.model)}, info.profile, nullptr};
+  const auto known = cache == nullptr ? nullptr : cache->find(key);
+  if (known != nullptr) return std::static_pointer_cast<const KnownProfile>(known)->conversion;
+  std::shared_ptr<const ProfileConversion> conversion =
+      ProfileConversion::create(info.profile, info.model);
+  if (cache == nullptr) return conversion;
+  // The bytes of the key go with the picture.
+  const auto made = std::make_shared<KnownProfile>(
+      KnownProfile{{info.profile.begin(), info.profile.end()}, conversion});
+  key.bytes = made->bytes;
+  key.owner = made;
+  cache->add(key, made, made->bytes.size() + ProfileConversion::kBytes, PictureCache::Keep::always);
+  return conversion;
+}
+
 }  // namespace
 
 uint8_t* DecodedPicture::begin(const PictureInfo& info) {
@@ -26,7 +55,7 @@ uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   if (isTooLarge_) return nullptr;
   try {
     pixels_.emplace(info.width, info.height);
-    conversion_ = ProfileConversion::create(info.profile, info.model);
+    conversion_ = conversionFor(info);
   } catch (const std::bad_alloc&) {
     // Codecs may stand on C code, which nothing may be thrown through.
     lacksMemory_ = true;

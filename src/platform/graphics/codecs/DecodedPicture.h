@@ -26,5 +26,5 @@ class DecodedPicture final : public PictureTarget {
   bool isTooLarge_ = false;
   PixelLayout layout_ = PixelLayout::opaqueRGB;
   int orientation_ = 1;
-  std::unique_ptr<ProfileConversion> conversion_;
+  std::shared_ptr<const ProfileConversion> conversion_;
 };

@@ -12,6 +12,9 @@
 /// used by two threads at once.
 class ProfileConversion {
  public:
+  /// What one takes at most, with the library's tables.
+  static constexpr size_t kBytes = size_t{1} << 20;
+
   /// Null for no profile, one that is malformed or made for another model, and one whose colours
   /// are those of sRGB already. Throws std::bad_alloc.
   static std::unique_ptr<ProfileConversion> create(std::span<const uint8_t> icc, ColorModel model);

@@ -3,6 +3,7 @@
 #include "platform/foundation/archive/NSKeyedArchiver.h"
 #include "platform/foundation/archive/NSKeyedUnarchiver.h"
 #include "platform/graphics/GraphicsClasses.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/bitmap/NSImage.h"
 #include "platform/graphics/color/NSColor.h"
@@ -33,18 +34,24 @@ constexpr Pixel kBlue{0, 0, 255, 255};
 
 TEST_F(PictureArchive, BitmapsOfSeveralWriters) {
   for (const char* key : {"bitmap", "inline", "png", "other key", "cached"}) {
-    const auto bitmap = coder_->decodeObjectOfClass<NSBitmapImageRep>(key);
+    const auto encoded = coder_->decodeObjectOfClass<EncodedBitmap>(key);
+    ASSERT_NE(encoded, nullptr) << key;
+    const auto bitmap = encoded->bitmap();
     ASSERT_NE(bitmap, nullptr) << key;
     EXPECT_EQ(bitmap->size(), (NSSize{1, 1})) << key;
     EXPECT_EQ(pixelAt(*bitmap, 0, 0), kRed) << key;
     EXPECT_EQ(bitmap->hasAlpha(), std::string_view(key) != "png") << key;
   }
-  const auto blue = coder_->decodeObjectOfClass<NSBitmapImageRep>("with direction");
+  const auto encoded = coder_->decodeObjectOfClass<EncodedBitmap>("with direction");
+  ASSERT_NE(encoded, nullptr);
+  const auto blue = encoded->bitmap();
   ASSERT_NE(blue, nullptr);
+  EXPECT_EQ(encoded->bitmap(), blue);  // shared while somebody has it
   EXPECT_EQ(blue->size(), (NSSize{2, 1}));
   EXPECT_EQ(pixelAt(*blue, 1, 0), kBlue);
   for (const char* key : {"no picture", "cut", "nothing"}) {
-    EXPECT_EQ(coder_->decodeObjectForKey(key), nullptr) << key;
+    const auto unreadable = coder_->decodeObjectOfClass<EncodedBitmap>(key);
+    EXPECT_TRUE(unreadable == nullptr || unreadable->bitmap() == nullptr) << key;
   }
 }
 
@@ -58,7 +65,7 @@ TEST_F(PictureArchive, ImagesKeepTheirLargestRepresentation) {
   for (const auto& [key, width] : kCases) {
     const auto image = coder_->decodeObjectOfClass<NSImage>(key);
     ASSERT_NE(image, nullptr) << key;
-    const auto& bitmap = image->representation();
+    const auto bitmap = image->representation();
     EXPECT_EQ(bitmap == nullptr ? 0 : bitmap->pixelsWide(), width) << key;
   }
 }
@@ -100,7 +107,11 @@ TEST_F(PictureArchive, BitmapsSurviveWritingExactly) {
       });
       source->setHasAlpha(false);
     }
-    const auto read = throughArchive(source);
+    const auto archive = NSKeyedArchiver::archivedDataWithRootObject(source);
+    const auto encoded = std::dynamic_pointer_cast<EncodedBitmap>(
+        NSKeyedUnarchiver::unarchiveObjectWithData(archive));
+    ASSERT_NE(encoded, nullptr);
+    const auto read = encoded->bitmap();
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(maxDifference(*read, *source), 0);
     EXPECT_EQ(read->hasAlpha(), hasAlpha);
