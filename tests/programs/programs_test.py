@@ -5,7 +5,6 @@ DATA_DIR
 Exit codes, one line on standard error, and an output path that is left absent or empty on failure.
 """
 import base64
-import collections
 import json
 import os
 import pty
@@ -354,38 +353,6 @@ class Programs(unittest.TestCase):
                     for limit in kilobytes}
             self.assertIn(75, ends)
             self.assertLessEqual(ends, {0, 75, 127}, example)  # 127 is the loader's
-
-    @unittest.skipIf("PAINT_SANITIZED" in os.environ, "the sanitizers reserve terabytes")
-    def test_nothing_is_left_out_for_lack_of_memory(self):
-        # Text, its module or some of its fonts, and filters go missing or the output does. PDF and SVG are
-        # drawn by a process with limits of its own, which the system's limits would hold for as well.
-        tool, render = (THUMBNAILER,), (PAINTDOC, "render")
-        most = range(13312, 98304, 1500)
-        limited = lambda program, limit, *rest: run(
-            "bash", "-c", 'ulimit -v "$0"; exec "$@"', str(limit), *program, *rest)
-        own = lambda program, limit, *rest: run(*program, "--limit-memory", str(limit // 1024), *rest)
-        for limit_by, program, example, output, limits in (
-                (limited, tool, "text", "png", most), (own, tool, "poster", "png", range(20480, 98304, 2048)),
-                (limited, tool, "composition", "png", most),
-                (own, tool, "pictures", "png", range(16384, 65536, 1024)), (limited, tool, "filters", "png", range(8448, 11264, 64)),
-                (limited, render, "filters", "png", range(8448, 11264, 64)),
-                (limited, render, "filters", "jpg", range(9216, 20480, 300)),
-                (limited, render, "filters", "webp", range(9216, 24576, 300)),
-                (limited, render, "filters", "tiff", range(9216, 32768, 500))):
-            path = os.path.join(EXAMPLES, example + ".paintdoc")
-            out = f"{self.out}.{output}"
-            self.assertEqual(run(*program, path, out).returncode, 0)
-            whole = read(out)
-            ends = collections.Counter()
-            for limit in limits:
-                result = limit_by(program, limit, path, out)
-                ends[result.returncode] += 1
-                if result.returncode == 0:
-                    self.assertEqual(read(out), whole, (example, output, limit))
-            self.assertGreater(ends.pop(0, 0), 0, (example, output))
-            limits_hit = ends.pop(75, 0)
-            self.assertTrue(limits_hit > 0 or example == "pictures", (example, output))  # it fits into the least
-            self.assertLessEqual(set(ends), {127}, (example, output))  # the loader's
 
     def test_processor_time_is_limited(self):
         self.assert_limited(b"time limit", THUMBNAILER, "--limit-time", "1", document("hours of painting"), self.out)
