@@ -1,6 +1,7 @@
 #include "common/ExitStatus.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <iterator>
 #include <utility>
@@ -66,9 +67,12 @@ ExitStatus statusOf(std::error_code error, ExitStatus otherwise) {
 }
 
 ExitStatus writeText(const char* program, std::string_view text) {
+  errno = 0;
   const bool done =
       std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-  return done ? kExitSuccess : fail(program, "standard output", kExitOutputFailed);
+  if (done) return kExitSuccess;
+  const std::error_code error(errno, std::generic_category());
+  return fail(program, "standard output", statusOf(error, kExitOutputFailed), error.message());
 }
 
 std::string printable(const std::string& text) {

@@ -28,7 +28,8 @@ ExitStatus fail(const char* program, const std::string& file, ExitStatus status,
 /// else `otherwise`.
 ExitStatus statusOf(std::error_code error, ExitStatus otherwise);
 
-/// Writes the text to standard output at once. Answers kExitSuccess or, told, kExitOutputFailed.
+/// Writes the text to standard output at once. Answers kExitSuccess or, after a line on standard
+/// error, what went wrong.
 ExitStatus writeText(const char* program, std::string_view text);
 
 /// Text as it may be shown on one line of a terminal. Control characters of both kinds, line and

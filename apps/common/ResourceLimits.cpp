@@ -4,7 +4,6 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -15,28 +14,40 @@
 
 namespace {
 
+constexpr int64_t kMegabyte = 1 << 20;
+
 // Read by the signal handlers. There is no file until the command line has been read.
 const char* gProgram = "";
 const char* gFile = nullptr;
+// Of the process that this one works for; without one, people read standard error.
+int gReport = -1;
 
-void writeText(const char* text) {
-  const ssize_t written = write(STDERR_FILENO, text, std::strlen(text));
+void writeText(int descriptor, const char* text) {
+  const ssize_t written = write(descriptor, text, std::strlen(text));
   static_cast<void>(written);
 }
 
-[[noreturn]] void endForLimit(const char* reason) {
-  writeText(gProgram);
-  writeText(": ");
-  if (gFile != nullptr) {
-    writeText(gFile);
-    writeText(": ");
+void tellPeople(const char* reason) {
+  for (const char* text : {gProgram, gFile}) {
+    if (text == nullptr) continue;
+    writeText(STDERR_FILENO, text);
+    writeText(STDERR_FILENO, ": ");
   }
-  writeText(reason);
+  writeText(STDERR_FILENO, reason);
+  writeText(STDERR_FILENO, "\n");
+}
+
+[[noreturn]] void endForLimit(const char* reason) {
+  if (gReport < 0) {
+    tellPeople(reason);
+  } else {
+    writeText(gReport, reason);
+  }
   _exit(kExitLimitReached);
 }
 
 extern "C" void timeIsUp(int) {
-  endForLimit("the time limit was reached\n");
+  endForLimit("the time limit was reached");
 }
 
 /// Whether the system still gives what malloc asks it for at least once its heap cannot grow.
@@ -67,21 +78,12 @@ void setLimit(int resource, int64_t value) {
 
 }  // namespace
 
-void addLimitOptions(CLI::App& app, ResourceLimits& limits) {
-  constexpr int kMost = 1 << 20;
-  app.add_option("--limit-time", limits.seconds, "Seconds of processor time")
-      ->check(CLI::Range(1, kMost))
-      ->capture_default_str();
-  app.add_option("--limit-memory", limits.megabytes, "Megabytes of memory")
-      ->check(CLI::Range(16, kMost))
-      ->capture_default_str();
-  app.add_option("--limit-output", limits.outputMegabytes, "Megabytes of a written file")
-      ->check(CLI::Range(1, kMost))
-      ->capture_default_str();
+void endForMemory() noexcept {
+  endForLimit("the memory limit was reached");
 }
 
-void endForMemory() noexcept {
-  endForLimit("the memory limit was reached\n");
+void reportLimitsTo(int descriptor) {
+  gReport = descriptor;
 }
 
 void liftTimeLimits() {
@@ -89,19 +91,22 @@ void liftTimeLimits() {
   std::signal(SIGXCPU, SIG_IGN);
 }
 
+void limitOutput(const ResourceLimits& limits) {
+  // A write beyond the limit then fails like one on a full disk.
+  std::signal(SIGXFSZ, SIG_IGN);
+  setLimit(RLIMIT_FSIZE, limits.outputMegabytes * kMegabyte);
+}
+
 void limitResources(const ResourceLimits& limits, const char* program, const char* file) {
   gProgram = program;
   gFile = file;
-  constexpr int64_t kMegabyte = 1 << 20;
   constexpr int64_t kOpenFiles = 64;
   constexpr int64_t kWallFactor = 3;
   std::signal(SIGXCPU, timeIsUp);
   std::signal(SIGALRM, timeIsUp);
-  // A write beyond the limit then fails like one on a full disk.
-  std::signal(SIGXFSZ, SIG_IGN);
+  limitOutput(limits);
   setLimit(RLIMIT_CPU, limits.seconds);
   alarm(static_cast<unsigned>(std::min<int64_t>(limits.seconds * kWallFactor, 1 << 30)));
-  setLimit(RLIMIT_FSIZE, limits.outputMegabytes * kMegabyte);
   setLimit(RLIMIT_NOFILE, kOpenFiles);
   setLimit(RLIMIT_CORE, 0);
 #ifndef PAINT_ADDRESS_SANITIZER

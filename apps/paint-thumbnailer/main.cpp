@@ -1,9 +1,10 @@
 // paint-thumbnailer [-s SIZE] INPUT OUTPUT: the contract of freedesktop thumbnailers.
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <new>
+#include <string_view>
 #include <utility>
 
+#include "common/CommandLine.h"
 #include "common/Documents.h"
 #include "common/ResourceLimits.h"
 #include "extension/ThumbnailProvider.h"
@@ -34,7 +35,7 @@ std::vector<PNGText> textsFor(NSSize canvas) {
 ExitStatus makeThumbnail(const Options& options) {
   const std::string mistake = mistakeInOutput(options.input, options.output);
   if (!mistake.empty()) return fail(kProgram, options.output, kExitUsage, mistake);
-  LoadedDocument loaded = loadDocument(*fileURLFromArgument(options.input));
+  LoadedDocument loaded = loadDocument(options.input);
   if (loaded.document == nullptr) {
     return fail(kProgram, options.input, loaded.status, loaded.reason);
   }
@@ -53,20 +54,23 @@ ExitStatus makeThumbnail(const Options& options) {
                      WriteMode::inPlace);
 }
 
-ExitStatus run(int argc, char** argv, Options& options) {
-  CLI::App app{"Makes a PNG thumbnail of a paint document."};
-  app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
+void declareArguments(CLI::App& app, Options& options) {
+  addVersionOption(app);
   app.add_option("-s,--size", options.size, "Largest width and height in pixels")
-      ->check(CLI::Range(int64_t{1}, kLargestSize))
+      ->transform(wholeNumber(1, kLargestSize))
       ->capture_default_str();
   addLimitOptions(app, options.limits);
-  app.add_option("INPUT", options.input, "Document, as a path or a file: URI")->required();
-  app.add_option("OUTPUT", options.output, "PNG file to write")->required();
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
-  }
+  app.add_option("INPUT", options.input, "Document, as a path or a file: URI; - is standard input")
+      ->required();
+  app.add_option("OUTPUT", options.output, "PNG file to write; - is standard output")->required();
+}
+
+ExitStatus run(int argc, char** argv, Options& options) {
+  CLI::App app{"Makes a PNG thumbnail of a paint document.", kProgram};
+  declareArguments(app, options);
+  // With another argument it is the name of a file.
+  if (argc == 2 && std::string_view(argv[1]) == "help") return writeText(kProgram, app.help());
+  if (const auto end = readCommandLine(app, argc, argv)) return *end;
   options.shownInput = printable(options.input);
   limitResources(options.limits, kProgram, options.shownInput.c_str());
   return makeThumbnail(options);

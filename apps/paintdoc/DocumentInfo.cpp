@@ -1,12 +1,14 @@
 #include "paintdoc/DocumentInfo.h"
 
 #include <cstdio>
+#include <initializer_list>
+#include <nlohmann/json.hpp>
 #include <vector>
 
 #include "common/ExitStatus.h"
 #include "document/DrawGroup.h"
 #include "draw/image/DrawImage2.h"
-#include "paintdoc/JsonWriter.h"
+#include "paintdoc/Json.h"
 #include "platform/graphics/color/NSColor.h"
 
 namespace {
@@ -58,46 +60,50 @@ void appendDraw(std::string& out, PaintManager& document, DrawBase& draw, size_t
 }
 
 /// Of draws that show an embedded picture.
-void writePicture(JsonWriter& json, PaintManager& document, DrawBase& draw) {
-  if (*draw.pictureKind() == '\0') return;
+Json pictureJson(PaintManager& document, DrawBase& draw) {
   const PictureFailure failure = document.pictureFailure(draw);
-  json.key("picture");
-  json.beginObject();
-  json.key("kind");
-  json.value(draw.pictureKind());
-  json.key("leftOut");
-  failure == PictureFailure::none ? json.null() : json.value(describe(failure));
-  json.endObject();
+  const bool isDrawn = failure == PictureFailure::none;
+  return {{"kind", draw.pictureKind()}, {"leftOut", isDrawn ? Json() : Json(describe(failure))}};
 }
 
-void writeDraw(JsonWriter& json, PaintManager& document, DrawBase& draw) {
-  json.beginObject();
-  json.key("class");
-  json.value(draw.className());
-  json.key("name");
-  json.value(draw.title());
+Json flagsJson(PaintManager& document, DrawBase& draw) {
+  Json flags = flagsOf(draw);
+  if (&draw == document.backgroundDraw().get()) flags.push_back("background");
+  return flags;
+}
+
+Json jsonNumbers(std::initializer_list<double> numbers) {
+  Json list = Json::array();
+  for (const double number : numbers) list.push_back(jsonNumber(number));
+  return list;
+}
+
+Json drawsJson(PaintManager& document, const DrawArray& draws);
+
+Json drawJson(PaintManager& document, DrawBase& draw) {
   const NSRect b = draw.pathBounds();
-  json.key("bounds");
-  json.beginArray();
-  for (const double v : {b.origin.x, b.origin.y, b.size.width, b.size.height}) json.value(v);
-  json.endArray();
-  json.key("rotation");
-  json.value(static_cast<double>(draw.rotateDegree()));
-  json.key("opacity");
-  json.value(static_cast<int64_t>(draw.opacity()));
-  json.key("flags");
-  json.beginArray();
-  for (const char* flag : flagsOf(draw)) json.value(flag);
-  if (&draw == document.backgroundDraw().get()) json.value("background");
-  json.endArray();
-  writePicture(json, document, draw);
+  Json json = {{"class", draw.className()},
+               {"name", draw.title()},
+               {"bounds", jsonNumbers({b.origin.x, b.origin.y, b.size.width, b.size.height})},
+               {"rotation", jsonNumber(static_cast<double>(draw.rotateDegree()))},
+               {"opacity", draw.opacity()},
+               {"flags", flagsJson(document, draw)}};
+  if (*draw.pictureKind() != '\0') json["picture"] = pictureJson(document, draw);
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
-    json.key("draws");
-    json.beginArray();
-    for (const auto& sub : group->draws()) writeDraw(json, document, *sub);
-    json.endArray();
+    json["draws"] = drawsJson(document, group->draws());
   }
-  json.endObject();
+  return json;
+}
+
+Json drawsJson(PaintManager& document, const DrawArray& draws) {
+  Json list = Json::array();
+  for (const auto& draw : draws) list.push_back(drawJson(document, *draw));
+  return list;
+}
+
+Json colorJson(const NSColor& color) {
+  return jsonNumbers({color.redComponent(), color.greenComponent(), color.blueComponent(),
+                      color.alphaComponent()});
 }
 
 }  // namespace
@@ -118,50 +124,12 @@ std::string infoText(const DocumentFacts& facts) {
 
 std::string infoJson(const DocumentFacts& facts) {
   PaintManager& document = facts.document;
-  JsonWriter json;
-  json.beginObject();
-  json.key("canvas");
-  json.beginArray();
-  json.value(document.size().width);
-  json.value(document.size().height);
-  json.endArray();
-  json.key("version");
-  json.value(facts.version);
-  json.key("resolution");
-  facts.resolution != 0 ? json.value(facts.resolution) : json.null();
-  json.key("backgroundColor");
-  if (const auto& c = document.backgroundColor()) {
-    json.beginArray();
-    for (const double v :
-         {c->redComponent(), c->greenComponent(), c->blueComponent(), c->alphaComponent()}) {
-      json.value(v);
-    }
-    json.endArray();
-  } else {
-    json.null();
-  }
-  json.key("maskBackground");
-  json.value(document.maskBackground());
-  json.key("draws");
-  json.beginArray();
-  for (const auto& draw : document.allDraws()) writeDraw(json, document, *draw);
-  json.endArray();
-  json.endObject();
-  return json.text() + "\n";
-}
-
-void writeLeftOut(JsonWriter& json, const std::vector<LeftOutPicture>& pictures) {
-  json.key("leftOut");
-  json.beginArray();
-  for (const LeftOutPicture& picture : pictures) {
-    json.beginObject();
-    json.key("title");
-    json.value(picture.title);
-    json.key("kind");
-    json.value(picture.kind);
-    json.key("reason");
-    json.value(picture.reason);
-    json.endObject();
-  }
-  json.endArray();
+  const auto& color = document.backgroundColor();
+  return textOf({{"canvas", jsonNumbers({document.size().width, document.size().height})},
+                 {"version", facts.version},
+                 {"resolution", facts.resolution != 0 ? jsonNumber(facts.resolution) : Json()},
+                 {"backgroundColor", color ? colorJson(*color) : Json()},
+                 {"maskBackground", document.maskBackground()},
+                 {"draws", drawsJson(document, document.allDraws())}},
+                JsonLayout::indented);
 }

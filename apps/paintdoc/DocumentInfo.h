@@ -1,11 +1,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "document/PaintManager.h"
-
-class JsonWriter;
 
 /// What `paintdoc info` tells of a document. The resolution is 0 when the file holds none.
 struct DocumentFacts {
@@ -17,6 +14,3 @@ struct DocumentFacts {
 /// One line per fact, then the tree of draws, topmost last.
 std::string infoText(const DocumentFacts& facts);
 std::string infoJson(const DocumentFacts& facts);
-
-/// The key "leftOut" of an object with what was left out of a document.
-void writeLeftOut(JsonWriter& json, const std::vector<LeftOutPicture>& pictures);

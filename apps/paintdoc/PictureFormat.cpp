@@ -52,6 +52,12 @@ std::optional<PictureFormat> pictureFormatOfPath(const std::string& path) {
   return dot == std::string::npos ? PictureFormat::png : pictureFormatNamed(file.substr(dot + 1));
 }
 
+std::vector<std::string> knownPictureFormats() {
+  std::vector<std::string> names;
+  for (const Ending& ending : kEndings) names.emplace_back(ending.name);
+  return names;
+}
+
 const char* nameOf(PictureFormat format) {
   return std::find_if(std::begin(kEndings), std::end(kEndings),
                       [&](const Ending& ending) { return ending.format == format; })

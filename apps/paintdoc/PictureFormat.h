@@ -16,6 +16,9 @@ std::optional<PictureFormat> pictureFormatOfPath(const std::string& path);
 /// The format by one of the endings above, without the dot.
 std::optional<PictureFormat> pictureFormatNamed(const std::string& name);
 
+/// What pictureFormatNamed knows, in small letters.
+std::vector<std::string> knownPictureFormats();
+
 const char* nameOf(PictureFormat format);
 
 /// The bitmap as a file of the format. JPEG, which has no alpha, shows it over white. `quality`

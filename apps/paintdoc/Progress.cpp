@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 #include "common/ExitStatus.h"
 
@@ -13,9 +15,14 @@ constexpr std::chrono::milliseconds kInterval{100};
 // To the start of the line, and erase to its end (ECMA-48: CR, EL).
 constexpr const char* kEraseLine = "\r\x1b[K";
 
+bool canEraseLines() {
+  const char* const terminal = std::getenv("TERM");
+  return terminal != nullptr && std::string_view(terminal) != "dumb" && isatty(STDERR_FILENO) == 1;
+}
+
 }  // namespace
 
-Progress::Progress() : onTerminal_(isatty(STDERR_FILENO) == 1), next_(Clock::now() + kQuietStart) {}
+Progress::Progress() : onTerminal_(canEraseLines()), next_(Clock::now() + kQuietStart) {}
 
 void Progress::show(const std::string& what, size_t done, size_t total) {
   if (!onTerminal_) return;

@@ -5,7 +5,8 @@
 #include <string>
 
 /// Tells a person at a terminal how far long work is, on one line of standard error that is removed
-/// again. Says nothing in the first second, and nothing at all when standard error is no terminal.
+/// again. Says nothing in the first second, and nothing at all when standard error is no terminal
+/// or one that cannot erase a line, by what TERM says.
 class Progress {
  public:
   Progress();

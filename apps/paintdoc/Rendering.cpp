@@ -5,12 +5,12 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "common/Documents.h"
 #include "common/LeftOutPictures.h"
 #include "extension/ThumbnailProvider.h"
-#include "paintdoc/DocumentInfo.h"
-#include "paintdoc/JsonWriter.h"
+#include "paintdoc/Json.h"
 #include "paintdoc/Progress.h"
 #include "platform/foundation/Limits.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
@@ -28,7 +28,7 @@ struct Renderable {
   std::string reason{};
   NSSize size{};
   /// The picture no larger than `side` in either direction, in full size when that is 0. Null
-  /// when that is too large.
+  /// when that is too large, empty when a long picture has no pixel left in its short direction.
   std::function<Bitmap(int64_t side)> draw{};
   /// What the drawing left out.
   std::function<std::vector<LeftOutPicture>()> leftOut = [] {
@@ -49,6 +49,9 @@ Renderable documentToRender(const LoadedDocument& loaded, const std::string& nam
     progress->clear();
     if (side == 0 || full == nullptr) return full;
     const auto length = static_cast<CGFloat>(side);
+    const NSSize fit =
+        ThumbnailProvider::contextSize(full->pixelsWide(), full->pixelsHigh(), {length, length});
+    if (fit.width < 1 || fit.height < 1) return NSBitmapImageRep::create(0, 0);
     return ThumbnailProvider::replyForImage(full, {length, length})->drawnBitmap();
   };
   const auto leftOut = [document = loaded.document] { return document->leftOutPictures(); };
@@ -99,20 +102,19 @@ struct WrittenPicture {
 class PictureRun {
  public:
   explicit PictureRun(const RenderRequest& request)
-      : request_(request), source_(thingToRender(request.input, request.svg)) {}
+      : request_(request),
+        sides_(request.sizes.empty() ? std::vector<int64_t>{0} : request.sizes),
+        source_(thingToRender(request.input, request.svg)) {}
 
   ExitStatus run();
 
  private:
-  /// The sizes that are asked for; 0 for the full one.
-  std::vector<int64_t> sides() const {
-    return request_.sizes.empty() ? std::vector<int64_t>{0} : request_.sizes;
-  }
   std::string pathFor(int64_t side) const {
-    return side == 0 ? request_.output : pathForSize(request_.output, side, request_.sizes.size());
+    return pathForSize(request_.output, side == 0 ? fullSide() : side, sides_.size());
   }
+  /// The larger side of the full size, in pixels; 0 when nothing is so large, or so small.
+  int64_t fullSide() const;
   ExitStatus writeSize(int64_t side);
-  ExitStatus writeFile(const std::string& path, const std::vector<uint8_t>& bytes) const;
   PictureFormat format() const;
   ExitStatus failed(ExitStatus status, const std::string& reason = {}) const {
     return fail(kProgram, request_.input, status, reason);
@@ -122,9 +124,16 @@ class PictureRun {
   void tellLeftOut() const;
 
   const RenderRequest& request_;
+  /// The sizes to write; 0 is the full one.
+  const std::vector<int64_t> sides_;
   Renderable source_;
   std::vector<WrittenPicture> written_;
 };
+
+int64_t PictureRun::fullSide() const {
+  const double side = std::max(source_.size.width, source_.size.height);
+  return side >= 1 && side <= limits::kMaxCanvasPixels ? static_cast<int64_t>(side) : 0;
+}
 
 PictureFormat PictureRun::format() const {
   if (request_.format) return *request_.format;
@@ -133,13 +142,13 @@ PictureFormat PictureRun::format() const {
 }
 
 ExitStatus PictureRun::run() {
-  if (source_.status != kExitSuccess) return failed(source_.status, source_.reason);
-  for (const int64_t side : sides()) {
+  for (const int64_t side : sides_) {
     const std::string path = pathFor(side);
     const std::string mistake = mistakeInOutput(request_.input, path);
     if (!mistake.empty()) return fail(kProgram, path, kExitUsage, mistake);
   }
-  for (const int64_t side : sides()) {
+  if (source_.status != kExitSuccess) return failed(source_.status, source_.reason);
+  for (const int64_t side : sides_) {
     if (const ExitStatus status = writeSize(side); status != kExitSuccess) return status;
   }
   tellLeftOut();
@@ -167,58 +176,43 @@ ExitStatus PictureRun::writeSize(int64_t side) {
                 std::string("too large for ") + nameOf(format()) + ", or no library for it");
   }
   written_.push_back({path, bitmap->pixelsWide(), bitmap->pixelsHigh(), bytes.size()});
-  return writeFile(path, bytes);
-}
-
-ExitStatus PictureRun::writeFile(const std::string& path, const std::vector<uint8_t>& bytes) const {
-  if (path != "-") return writeOutput(kProgram, path, bytes, WriteMode::byNewFile);
-  return writeText(kProgram, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  return writeOutput(kProgram, path, bytes, WriteMode::byNewFile);
 }
 
 ExitStatus PictureRun::writeReport() const {
-  JsonWriter json;
-  json.beginObject();
-  json.key("file");
-  json.value(request_.input);
-  json.key("size");
-  json.beginArray();
-  json.value(source_.size.width);
-  json.value(source_.size.height);
-  json.endArray();
-  json.key("pictures");
-  json.beginArray();
+  Json pictures = Json::array();
   for (const WrittenPicture& picture : written_) {
-    json.beginObject();
-    json.key("file");
-    json.value(picture.path);
-    json.key("format");
-    json.value(nameOf(format()));
-    json.key("width");
-    json.value(picture.width);
-    json.key("height");
-    json.value(picture.height);
-    json.key("bytes");
-    json.value(static_cast<int64_t>(picture.bytes));
-    json.endObject();
+    pictures.push_back({{"file", picture.path},
+                        {"format", nameOf(format())},
+                        {"width", picture.width},
+                        {"height", picture.height},
+                        {"bytes", picture.bytes}});
   }
-  json.endArray();
-  writeLeftOut(json, source_.leftOut());
-  json.endObject();
-  return writeText(kProgram, json.text() + "\n");
+  const Json size = {jsonNumber(source_.size.width), jsonNumber(source_.size.height)};
+  const Json report = {{"file", request_.input},
+                       {"size", size},
+                       {"pictures", pictures},
+                       {"leftOut", jsonOf(source_.leftOut())}};
+  return writeText(kProgram, textOf(report, JsonLayout::indented));
 }
 
 }  // namespace
 
 std::string pathForSize(const std::string& output, int64_t size, size_t sizeCount) {
   const std::string number = std::to_string(size);
-  if (const size_t place = output.find("%s"); place != std::string::npos) {
-    return std::string(output).replace(place, 2, number);
+  std::string path = output;
+  size_t place = path.find("%s");
+  if (place != std::string::npos) {
+    for (; place != std::string::npos; place = path.find("%s", place)) {
+      path.replace(place, 2, number);
+    }
+    return path;
   }
-  if (sizeCount < 2) return output;
-  const size_t name = output.rfind('/') + 1;
-  const size_t dot = output.rfind('.');
+  if (sizeCount < 2) return path;
+  const size_t name = path.rfind('/') + 1;
+  const size_t dot = path.rfind('.');
   const bool hasEnding = dot != std::string::npos && dot > name;
-  return std::string(output).insert(hasEnding ? dot : output.size(), "-" + number);
+  return path.insert(hasEnding ? dot : path.size(), "-" + number);
 }
 
 ExitStatus render(const RenderRequest& request) {

@@ -15,7 +15,8 @@ struct RenderRequest {
   std::string input;
   /// A path, or "-" for standard output.
   std::string output;
-  /// Largest width and height of each picture, in pixels; none for the full size.
+  /// Largest width and height of each picture, in pixels; none for the full size. Each
+  /// stands here once.
   std::vector<int64_t> sizes;
   /// What the end of the output's name says, or PNG for standard output, when there is none.
   std::optional<PictureFormat> format;
@@ -25,8 +26,9 @@ struct RenderRequest {
   bool report = false;
 };
 
-/// The output path for one of the sizes: "%s" stands for the size; without it, and when there are
-/// several sizes, "-SIZE" is put before the ending.
+/// The output path for one of the sizes: "%s" stands for the size, wherever it is; without it, and
+/// when there are several sizes, "-SIZE" is put before the ending. Different sizes of one request
+/// have different paths.
 std::string pathForSize(const std::string& output, int64_t size, size_t sizeCount);
 
 /// Renders and writes everything that is asked for. Ends with the first failure, which is told on

@@ -1,14 +1,14 @@
 // paintdoc: look into a document, render it, check it.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <new>
 
+#include "common/CommandLine.h"
 #include "common/Documents.h"
-#include "common/LeftOutPictures.h"
 #include "common/ResourceLimits.h"
+#include "paintdoc/Checking.h"
 #include "paintdoc/DocumentInfo.h"
-#include "paintdoc/JsonWriter.h"
-#include "paintdoc/Progress.h"
 #include "paintdoc/Rendering.h"
 
 namespace {
@@ -27,121 +27,107 @@ ExitStatus showInfo(const std::string& input, SVGEngine svg, bool json) {
   return writeText(kProgram, json ? infoJson(facts) : infoText(facts));
 }
 
-/// What a check found.
-struct CheckedFile {
-  std::string name;
-  ExitStatus status = kExitUnreadable;
-  std::string reason;
-  std::vector<LeftOutPicture> leftOut;
-};
-
-CheckedFile checkFile(const std::string& input, SVGEngine svg) {
-  std::error_code error;
-  const auto data = readInput(input, &error);
-  const LoadedDocument loaded = loadDocument(data, error);
-  CheckedFile checked{input, loaded.status, loaded.reason, {}};
-  if (loaded.document != nullptr) {
-    loaded.document->setSVGEngine(svg);
-    checked.leftOut = findLeftOutPictures(*loaded.document);
-  }
-  return checked;
+std::string mistakeInQuality(const std::string& text) {
+  double quality = -1;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, quality);
+  const bool isRight = error == std::errc() && stop == end && quality >= 0 && quality <= 1;
+  return isRight ? "" : "\"" + text + "\" is not a number from 0 to 1";
 }
 
-std::string checkLine(const CheckedFile& checked) {
-  const std::string reason = checked.reason.empty() ? "" : " (" + checked.reason + ")";
-  const std::string leftOut = checked.leftOut.empty() ? "" : ", " + leftOutText(checked.leftOut);
-  return printable(checked.name) + ": " + describe(checked.status) + reason + leftOut + "\n";
-}
-
-void writeCheck(JsonWriter& json, const CheckedFile& checked) {
-  json.beginObject();
-  json.key("file");
-  json.value(checked.name);
-  json.key("code");
-  json.value(static_cast<int64_t>(checked.status));
-  json.key("result");
-  json.value(describe(checked.status));
-  json.key("reason");
-  checked.reason.empty() ? json.null() : json.value(checked.reason);
-  writeLeftOut(json, checked.leftOut);
-  json.endObject();
-}
-
-/// One line, or one object, per file; the highest error code.
-ExitStatus check(const std::vector<std::string>& inputs, SVGEngine svg, bool asJson) {
-  ExitStatus worst = kExitSuccess;
-  Progress progress;
-  JsonWriter json;
-  json.beginArray();
-  for (size_t i = 0; i < inputs.size(); ++i) {
-    if (asJson) progress.show(kProgram, i, inputs.size());
-    const CheckedFile checked = checkFile(inputs[i], svg);
-    worst = std::max(worst, checked.status);
-    if (asJson) {
-      writeCheck(json, checked);
-    } else if (writeText(kProgram, checkLine(checked)) != kExitSuccess) {
-      return kExitOutputFailed;
-    }
-  }
-  json.endArray();
-  if (asJson && writeText(kProgram, json.text() + "\n") != kExitSuccess) return kExitOutputFailed;
-  return worst;
+/// For arguments of any number. What CLI11 does for vectors would split a name such as [a,b].
+CLI::Option* takesAny(CLI::Option* option) {
+  constexpr int kAny = CLI::detail::expected_max_vector_size;
+  return option->expected(kAny, kAny)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 /// The command line.
 struct Arguments {
-  CLI::App app{"Looks into paint documents, renders and checks them."};
-  ResourceLimits limits{.seconds = 600, .megabytes = 8192};
+  CLI::App app{"Looks into paint documents, renders and checks them.", kProgram};
   CLI::App* info = app.add_subcommand("info", "Show the canvas and the tree of draws");
   CLI::App* render =
       app.add_subcommand("render", "Render the canvas pixel for pixel, or in other sizes");
   CLI::App* check = app.add_subcommand("check", "Tell whether files are documents");
-  std::vector<std::string> inputs;
+  CLI::App* help = app.add_subcommand("help", "Tell about a command and its options");
+  ResourceLimits limits{.seconds = 600, .megabytes = 8192};
+  std::string input;  ///< of info
+  CheckRequest checkRequest;
   RenderRequest request;
   std::string format;
   std::string svg = "system";
+  std::string explained;
   bool json = false;
 
   Arguments();
   SVGEngine engine() const { return svg == "system" ? SVGEngine::system : SVGEngine::builtIn; }
-  const std::string& file() const { return inputs.empty() ? request.input : inputs.front(); }
+  /// What `paintdoc help` tells.
+  std::string helpText() const;
 
  private:
+  void addCheckedFiles();
+  void addCommonOptions();
   void addRenderOptions();
 };
 
 Arguments::Arguments() {
-  app.set_version_flag("--version", std::string(kProgram) + " " + PAINT_VERSION);
-  app.require_subcommand(1);
-  for (CLI::App* command : {info, render, check}) command->fallthrough();
+  app.require_subcommand(0, 1);
+  for (CLI::App* command : {info, render, check, help}) command->fallthrough();
+  addCommonOptions();
+  addRenderOptions();
+  info->add_option("FILE", input, "Document; - is standard input")->required();
+  addCheckedFiles();
+  help->add_option("COMMAND", explained, "One of the others")
+      ->check(oneOf({"info", "render", "check", "help"}));
+}
+
+void Arguments::addCheckedFiles() {
+  const auto keep = [this](const std::vector<std::string>& names) {
+    checkRequest.inputs = names;
+    return true;
+  };
+  takesAny(check->add_option("FILE", keep, "Documents; - is standard input"))->required();
+}
+
+void Arguments::addCommonOptions() {
+  app.option_defaults()->group("Options of every command");
+  addVersionOption(app);
   addLimitOptions(app, limits);
+  app.add_flag("--json", json, "Answer as JSON; render reports what was written");
   app.add_option("--svg", svg,
                  "Who draws SVG pictures: system (librsvg, if there is one), built-in")
-      ->check(CLI::IsMember({"system", "built-in"}))
+      ->check(oneOf({"system", "built-in"}))
       ->capture_default_str();
-  info->add_flag("--json", json, "As JSON");
-  info->add_option("FILE", inputs, "Document; - is standard input")->required()->expected(1);
-  check->add_flag("--json", json, "As JSON");
-  check->add_option("FILE", inputs, "Documents; - is standard input")->required();
-  addRenderOptions();
+  const auto listThem = [this] {
+    std::string text = CLI::Formatter().make_groups(&app, CLI::AppFormatMode::Sub);
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+  };
+  for (CLI::App* command : {info, render, check}) command->footer(listThem);
 }
 
 void Arguments::addRenderOptions() {
-  render->add_flag("--json", json, "Report on standard output what was written");
-  render->add_option("--format", format, "png, jpeg, webp or tiff; else what OUT ends with")
-      ->check([](const std::string& name) {
-        return pictureFormatNamed(name) ? "" : "unknown picture format " + name;
-      });
-  render->add_option("--quality", request.quality, "Of JPEG and WebP, 0 to 1")
-      ->check(CLI::Range(0.0, 1.0))
+  render->add_option("--format", format, "Format of the picture; else what OUT ends with")
+      ->check(oneOf(knownPictureFormats()))
+      ->transform([](const std::string& name) { return CLI::detail::to_lower(name); });
+  render->add_option("--quality", request.quality, "Of JPEG and WebP")
+      ->check(CLI::Validator(mistakeInQuality, "0 to 1"))
       ->capture_default_str();
   render->add_option("FILE", request.input, "Document or SVG picture; - is standard input")
       ->required();
   render
       ->add_option("OUT", request.output, "Picture to write; - is standard output; %s is the size")
       ->required();
-  render->add_option("SIZE", request.sizes, "Largest widths and heights; the full size without")
-      ->check(CLI::Range(int64_t{1}, kLargestSize));
+  takesAny(render->add_option("SIZE", request.sizes,
+                              "Largest widths and heights; the full size without"))
+      ->transform(wholeNumber(1, kLargestSize, ": render takes one FILE, one OUT and then sizes"));
+}
+
+std::string Arguments::helpText() const {
+  const CLI::App* const command = explained.empty() ? &app : app.get_subcommand(explained);
+  const std::string name = explained.empty() ? kProgram : kProgram + (" " + explained);
+  return app.get_formatter()->make_help(command, name, CLI::AppFormatMode::Normal);
 }
 
 /// Why a request to render cannot be carried out; empty when it can.
@@ -150,33 +136,50 @@ std::string mistakeIn(const RenderRequest& request) {
   if (toOutput && request.report) return "standard output cannot take the picture and the report";
   if (toOutput && request.sizes.size() > 1) return "standard output can take one picture only";
   if (!request.format && !toOutput && !pictureFormatOfPath(request.output)) {
-    return "no picture format has the ending of " + printable(request.output);
+    return "no picture format has this ending; known are " +
+           CLI::detail::join(knownPictureFormats(), ", ");
   }
   return {};
 }
 
+/// Each size once, in the order in which they were given.
+std::vector<int64_t> differentSizes(const std::vector<int64_t>& sizes) {
+  std::vector<int64_t> different;
+  for (const int64_t size : sizes) {
+    const bool isKnown = std::find(different.begin(), different.end(), size) != different.end();
+    if (!isKnown) different.push_back(size);
+  }
+  return different;
+}
+
 ExitStatus renderAsAsked(Arguments& arguments) {
-  arguments.request.report = arguments.json;
-  arguments.request.svg = arguments.engine();
-  if (!arguments.format.empty()) arguments.request.format = pictureFormatNamed(arguments.format);
-  const std::string mistake = mistakeIn(arguments.request);
-  if (mistake.empty()) return render(arguments.request);
-  return fail(kProgram, arguments.request.input, kExitUsage, mistake);
+  RenderRequest& request = arguments.request;
+  request.sizes = differentSizes(request.sizes);
+  request.report = arguments.json;
+  request.svg = arguments.engine();
+  if (!arguments.format.empty()) request.format = pictureFormatNamed(arguments.format);
+  const std::string mistake = mistakeIn(request);
+  return mistake.empty() ? render(request) : fail(kProgram, request.output, kExitUsage, mistake);
+}
+
+ExitStatus checkAsAsked(Arguments& arguments) {
+  CheckRequest& request = arguments.checkRequest;
+  request.limits = arguments.limits;
+  request.svg = arguments.engine();
+  request.asJson = arguments.json;
+  return check(request);
 }
 
 ExitStatus run(int argc, char** argv, std::string& shownFile) {
   Arguments arguments;
-  try {
-    arguments.app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return arguments.app.exit(error) == 0 ? kExitSuccess : kExitUsage;
-  }
-  const std::string file = arguments.file();
-  shownFile = printable(file);
+  if (const auto end = readCommandLine(arguments.app, argc, argv)) return *end;
+  if (arguments.help->parsed()) return writeText(kProgram, arguments.helpText());
+  if (arguments.check->parsed()) return checkAsAsked(arguments);
+  const bool isInfo = arguments.info->parsed();
+  shownFile = printable(isInfo ? arguments.input : arguments.request.input);
   limitResources(arguments.limits, kProgram, shownFile.c_str());
-  if (arguments.info->parsed()) return showInfo(file, arguments.engine(), arguments.json);
-  if (arguments.render->parsed()) return renderAsAsked(arguments);
-  return check(arguments.inputs, arguments.engine(), arguments.json);
+  return isInfo ? showInfo(arguments.input, arguments.engine(), arguments.json)
+                : renderAsAsked(arguments);
 }
 
 }  // namespace

@@ -142,7 +142,7 @@ PROGRAMS = {
     "apps/paint-picture-helper": "helper platform/machine platform/pictures",
     "apps/paintdoc": """apps/common document draw/image extension platform/foundation
         platform/graphics/bitmap platform/graphics/color platform/graphics/context
-        platform/pictures svg""",
+        platform/machine platform/pictures svg""",
     "kde": "extension platform/graphics/bitmap",
 }
 # A test includes the folder it mirrors, everything that stands below that, and the support folder.
@@ -185,6 +185,7 @@ OWNERS = {
     r"glib.*|cairo.*": "src/helper/libraries",
     r"seccomp\.h|linux/landlock\.h": "src/helper",
     r"CLI/.*": "apps",
+    r"nlohmann/.*": "apps/paintdoc",
     r"Q[A-Z].*|KIO/.*|KPlugin.*|kio/.*": "kde",
 }
 # Sources that implement a class of another header of their folder. Elsewhere a source is declared

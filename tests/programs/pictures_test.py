@@ -192,7 +192,7 @@ class PictureTest(unittest.TestCase):
         self.end_of(case, told.removeprefix(", "))
         result = run(self.paintdoc, *case.options, "check", "--json", path)
         self.assertEqual((result.returncode, result.stderr), (0, b""))
-        self.assertIn(json.loads(result.stdout)[0]["leftOut"], [
+        self.assertIn(json.loads(result.stdout)["leftOut"], [
             [] if end is DRAWN else [{"title": "guilty", "kind": KINDS[case.class_name], "reason": end}]
             for end in case.ends])
 
@@ -279,7 +279,7 @@ class HostilePictures(PictureTest):
                     ("innocent drawing", "SVG picture", BUDGET)]
         self.assertEqual(written["render"], (b"", f"paintdoc: {path}: {tell(left_out)}\n".encode()))
         self.assertEqual(written["thumbnail"], (b"", b""))
-        self.assertEqual(json.loads(written["check"][0])[0]["leftOut"],
+        self.assertEqual(json.loads(written["check"][0])["leftOut"],
                          [dict(zip(("title", "kind", "reason"), picture)) for picture in left_out])
         pictures = [draw["picture"]["leftOut"] for draw in json.loads(written["info"][0])["draws"][1:]]
         self.assertEqual(pictures, [STUCK, BUDGET, BUDGET, None])
@@ -384,7 +384,7 @@ class Reports(PictureTest):
         path = self.write("seven", document.to_bytes())
         told = self.rendered(path)
         self.assertEqual((told.count("it cannot be read"), told.endswith(", and others")), (5, True), told)
-        checked = json.loads(run(self.paintdoc, "check", "--json", path).stdout)[0]["leftOut"]
+        checked = json.loads(run(self.paintdoc, "check", "--json", path).stdout)["leftOut"]
         self.assertEqual([picture["title"] for picture in checked][::3], ["two\nlines", "é", "seventh"])
         report = json.loads(run(self.paintdoc, "render", "--json", path, self.out).stdout)
         self.assertEqual(report["leftOut"], checked)

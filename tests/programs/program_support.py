@@ -79,29 +79,39 @@ def adopt_orphans():
         raise OSError("cannot adopt processes")
 
 
-def adopted_helpers():
-    """{process: its state, a letter} of the helpers among the children of this process, ended ones too."""
+def children(parent):
+    """{process: (its state, a letter, and its command)} of those that a process has, ended ones too."""
     found = {}
     for name in filter(str.isdigit, os.listdir("/proc")):
         try:
             command, _, rest = read(f"/proc/{name}/stat").decode(errors="replace").partition("(")[2].rpartition(")")
         except OSError:
             continue  # It has ended meanwhile.
-        state, parent = rest.split()[:2]
-        # The system keeps 15 characters of a name.
-        if int(parent) == os.getpid() and command == HELPER[:15]:
-            found[int(name)] = state
+        state, its_parent = rest.split()[:2]
+        if int(its_parent) == parent:
+            found[int(name)] = state, command
     return found
 
 
-def wait_for_helper(seconds=20):
-    """The first helper of a program that was just started."""
+def adopted_helpers():
+    """{process: its state} of the helpers among the children of this process."""
+    # The system keeps 15 characters of a name.
+    return {process: state for process, (state, command) in children(os.getpid()).items() if command == HELPER[:15]}
+
+
+def wait_until(found, what, seconds=20):
+    """What a function finds as soon as it finds something."""
     end = time.monotonic() + seconds
     while time.monotonic() < end:
-        for process in adopted_helpers():
-            return process
+        if result := found():
+            return result
         time.sleep(0.01)
-    raise AssertionError("no helper was started")
+    raise AssertionError(what)
+
+
+def wait_for_helper():
+    """The first helper of a program that was just started."""
+    return next(iter(wait_until(adopted_helpers, "no helper was started")))
 
 
 def end_helpers(seconds=5):

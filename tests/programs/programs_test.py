@@ -9,21 +9,42 @@ import json
 import os
 import pty
 import shutil
+import signal
 import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
-from program_support import png_texts, read, read_png, run
+from program_support import adopt_orphans, children, png_texts, read, read_png, run, wait_until
 
 BIN, DOCUMENTS, EXAMPLES, DATA = (os.path.abspath(path) for path in sys.argv[1:5])
 THUMBNAILER = os.path.join(BIN, "paint-thumbnailer")
 PAINTDOC = os.path.join(BIN, "paintdoc")
 
 
+COMMANDS = "info, render, check, help"
+FORMATS = "png, jpeg, jpg, webp, tiff, tif"
+SVG_ARC = (b'<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9">'
+           b'<path d="M1 1A2 3 0 0 1 5 5" fill="#f00"/></svg>')
+ERASE = b"\r\x1b[K"
+
+
 def document(name):
     return os.path.join(DOCUMENTS, name + ".paintdoc")
+
+
+def shown_on(terminal):
+    """Everything, until nobody has the other end of the terminal open any more."""
+    shown = b""
+    try:
+        while part := os.read(terminal, 65536):
+            shown += part
+    except OSError:
+        pass  # How a terminal tells that.
+    os.close(terminal)
+    return shown
 
 
 class Programs(unittest.TestCase):
@@ -40,16 +61,25 @@ class Programs(unittest.TestCase):
             file.write(data)
         return path
 
+    def pipe(self, name):
+        """One that a program waits at until it is opened for writing."""
+        path = os.path.join(self.folder.name, name)
+        os.mkfifo(path)
+        return path
+
+    def assert_one_line(self, result, status, program, said):
+        self.assertEqual(result.returncode, status, (result.args, result.stderr))
+        self.assertRegex(result.stderr, rb"\A%s: [^\n]+\n\Z" % os.path.basename(program).encode(), result.args)
+        self.assertIn(said, result.stderr.decode())
+        self.assertEqual(result.stdout, b"", result.args)
+
     def assert_fails(self, status, path, *arguments, reason=""):
         """With an output that is absent, and with one that is there and empty."""
         for existing in (False, True):
             if existing:
                 open(self.out, "wb").close()
             result = run(THUMBNAILER, *arguments, path, self.out)
-            self.assertEqual(result.returncode, status, (path, result.stderr))
-            self.assertEqual(result.stderr.count(b"\n"), 1, result.stderr)
-            self.assertIn(reason.encode(), result.stderr)
-            self.assertEqual(result.stdout, b"")
+            self.assert_one_line(result, status, THUMBNAILER, reason)
             self.assertEqual(os.path.exists(self.out), existing)
             if existing:
                 self.assertEqual(os.path.getsize(self.out), 0)
@@ -125,12 +155,80 @@ class Programs(unittest.TestCase):
             self.assertEqual(result.stderr.count(b"\n"), 1)
 
     def test_usage(self):
-        for arguments in ([], ["one"], ["-s", "0", "a", "b"], ["-s", "x", "a", "b"], ["--frobnicate", "a", "b"]):
-            self.assertEqual(run(THUMBNAILER, *arguments).returncode, 64, arguments)
-        self.assertEqual(run(PAINTDOC).returncode, 64)
-        version = run(THUMBNAILER, "--version")
-        self.assertEqual(version.returncode, 0)
-        self.assertTrue(version.stdout.startswith(b"paint-thumbnailer "))
+        red, number = document("red"), "is not a whole number from"
+        for program, arguments, said in (
+                (PAINTDOC, [], "a command is missing; known are " + COMMANDS),
+                (PAINTDOC, ["--limit-time", "5"], "a command is missing"),
+                (PAINTDOC, ["inf", red], f'unknown command "inf"; known are {COMMANDS}'),
+                (PAINTDOC, ["in\n\x1b[31m"], 'unknown command "in??[31m"'),
+                (PAINTDOC, ["help", "inf"], f'"inf" is unknown; known are {COMMANDS}'),
+                (PAINTDOC, ["info"], "FILE is required"),
+                (PAINTDOC, ["check", "--json"], "FILE is required"),
+                (PAINTDOC, ["info", "--bo\ngus"], 'unknown option "--bo?gus"'),
+                (PAINTDOC, ["info", red, "b"], 'one argument too many: "b"'),
+                (PAINTDOC, ["info", red, "--json=so"], "--json = so"),
+                (PAINTDOC, ["info", red, "--svg", "x\ny"], '"x?y" is unknown; known are system, built-in'),
+                (PAINTDOC, ["info", red, "--limit-memory", "8"], f'"8" {number} 16 to'),
+                (PAINTDOC, ["render", red], "OUT is required"),
+                (PAINTDOC, ["render", red, "a.png", "0"], f'"0" {number} 1 to 16384'),
+                (PAINTDOC, ["render", red, "a.png", "16385"], f'"16385" {number} 1 to 16384'),
+                (PAINTDOC, ["render", red, "a.png", "-5"], f'"-5" {number}'),
+                (PAINTDOC, ["render", red, red, "o.png"], f'"o.png" {number} 1 to 16384: render takes one FILE'),
+                (PAINTDOC, ["render", red, "a.gif"], "known are " + FORMATS),
+                (PAINTDOC, ["render", red, "a.png", "--format", "bmp"], f'"bmp" is unknown; known are {FORMATS}'),
+                (PAINTDOC, ["render", red, "a.png", "--format"], "--format takes one value"),
+                (PAINTDOC, ["render", red, "a.jpg", "--quality", "2"], '"2" is not a number from 0 to 1'),
+                (PAINTDOC, ["render", red, "a.jpg", "--quality", "nan"], '"nan" is not a number from 0 to 1'),
+                (PAINTDOC, ["render", red, "-", "10", "20"], "one picture only"),
+                (PAINTDOC, ["render", red, "-", "--json"], "the picture and the report"),
+                (THUMBNAILER, [], "INPUT is required"),
+                (THUMBNAILER, ["one"], "OUTPUT is required"),
+                (THUMBNAILER, ["a", "b", "c"], 'one argument too many: "c"'),
+                (THUMBNAILER, ["-s", "0", "a", "b"], f'"0" {number} 1 to 16384'),
+                (THUMBNAILER, ["a", "b", "-s", "x\x1b"], f'"x?" {number}'),
+                (THUMBNAILER, ["a", "b", "-s"], "--size takes one value"),
+                (THUMBNAILER, ["-5", "a", "b"], 'one argument too many'),
+                (THUMBNAILER, ["--frobnicate", "a", "b"], 'unknown option "--frobnicate"')):
+            self.assert_one_line(run(program, *arguments, cwd=self.folder.name), 64, program, said)
+        self.assertEqual(os.listdir(self.folder.name), [])
+
+    def test_help_and_version(self):
+        whole, render, thumbnail = ("Usage: " + usage for usage in (
+            "paintdoc [OPTIONS] [SUBCOMMAND]", "paintdoc render [OPTIONS] FILE OUT [SIZE...]",
+            "paint-thumbnailer [OPTIONS] INPUT OUTPUT"))
+        for program, asked, said in (
+                (PAINTDOC, ["--help", "-h", "help"], whole),
+                (PAINTDOC, ["help render", "render --help", "render -h", "render x -h", "-h render"], render),
+                (PAINTDOC, ["--version", "-V", "info -V", "check --version x"], "paintdoc "),
+                (THUMBNAILER, ["--help", "-h", "help"], thumbnail), (THUMBNAILER, ["--version", "-V"], "paint-thumbnailer ")):
+            for arguments in asked:
+                result = run(program, *arguments.split())
+                self.assertEqual((result.returncode, result.stderr), (0, b""), arguments)
+                self.assertIn(said, result.stdout.decode(), arguments)
+        self.assertIn(b"--limit-time", run(PAINTDOC, "help", "info").stdout)
+        self.assertEqual(run(THUMBNAILER, "help", self.out).returncode, 1)  # the file of that name
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(subprocess.run([PAINTDOC, "help"], stdout=full, stderr=subprocess.PIPE).returncode, 74)
+
+    def test_options_stand_anywhere(self):
+        for command, first, options in (
+                ((PAINTDOC, "info", document("red")), 1, ("--json",)),
+                ((PAINTDOC, "check", document("red"), "missing"), 1, ("--json",)),
+                ((PAINTDOC, "check", document("red"), "missing"), 1, ("--limit-time", "0")),
+                ((PAINTDOC, "render", document("red"), "-"), 2, ("--format", "webp")),
+                ((PAINTDOC, "render", document("red"), "-"), 2, ("--format=jpeg", "--quality", "0.1")),
+                ((PAINTDOC, "render", self.write("a.svg", SVG_ARC), "-"), 1, ("--svg", "built-in")),
+                ((THUMBNAILER, document("red"), "-"), 1, ("-s", "64")), ((THUMBNAILER, document("red"), "-"), 1, ("-s64",)),
+                ((THUMBNAILER, document("red"), "-"), 1, ("--size=64", "--limit-time", "5"))):
+            told = lambda result: (result.stdout, result.stderr)
+            answers = {told(run(*command[:place], *options, *command[place:])) for place in range(first, len(command) + 1)}
+            self.assertEqual(len(answers), 1, (command, answers))
+            self.assertNotIn(told(run(*command)), answers, command)
+
+    def test_names_are_taken_as_they_are(self):
+        names = ["[a,b]", "{}", "[]", "info", "help", "a=b", "--", "-x"]
+        lines = run(PAINTDOC, "check", *names, cwd=self.folder.name).stdout.decode().splitlines()
+        self.assertEqual([line.rpartition(": ")[0] for line in lines], [name for name in names if name != "--"])
 
     def test_no_environment_is_needed(self):
         self.assertEqual(run(THUMBNAILER, document("red"), self.out, env={}, cwd="/").returncode, 0)
@@ -140,7 +238,9 @@ class Programs(unittest.TestCase):
         result = run(PAINTDOC, "render", document("red"), self.out)
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(read_png(self.out)[:2], (100, 50))
-        self.assertEqual(run(PAINTDOC, "render", document("version 23"), self.out + "2.png").returncode, 2)
+        for options in ([], ["--json"]):
+            result = run(PAINTDOC, "render", document("version 23"), self.out, *options)
+            self.assert_one_line(result, 2, PAINTDOC, "written by a newer version")
 
     def test_render_keeps_straight_alpha(self):
         self.assertEqual(run(PAINTDOC, "render", document("half red"), self.out).returncode, 0)
@@ -176,6 +276,24 @@ class Programs(unittest.TestCase):
             result = run(*command)
             self.assertEqual((result.returncode, result.stderr.count(b"\n")), (64, 1), (command, result.stderr))
             self.assertEqual((read(first), read(second)), (before, before))
+        for command in ((THUMBNAILER,), (PAINTDOC, "render")):
+            for source, target in ((first, first), (first, link), (first, second), ("-", second), ("-", first)):
+                with open(first, "rb") as reading, open(target, "r+b") as writing:
+                    result = subprocess.run([*command, source, "-"], stdin=reading, stdout=writing, stderr=subprocess.PIPE)
+                self.assertEqual((result.returncode, result.stderr.count(b"\n")), (64, 1), (command, source, target))
+                self.assertEqual((read(first), read(second)), (before, before))
+            # The shell has emptied it; nothing is put in the place of what was there.
+            with open(self.write("c", before), "rb") as reading, open(reading.name, "wb") as writing:
+                self.assertEqual(subprocess.run([*command, "-", "-"], stdin=reading, stdout=writing, stderr=subprocess.PIPE
+                                                ).returncode, 64)
+            self.assertEqual(read(reading.name), b"")
+
+    def test_no_picture_goes_to_a_terminal(self):
+        for command in ((THUMBNAILER,), (PAINTDOC, "render")):
+            controller, terminal = pty.openpty()
+            result = subprocess.run([*command, document("red"), "-"], stdout=terminal, stderr=subprocess.PIPE)
+            os.close(terminal)
+            self.assertEqual((result.returncode, shown_on(controller)), (64, b""))
 
     def test_a_failed_rewrite_leaves_the_picture(self):
         self.write("out.png", b"a good picture")
@@ -196,13 +314,14 @@ class Programs(unittest.TestCase):
             shown = (result.stdout + result.stderr).decode()  # UTF-8 at least
             self.assertEqual(shown.count("\n"), 1)
             self.assertIn("a?]0;t??1m?????.paintdoc?", shown)
+        shown = run(PAINTDOC, "check", "--json", path).stdout
+        self.assertRegex(shown, rb"\A[ -~]+\n\Z")
+        self.assertEqual(os.path.basename(json.loads(shown)["file"]), evil + "\ufffd")
         result = run(THUMBNAILER, "file://" + document("red") + "%00.png", self.out)
         self.assertEqual((result.returncode, os.path.exists(self.out)), (1, False))
 
     def test_an_arc_that_the_built_in_engine_refuses(self):
-        text = (b'<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9">'
-                b'<path d="M1 1A2 3 0 0 1 5 5" fill="#f00"/></svg>')
-        path = self.write("a.svg", text)
+        path = self.write("a.svg", SVG_ARC)
         result = run(PAINTDOC, "render", path, self.out)
         self.assertEqual((result.returncode, result.stderr), (0, b""))
         self.assertIn((255, 0, 0, 255), read_png(self.out)[3][2])
@@ -214,7 +333,7 @@ class Programs(unittest.TestCase):
 
     def test_render_sizes(self):
         pattern = os.path.join(self.folder.name, "out.png")
-        result = run(PAINTDOC, "render", "--json", document("red"), pattern, "80", "20", "400")
+        result = run(PAINTDOC, "render", "--json", document("red"), pattern, "80", "20", "080", "400", "20")
         self.assertEqual((result.returncode, result.stderr), (0, b""))
         report = json.loads(result.stdout)
         self.assertEqual(report["size"], [100, 50])
@@ -226,8 +345,13 @@ class Programs(unittest.TestCase):
         self.assertEqual(run(THUMBNAILER, "-s", "20", document("red"), self.out).returncode, 0)
         self.assertEqual(read_png(self.out), read_png(os.path.join(self.folder.name, "out-20.png")))
         os.makedirs(os.path.join(self.folder.name, "30"))
-        result = run(PAINTDOC, "render", document("red"), os.path.join(self.folder.name, "%s", "a"), "30")
-        self.assertEqual(read_png(os.path.join(self.folder.name, "30", "a"))[:2], (30, 15))
+        for out, sizes, name, size in (("%s/a%s", ["30"], "30/a30", (30, 15)), ("b%s", [], "b100", (100, 50)),
+                                       ("c.png", ["64", "64"], "c.png", (64, 32))):
+            self.assertEqual(run(PAINTDOC, "render", document("red"), out, *sizes, cwd=self.folder.name).returncode, 0)
+            self.assertEqual(read_png(os.path.join(self.folder.name, name))[:2], size)
+        self.assertEqual(len(os.listdir(self.folder.name)), 7)
+        result = run(PAINTDOC, "render", document("red"), os.path.join(self.folder.name, "d"), "1")
+        self.assert_one_line(result, 4, PAINTDOC, "nothing to draw")
 
     def test_render_formats(self):
         starts = {"jpg": b"\xff\xd8\xff", "JPEG": b"\xff\xd8\xff", "webp": b"RIFF", "tif": (b"II*\0", b"MM\0*"), "png": b"\x89PNG"}
@@ -238,10 +362,6 @@ class Programs(unittest.TestCase):
         path = os.path.join(self.folder.name, "a.png")
         self.assertEqual(run(PAINTDOC, "render", "--format", "webp", document("red"), path).returncode, 0)
         self.assertTrue(read(path).startswith(b"RIFF"))
-        for arguments in (["a.doc"], ["--format", "bmp", "a.png"], ["--quality", "2", "a.jpg"], ["-", "10", "20"],
-                          ["--json", "-"], ["a.png", "0"]):
-            result = run(PAINTDOC, "render", document("red"), *arguments, cwd=self.folder.name)
-            self.assertEqual(result.returncode, 64, arguments)
 
     def test_jpeg_shows_transparency_over_white(self):
         path = os.path.join(self.folder.name, "a.jpg")
@@ -255,56 +375,92 @@ class Programs(unittest.TestCase):
             self.assertAlmostEqual(value, expected, delta=3)
 
     def test_standard_input_and_output(self):
-        self.assertEqual(run(PAINTDOC, "render", document("half red"), self.out).returncode, 0)
         data = read(document("half red"))
-        result = run(PAINTDOC, "render", "-", "-", input=data)
-        self.assertEqual((result.returncode, result.stdout), (0, read(self.out)))
-        with open(document("half red"), "rb") as file:
-            self.assertEqual(run(PAINTDOC, "render", "-", "-", stdin=file).stdout, read(self.out))
+        for command in ((THUMBNAILER,), (PAINTDOC, "render")):
+            self.assertEqual(run(*command, document("half red"), self.out).returncode, 0)
+            result = run(*command, "-", "-", input=data)
+            self.assertEqual((result.returncode, result.stdout, result.stderr), (0, read(self.out), b""))
+            with open(document("half red"), "rb") as file:
+                self.assertEqual(run(*command, "-", "-", stdin=file).stdout, read(self.out))
+            self.assertEqual(run(*command, "-", "-", stdin=subprocess.DEVNULL).returncode, 1)
+            with open("/dev/full", "wb") as full:
+                self.assertEqual(subprocess.run([*command, document("red"), "-"], stdout=full, stderr=subprocess.PIPE,
+                                                timeout=120).returncode, 74)
         self.assertEqual(run(PAINTDOC, "info", "-", input=data).stdout,
                          run(PAINTDOC, "info", document("half red")).stdout)
-        self.assertEqual(run(PAINTDOC, "check", "-", input=b"").returncode, 1)
-        self.assertEqual(run(PAINTDOC, "render", "-", "-", stdin=subprocess.DEVNULL).returncode, 1)
-        with open("/dev/full", "wb") as full:
-            self.assertEqual(subprocess.run([PAINTDOC, "render", document("red"), "-"], stdout=full,
-                                            stderr=subprocess.PIPE, timeout=120).returncode, 74)
+        # The first takes everything.
+        self.assertEqual(run(PAINTDOC, "check", "-", "-", input=data).stdout,
+                         b"-: a readable document\n-: not a readable document\n")
 
     def test_progress_is_for_terminals(self):
-        # A pipe gets nothing, a terminal a line that is removed again.
-        paths = [document("all classes")] * 4000
-        controller, terminal = pty.openpty()
-        with subprocess.Popen([PAINTDOC, "check", "--json", *paths], stdout=subprocess.PIPE, stderr=terminal) as process:
-            os.close(terminal)
-            report = json.loads(process.stdout.read())
-        self.assertEqual(len(report), 4000)
-        shown = b""
-        try:
-            while part := os.read(controller, 65536):
-                shown += part
-        except OSError:
-            pass  # How a terminal tells that nobody writes to it any more.
-        os.close(controller)
-        if shown:  # The run may have been shorter than the quiet second.
-            self.assertRegex(shown, rb"paintdoc: \d+ of 4000")
-            self.assertTrue(shown.endswith(b"\r\x1b[K"))
-        self.assertEqual(run(PAINTDOC, "check", "--json", *paths).stderr, b"")
-
-    def test_check_report(self):
-        result = run(PAINTDOC, "check", "--json", document("red"), self.folder.name)
-        self.assertEqual(result.returncode, 1)
-        report = json.loads(result.stdout)
-        self.assertEqual([entry["code"] for entry in report], [0, 1])
-        self.assertEqual(report[1], {"file": self.folder.name, "code": 1, "result": "not a readable document",
-                                     "reason": "Is a directory", "leftOut": []})
+        for name, expected in (("xterm", ERASE + b"paintdoc: 1 of 2" + ERASE), ("dumb", b""), (None, b"")):
+            path = self.pipe(f"of {name}")
+            controller, terminal = pty.openpty()
+            environment = {"TERM": name} if name else {}
+            with subprocess.Popen([PAINTDOC, "check", path, document("red")], stdout=terminal, stderr=terminal, env=environment) as process:
+                os.close(terminal)
+                wait_until(lambda: children(process.pid), "no process checks the file")
+                time.sleep(1.1)  # It is quiet in the first second.
+                open(path, "wb").close()
+                shown = shown_on(controller)
+            lines = [path.encode() + b": not a readable document", document("red").encode() + b": a readable document", b""]
+            self.assertEqual(shown, (b"\r\n" + expected).join(lines[:2]) + b"\r\n")
 
     def test_check(self):
-        result = run(PAINTDOC, "check", document("red"), document("version 23"), document("no paint data"))
-        self.assertEqual(result.returncode, 2)
-        lines = result.stdout.decode().splitlines()
-        self.assertEqual([line.rsplit(": ", 1)[1] for line in lines],
-                         ["a readable document", "written by a newer version of the format",
-                          "not a readable document"])
-        self.assertEqual(run(PAINTDOC, "check", document("red"), document("too large canvas")).returncode, 3)
+        cases = {document("red"): (0, "a readable document", None), document("no paint data"): (1, "not a readable document", None),
+                 self.folder.name: (1, "not a readable document", "Is a directory"),
+                 document("version 23"): (2, "written by a newer version of the format", None),
+                 document("too large canvas"): (3, "the canvas is too large", None)}
+        plain, report = (run(PAINTDOC, "check", *option, *cases) for option in ([], ["--json"]))
+        self.assertEqual((plain.returncode, report.returncode, plain.stderr, report.stderr), (3, 3, b"", b""))
+        for line, text, (path, (code, result, reason)) in zip(
+                report.stdout.splitlines(), plain.stdout.decode().splitlines(), cases.items(), strict=True):
+            self.assertEqual(list(json.loads(line).items()), [("file", path), ("code", code), ("result", result),
+                                                              ("reason", reason), ("leftOut", [])])
+            self.assertEqual(text, f"{path}: {result}" + (f" ({reason})" if reason else ""))
+
+    def test_files_are_checked_apart(self):
+        # Each answer comes before the next file is read, and an ended process is an answer.
+        adopt_orphans()
+        paths = [self.pipe(name) for name in ("first", "second", "third")]
+        with subprocess.Popen([PAINTDOC, "check", "--json", document("red"), *paths], stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            child = lambda: wait_until(lambda: list(children(process.pid)), "no process checks the file")[0]
+            self.assertEqual(json.loads(process.stdout.readline())["code"], 0)
+            for path, number, code in ((paths[0], signal.SIGTERM, 1), (paths[1], signal.SIGKILL, 75)):
+                os.kill(child(), number)
+                answer = json.loads(process.stdout.readline())
+                self.assertEqual((answer["file"], answer["code"]), (path, code))
+                self.assertIn(f"ended by signal {number:d},", answer["reason"])
+            last = child()
+            process.terminate()
+            self.assertEqual((process.wait(20), process.stdout.read(), process.stderr.read()), (-signal.SIGTERM, b"", b""))
+        _, status = wait_until(lambda: any(ended := os.waitpid(last, os.WNOHANG)) and ended, "it goes on without its parent")
+        self.assertEqual(os.WTERMSIG(status), signal.SIGKILL)
+
+    def test_check_goes_on_after_a_limit(self):
+        cases = {self.pipe("pipe"): (75, "the time limit was reached"), document("red"): (0, None)}
+        options = ["--limit-time", "1"]
+        if "PAINT_SANITIZED" not in os.environ:  # The sanitizers reserve terabytes.
+            cases = {self.write("large", bytes(1 << 26)): (75, "the memory limit was reached"), **cases}
+            options += ["--limit-memory", "50"]
+        result = run(PAINTDOC, "check", *options, "--json", *cases)
+        self.assertEqual((result.returncode, result.stderr), (75, b""))
+        answers = [json.loads(line) for line in result.stdout.splitlines()]
+        self.assertEqual({answer["file"]: (answer["code"], answer["reason"]) for answer in answers}, cases)
+
+    def test_check_of_many_files(self):
+        # Few descriptors, and a caller that ignores the ends of processes.
+        few = 'ulimit -n 16; trap "" CHLD; exec "$@"'
+        paths = [document("red"), document("no paint data")] * 50
+        result = run("bash", "-c", few, "-", PAINTDOC, "check", *paths)
+        self.assertEqual((result.returncode, result.stderr), (1, b""))
+        self.assertEqual(result.stdout.count(b": a readable"), 50)
+        with open("/dev/full", "wb") as full:
+            # It would wait for the pipe.
+            result = subprocess.run([PAINTDOC, "check", document("red"), self.pipe("pipe")], stdout=full,
+                                    stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual((result.returncode, result.stderr.count(b"\n")), (74, 1))
 
     def test_info(self):
         result = run(PAINTDOC, "info", "--json", document("background"))
@@ -314,6 +470,8 @@ class Programs(unittest.TestCase):
         self.assertEqual([draw["class"] for draw in info["draws"]], ["DrawImage2", "DrawEllipse"])
         self.assertEqual(info["draws"][0]["flags"], ["background"])
         self.assertEqual(info["draws"][1]["bounds"], [8, 8, 16, 16])
+        self.assertIn(b'\n  "version": 22,\n', result.stdout)
+        self.assert_one_line(run(PAINTDOC, "info", "--json", document("version 23")), 2, PAINTDOC, "newer version")
         nested = json.loads(run(PAINTDOC, "info", "--json", document("nested groups")).stdout)
         self.assertEqual(nested["draws"][1]["draws"][1]["draws"][0]["name"], "deep")
         text = run(PAINTDOC, "info", document("nested groups")).stdout.decode()
