@@ -7,7 +7,7 @@ _paint_thumbnailer() {
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W '-s --size --limit-time --limit-memory --limit-output
-      --version --help' -- "$current")
+      -V --version -h --help' -- "$current")
   else
     compopt -o filenames
     mapfile -t COMPREPLY < <(compgen -f -- "$current")

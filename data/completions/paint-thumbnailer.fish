@@ -2,5 +2,5 @@ complete -c paint-thumbnailer -s s -l size -x -a '128 256 512 1024' -d 'Largest 
 complete -c paint-thumbnailer -l limit-time -x -d 'Seconds of processor time'
 complete -c paint-thumbnailer -l limit-memory -x -d 'Megabytes of memory'
 complete -c paint-thumbnailer -l limit-output -x -d 'Megabytes of output'
-complete -c paint-thumbnailer -l version -d 'Print the version'
+complete -c paint-thumbnailer -s V -l version -d 'Print the version'
 complete -c paint-thumbnailer -s h -l help -d 'Print a summary'

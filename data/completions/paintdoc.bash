@@ -3,19 +3,21 @@ _paintdoc() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command= options word
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-    case $word in info | render | check) command=$word; break ;; esac
+    case $word in info | render | check | help) command=$word; break ;; esac
   done
   case $previous in
-    --format) mapfile -t COMPREPLY < <(compgen -W 'png jpeg webp tiff' -- "$current"); return ;;
+    --format) mapfile -t COMPREPLY < <(compgen -W 'png jpeg jpg webp tiff tif' -- "$current"); return ;;
     --svg) mapfile -t COMPREPLY < <(compgen -W 'system built-in' -- "$current"); return ;;
     --quality | --limit-*) return ;;
   esac
+  local common='--json --limit-time --limit-memory --limit-output --svg -V --version -h --help'
   case $command in
-    '') options='info render check --limit-time --limit-memory --limit-output --svg --version --help' ;;
-    render) options='--json --format --quality --help' ;;
-    *) options='--json --help' ;;
+    '') options="info render check help $common" ;;
+    render) options="--format --quality $common" ;;
+    help) options='info render check help' ;;
+    *) options=$common ;;
   esac
-  if [[ -z $command || $current == -* ]]; then
+  if [[ -z $command || $command == help || $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
   else
     compopt -o filenames

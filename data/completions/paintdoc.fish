@@ -1,13 +1,15 @@
-set -l commands info render check
+set -l commands info render check help
 complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a info -d 'Show the canvas and the tree of draws'
 complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a render -d 'Write the picture'
 complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a check -d 'Tell whether files are documents'
-complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-time -x -d 'Seconds of processor time'
-complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-memory -x -d 'Megabytes of memory'
-complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l limit-output -x -d 'Megabytes of output'
-complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l svg -x -a 'system built-in' -d 'Who draws SVG pictures'
-complete -c paintdoc -n "not __fish_seen_subcommand_from $commands" -l version -d 'Print the version'
-complete -c paintdoc -n "__fish_seen_subcommand_from $commands" -l json -d 'Answer as JSON'
-complete -c paintdoc -n '__fish_seen_subcommand_from render' -l format -x -a 'png jpeg webp tiff' -d 'Format of the picture'
+complete -c paintdoc -f -n "not __fish_seen_subcommand_from $commands" -a help -d 'Print a summary'
+complete -c paintdoc -f -n '__fish_seen_subcommand_from help' -a "$commands"
+complete -c paintdoc -l limit-time -x -d 'Seconds of processor time'
+complete -c paintdoc -l limit-memory -x -d 'Megabytes of memory'
+complete -c paintdoc -l limit-output -x -d 'Megabytes of output'
+complete -c paintdoc -l svg -x -a 'system built-in' -d 'Who draws SVG pictures'
+complete -c paintdoc -s V -l version -d 'Print the version'
+complete -c paintdoc -l json -d 'Answer as JSON'
+complete -c paintdoc -n '__fish_seen_subcommand_from render' -l format -x -a 'png jpeg jpg webp tiff tif' -d 'Format of the picture'
 complete -c paintdoc -n '__fish_seen_subcommand_from render' -l quality -x -d 'Of JPEG and WebP, 0 to 1'
 complete -c paintdoc -s h -l help -d 'Print a summary'
