@@ -1,6 +1,5 @@
 #include "common/ResourceLimits.h"
 
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 
 #include "common/ExitStatus.h"
 #include "platform/machine/AddressSanitizer.h"
+#include "platform/machine/AddressSpace.h"
 
 namespace {
 
@@ -50,17 +50,13 @@ extern "C" void timeIsUp(int) {
   endForLimit("the time limit was reached");
 }
 
-/// Whether the system still gives what malloc asks it for at least once its heap cannot grow.
-bool isMemoryLeft() {
-  constexpr size_t kLeastMapping = 1 << 20;
-  void* const mapping = mmap(nullptr, kLeastMapping, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  return mapping != MAP_FAILED && munmap(mapping, kLeastMapping) == 0;
-}
+/// What malloc asks the system for at least once its heap cannot grow.
+constexpr size_t kLeastMapping = 1 << 20;
 
 /// Libraries abort when they are refused memory, and so does the C++ runtime when an exception
 /// finds none or passes a function that must not throw. Other aborts take their course.
 extern "C" void abortIsOn(int) {
-  if (!isMemoryLeft()) endForMemory();
+  if (!hasAddressSpace(kLeastMapping)) endForMemory();
 }
 
 /// Ahead of the constructors of the program's own objects.

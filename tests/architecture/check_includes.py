@@ -98,15 +98,16 @@ ROOMS = {
     "platform/graphics/bitmap": """platform/foundation platform/foundation/collections
         platform/foundation/values platform/graphics/codecs platform/graphics/pixels
         platform/machine""",
-    "platform/graphics/codecs": """platform/foundation platform/graphics/pixels
-        platform/machine""",
+    "platform/graphics/codecs": """platform/foundation platform/graphics/color
+        platform/graphics/pixels platform/machine""",
+    "platform/graphics/color/libraries": "platform/graphics/color platform/machine",
     "platform/graphics/codecs/libraries/jpeg": "platform/graphics/codecs",
     "platform/graphics/codecs/libraries/tiff": "platform/graphics/codecs",
     "platform/graphics/codecs/libraries/webp": "platform/graphics/codecs",
     "platform/graphics/gradient": """platform/foundation platform/foundation/collections
         platform/foundation/values platform/graphics/color platform/graphics/pixels/paint""",
     "platform/graphics/color": """platform/foundation platform/foundation/values
-        platform/graphics/pixels/paint""",
+        platform/graphics/pixels/paint platform/machine""",
     "platform/graphics/path": """platform/foundation platform/foundation/collections
         platform/foundation/values platform/graphics/pixels/outline""",
 
@@ -177,7 +178,7 @@ OWNERS = {
     r"jpeglib\.h|turbojpeg\.h": "src/platform/graphics/codecs/libraries/jpeg",
     r"tiffio\.h": "src/platform/graphics/codecs/libraries/tiff",
     r"webp/.*": "src/platform/graphics/codecs/libraries/webp",
-    r"lcms2.*": "src/platform/graphics/color src/platform/graphics/codecs",
+    r"lcms2.*": "src/platform/graphics/color/libraries",
     r"hb.*\.h|unicode/.*|fontconfig/.*|ft2build\.h": "src/platform/text/libraries",
     r"libxml/.*": "src/svg/libraries",
     r"poppler.*": "src/helper/libraries/pdf",

@@ -1,36 +1,24 @@
 #include "platform/graphics/codecs/ProfileConversion.h"
 
-#include <lcms2.h>
-
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "platform/foundation/Limits.h"
-#include "platform/machine/AddressSpace.h"
 
 namespace {
 
-struct CloseEmbeddedProfile {
-  void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-using Profile = std::unique_ptr<void, CloseEmbeddedProfile>;
-
-struct SampleFormat {
-  cmsColorSpaceSignature space;
-  cmsUInt32Number input;
-};
-
-SampleFormat formatOf(ColorModel model) {
+SampleForm formOf(ColorModel model) {
   switch (model) {
     case ColorModel::gray:
-      return {cmsSigGrayData, TYPE_GRAY_8};
+      return SampleForm::grayBytes;
     case ColorModel::rgb:
-      return {cmsSigRgbData, TYPE_RGBA_8};
+      return SampleForm::rgbaBytes;
     case ColorModel::cmyk:
       break;
   }
-  return {cmsSigCmykData, TYPE_CMYK_8};
+  return SampleForm::cmykBytes;
 }
 
 /// Colours on a grid of 9 steps in each channel, a fourth byte of zero.
@@ -51,32 +39,17 @@ std::vector<uint8_t> probes() {
 std::unique_ptr<ProfileConversion> ProfileConversion::create(std::span<const uint8_t> icc,
                                                              ColorModel model) {
   if (icc.empty() || icc.size() > limits::kMaxProfileBytes) return nullptr;
-  // The library does not tell malformed profiles from want of memory.
-  requireAddressSpace(kLibraryTables + icc.size());
-  const Profile source(cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size())));
-  const SampleFormat format = formatOf(model);
-  if (source == nullptr || cmsGetColorSpace(source.get()) != format.space) return nullptr;
-  const Profile target(cmsCreate_sRGBProfile());
-  if (target == nullptr) return nullptr;
-  const cmsUInt32Number keepAlpha = model == ColorModel::rgb ? cmsFLAGS_COPY_ALPHA : 0;
-  void* const transform =
-      cmsCreateTransform(source.get(), format.input, target.get(), TYPE_RGBA_8,
-                         INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_BLACKPOINTCOMPENSATION | keepAlpha);
+  auto transform = openColorTransform(icc, formOf(model));
   if (transform == nullptr) return nullptr;
-  std::unique_ptr<ProfileConversion> result(new ProfileConversion(model, transform));
+  std::unique_ptr<ProfileConversion> result(new ProfileConversion(model, std::move(transform)));
   if (model == ColorModel::gray) result->tabulateGreys();
   return result->changesNothing() ? nullptr : std::move(result);
-}
-
-ProfileConversion::~ProfileConversion() {
-  cmsDeleteTransform(transform_);
 }
 
 void ProfileConversion::tabulateGreys() {
   std::array<uint8_t, 256> levels;
   for (size_t i = 0; i < levels.size(); ++i) levels[i] = static_cast<uint8_t>(i);
-  cmsDoTransform(transform_, levels.data(), greys_.data(),
-                 static_cast<cmsUInt32Number>(levels.size()));
+  transform_->convert(levels.data(), greys_.data(), levels.size());
 }
 
 /// Most pictures carry a profile of the space that they are shown in.
@@ -98,8 +71,7 @@ void ProfileConversion::convert(uint8_t* pixels, size_t count) const {
     for (size_t i = 0; i < count; ++i) std::memcpy(pixels + i * 4, greys_[pixels[i * 4]].data(), 3);
     return;
   }
-  // Every row of a picture fits: a canvas has fewer pixels.
-  cmsDoTransform(transform_, pixels, pixels, static_cast<cmsUInt32Number>(count));
+  transform_->convert(pixels, pixels, count);
   if (model_ == ColorModel::cmyk) {
     for (size_t i = 0; i < count; ++i) pixels[i * 4 + 3] = 255;
   }

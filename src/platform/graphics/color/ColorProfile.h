@@ -7,13 +7,14 @@
 #include <optional>
 #include <span>
 
+class ColorTransform;
 class NSData;
 
 /// Red, green and blue of the sRGB space, 0 to 1, encoded with its curve.
 using SRGBColor = std::array<double, 3>;
 
-/// An ICC profile that single colours are converted from. The colour management library is first
-/// called when a colour is.
+/// An ICC profile that single colours are converted from. The colour management library is loaded
+/// when the first one is.
 class ColorProfile {
  public:
   enum class Model : uint8_t { kGray, kRGB, kCMYK, kOther };
@@ -33,10 +34,8 @@ class ColorProfile {
   std::optional<SRGBColor> sRGBFromComponents(std::span<const double> components) const;
 
  private:
-  struct Transform;
-
   std::shared_ptr<const NSData> icc_;
   Model model_;
   mutable std::once_flag opened_;
-  mutable std::unique_ptr<Transform> transform_;
+  mutable std::unique_ptr<ColorTransform> transform_;
 };
