@@ -37,6 +37,10 @@ void* operator new(size_t bytes) {
   return memory;
 }
 
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
+  return isRefused() ? nullptr : std::malloc(std::max<size_t>(bytes, 1));
+}
+
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
