@@ -22,6 +22,7 @@ class NSColor;
 class NSData;
 class NSImage;
 class NSMutableData;
+class ZTFocusScope;
 struct LayerDrawsStatus;
 
 /// What resizing a canvas does to the draws on it.
@@ -186,6 +187,9 @@ class PAINT_API PaintManager : public NSObject {
   /// The same picture of a document that is shown once and not changed: composed in one bitmap, not
   /// in two, and not kept.
   std::shared_ptr<NSBitmapImageRep> composedImage();
+  /// The same pixels of a part of the canvas alone: what of the rectangle, grown to whole pixels,
+  /// lies on the canvas. Null where that is nothing.
+  std::shared_ptr<NSBitmapImageRep> composedImage(const NSRect& part);
   /// The composed canvas as it stands: maybe null, maybe stale.
   const std::shared_ptr<NSBitmapImageRep>& imageWithoutRefreshing() const { return image_; }
   void refreshImage();
@@ -241,6 +245,11 @@ class PAINT_API PaintManager : public NSObject {
   void paintBackgroundColor(const NSRect& rect) const;
   /// Repaints parts of the buffer as painting all of it would; answers whether that was possible.
   bool repaintBuffer(std::vector<NSRect> parts);
+  bool repaintPart(const NSRect& part);
+  /// Makes a context current that draws a part of the canvas, in whole pixels, onto a bitmap of its
+  /// size.
+  ZTFocusScope focusOnPart(const std::shared_ptr<NSBitmapImageRep>& bitmap,
+                           const NSRect& part) const;
   void composeFullImage(const NSBitmapImageRep* mask);
   void applyBackgroundMask(const NSBitmapImageRep& mask);
 

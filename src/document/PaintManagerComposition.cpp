@@ -1,4 +1,6 @@
 // Composition of a document's draws into its two bitmaps.
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "document/PaintManager.h"
@@ -10,15 +12,25 @@
 
 namespace {
 
-/// Copies the pixels in a rectangle of whole units, which lies inside both bitmaps.
-void copyPart(const NSBitmapImageRep& from, const NSRect& part, NSBitmapImageRep& to) {
-  const auto x = static_cast<size_t>(NSMinX(part)), width = static_cast<size_t>(NSWidth(part));
-  const int64_t first = from.pixelsHigh() - static_cast<int64_t>(NSMaxY(part));
-  const int64_t end = from.pixelsHigh() - static_cast<int64_t>(NSMinY(part));
-  uint8_t* row = to.writableRows(first, end) + x * 4;
-  for (int64_t y = first; y < end; ++y, row += to.bytesPerRow()) {
-    std::memcpy(row, from.row(y) + x * 4, width * 4);
+/// Copies a bitmap into another one, its lower left corner to a whole position.
+void copyInto(const NSBitmapImageRep& part, NSPoint at, NSBitmapImageRep& whole) {
+  const auto x = static_cast<size_t>(at.x);
+  const int64_t top = whole.pixelsHigh() - static_cast<int64_t>(at.y) - part.pixelsHigh();
+  uint8_t* row = whole.writableRows(top, top + part.pixelsHigh()) + x * 4;
+  for (int64_t y = 0; y < part.pixelsHigh(); ++y, row += whole.bytesPerRow()) {
+    std::memcpy(row, part.row(y), part.bytesPerRow());
   }
+}
+
+/// The pixels of a canvas that a rectangle touches; the zero rectangle for none, and for one that
+/// is not a number.
+NSRect wholePixelsOf(const NSRect& rect, NSSize canvas) {
+  const CGFloat x0 = std::max(0.0, std::floor(NSMinX(rect)));
+  const CGFloat y0 = std::max(0.0, std::floor(NSMinY(rect)));
+  const CGFloat x1 = std::min(canvas.width, std::ceil(NSMaxX(rect)));
+  const CGFloat y1 = std::min(canvas.height, std::ceil(NSMaxY(rect)));
+  const bool isSomething = NSMinX(rect) < x1 && NSMinY(rect) < y1 && x0 < x1 && y0 < y1;
+  return isSomething ? NSMakeRect(x0, y0, x1 - x0, y1 - y0) : NSZeroRect;
 }
 
 }  // namespace
@@ -37,6 +49,19 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage() {
   pictures_.begin();
   const auto mask = backgroundMask();
   const ZTFocusScope focus(image);
+  paintDraws(image.get(), aryDraw_.size());
+  if (mask != nullptr) applyBackgroundMask(*mask);
+  return image;
+}
+
+std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(const NSRect& part) {
+  const NSRect shown = wholePixelsOf(part, size_);
+  std::shared_ptr<NSBitmapImageRep> image;
+  if (NSIsEmptyRect(shown) || !InitImageRep(shown.size, &image)) return nullptr;
+  const PictureSessionScope session(pictures_);
+  pictures_.begin();
+  const auto mask = backgroundMask();
+  const ZTFocusScope focus = focusOnPart(image, shown);
   paintDraws(image.get(), aryDraw_.size());
   if (mask != nullptr) applyBackgroundMask(*mask);
   return image;
@@ -97,22 +122,33 @@ bool PaintManager::repaintBuffer(std::vector<NSRect> parts) {
   std::erase_if(parts, [](const NSRect& part) { return NSIsEmptyRect(part); });
   if (parts.empty()) return true;
   if (pixels > size_.width * size_.height / 2) return false;
-  // Draws are painted whole on a canvas of their own, as clipping them would round their edges
-  // differently.
-  std::shared_ptr<NSBitmapImageRep> canvas;
-  if (!InitImageRep(size_, &canvas)) return false;
+  for (const NSRect& part : parts) {
+    if (!repaintPart(part)) return false;
+  }
+  return true;
+}
+
+bool PaintManager::repaintPart(const NSRect& part) {
+  std::shared_ptr<NSBitmapImageRep> painted;
+  if (!InitImageRep(part.size, &painted)) return false;
   {
-    const ZTFocusScope focus(canvas);
-    for (const NSRect& part : parts) paintBackgroundColor(part);
+    const ZTFocusScope focus = focusOnPart(painted, part);
+    paintBackgroundColor(part);
     NSGraphicsContext::currentContext()->setCompositingOperation(
         NSCompositingOperation::sourceOver);
     for (size_t i = 0; i + 1 < aryDraw_.size(); ++i) {
-      const bool paints = aryDraw_[i]->visible() && areas_.touches(i, parts);
-      if (paints) aryDraw_[i]->drawInImage(canvas.get());
+      const bool paints = aryDraw_[i]->visible() && areas_.touches(i, {&part, 1});
+      if (paints) aryDraw_[i]->drawInImage(painted.get());
     }
   }
-  for (const NSRect& part : parts) copyPart(*canvas, part, *imageBuffer_);
+  copyInto(*painted, part.origin, *imageBuffer_);
   return true;
+}
+
+ZTFocusScope PaintManager::focusOnPart(const std::shared_ptr<NSBitmapImageRep>& bitmap,
+                                       const NSRect& part) const {
+  return {bitmap, static_cast<int32_t>(NSMinX(part)),
+          static_cast<int32_t>(size_.height - NSMaxY(part)), static_cast<int64_t>(size_.height)};
 }
 
 void PaintManager::composeFullImage(const NSBitmapImageRep* mask) {

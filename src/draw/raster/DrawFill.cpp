@@ -24,8 +24,17 @@ NSSize sizeDifference(const NSRect& a, const NSRect& b) {
 /// Whether drawing through the context would hit the bitmap's pixels one to one, all of them.
 bool coversPixels(const GraphicsState& state, const NSBitmapImageRep& image) {
   const PixelBox& box = state.clip.box();
-  return state.transform == CGAffineTransform() && state.clip.isBox() && box.x0 == 0 &&
-         box.y0 == 0 && box.x1 == image.pixelsWide() && box.y1 == image.pixelsHigh();
+  return state.transform == CGAffineTransform() && state.clip.isBox() &&
+         box.width() == image.pixelsWide() && box.height() == image.pixelsHigh();
+}
+
+/// Where the bitmap of the current context lies on the canvas, given that it covers its pixels.
+NSPoint originOnCanvas() {
+  const auto& context = NSGraphicsContext::currentContext();
+  if (context == nullptr) return NSZeroPoint;
+  const CGContext& port = *context->graphicsPort();
+  const PixelBox& box = port.state().clip.box();
+  return {static_cast<CGFloat>(box.x0), port.deviceTransform().ty - static_cast<CGFloat>(box.y1)};
 }
 
 }  // namespace
@@ -120,7 +129,8 @@ bool DrawFill::canWritePixels(const NSBitmapImageRep* image) const {
 void DrawFill::drawInImage(NSBitmapImageRep* image) {
   if (!bVisible_ || !bEnableFill_ || bezierPath_ == nullptr || bezierPath_->isEmpty()) return;
   if (fillType_ == kMaskFill && mask_ != nullptr && canWritePixels(image)) {
-    return mask_->fillImage(image, colorFill_.get());
+    const NSPoint start = mask_->maskStartPoint(), origin = originOnCanvas();
+    return mask_->fillImage(image, colorFill_.get(), {start.x - origin.x, start.y - origin.y});
   }
   if (NSGraphicsContext::currentContext() == nullptr) return;
   if (fillType_ == kMaskFill) return _draw(CastShadow::no);

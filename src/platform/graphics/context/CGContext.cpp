@@ -63,7 +63,11 @@ PixelSurface surfaceFor(const PixelBox& box) {
 }  // namespace
 
 CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap)
-    : bitmap_(sharedPixels(bitmap), 0, 0) {
+    : CGContext(bitmap, 0, 0, bitmap == nullptr ? 0 : bitmap->pixelsHigh()) {}
+
+CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, int32_t x, int32_t y,
+                     int64_t canvasHeight)
+    : bitmap_(sharedPixels(bitmap), x, y), canvasHeight_(static_cast<CGFloat>(canvasHeight)) {
   state_.clip = ClipRegion(bitmap_.box());
 }
 
@@ -83,8 +87,7 @@ void CGContext::concatenate(const CGAffineTransform& transform) {
 }
 
 CGAffineTransform CGContext::toDevice(const CGAffineTransform& toBitmap) const {
-  const auto height = static_cast<CGFloat>(bitmap_.box().height());
-  return CGAffineTransformConcat(toBitmap, {1, 0, 0, -1, 0, height});
+  return CGAffineTransformConcat(toBitmap, {1, 0, 0, -1, 0, canvasHeight_});
 }
 
 FillStyle CGContext::fillStyle(WindingRule winding) const {

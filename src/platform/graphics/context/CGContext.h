@@ -33,6 +33,10 @@ class CGContext {
  public:
   /// A null or empty bitmap makes a context that paints nothing.
   explicit CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap);
+  /// The bitmap shows a part of a canvas of `canvasHeight` pixels, whose device space is that of
+  /// the whole: its upper left pixel is the device pixel (x, y). What is drawn outside is dropped.
+  CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, int32_t x, int32_t y,
+            int64_t canvasHeight);
   CGContext(const CGContext&) = delete;
   CGContext& operator=(const CGContext&) = delete;
 
@@ -163,6 +167,7 @@ class CGContext {
 
   PathRenderer renderer_;
   PixelSurface bitmap_;
+  CGFloat canvasHeight_;
   std::vector<Layer> layers_;
   GraphicsState state_;
   PlacedPath path_;

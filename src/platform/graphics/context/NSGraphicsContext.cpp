@@ -70,6 +70,14 @@ ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap) : bitmap_(s
   ZTLockFocus(bitmap_);
 }
 
+ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x, int32_t y,
+                           int64_t canvasHeight)
+    : bitmap_(std::move(bitmap)) {
+  auto context = std::make_shared<NSGraphicsContext>(bitmap_, x, y, canvasHeight);
+  NSGraphicsContext::saveGraphicsState();
+  NSGraphicsContext::setCurrentContext(std::move(context));
+}
+
 ZTFocusScope::~ZTFocusScope() {
   ZTUnlockFocus(bitmap_);
 }

@@ -24,6 +24,9 @@ class NSGraphicsContext {
   static void restoreGraphicsState();
 
   explicit NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap);
+  NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, int32_t x, int32_t y,
+                    int64_t canvasHeight)
+      : port_(bitmap, x, y, canvasHeight) {}
 
   CGContext* graphicsPort() { return &port_; }
 
@@ -54,6 +57,9 @@ void ZTUnlockFocus(const std::shared_ptr<NSBitmapImageRep>& bitmap);
 class ZTFocusScope {
  public:
   explicit ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap);
+  /// Of a bitmap that shows a part of a canvas (see CGContext).
+  ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x, int32_t y,
+               int64_t canvasHeight);
   ZTFocusScope(const ZTFocusScope&) = delete;
   ZTFocusScope& operator=(const ZTFocusScope&) = delete;
   ~ZTFocusScope();

@@ -7,7 +7,7 @@
 #include "platform/graphics/pixels/paint/SpanCompositor.h"
 
 PixelBox castingBox(const DropShadow& shadow, const PixelBox& box) {
-  return movedAndGrown(box, -shadow.dx, -shadow.dy, blurReach(shadow.blur));
+  return movedAndGrown(box, -shadow.dx, -shadow.dy, blurSupport(shadow.blur));
 }
 
 void paintShadow(PixelSurface& surface, const ClipRegion& clip, const CoverageShape& shape,
@@ -22,6 +22,7 @@ void paintShadow(PixelSurface& surface, const ClipRegion& clip, const CoverageSh
   shape.cover(ClipRegion(mask.box()), sink);
   BlurredRows blurred(mask, shadow.blur, movedAndGrown(clip.box(), -shadow.dx, -shadow.dy, 0));
   const PixelBox& box = blurred.box();
+  if (box.empty()) return;
   SpanCompositor compositor(surface, operation, SpanPaint::solid(pixel));
   ClipSink clipped(clip, compositor);
   CoverageSink& target = clip.isBox() ? static_cast<CoverageSink&>(compositor) : clipped;

@@ -55,12 +55,25 @@ class PixelKernel {
   double sum_ = 0;
 };
 
+/// Of cells as small as the kernel can be long.
+int cellShift(int reach) {
+  int shift = 0;
+  while (reach >> shift > kMaxDirectReach) ++shift;
+  return shift;
+}
+
+/// In cells of 1 << shift pixels.
+int cellReach(int reach, int shift) {
+  const int size = 1 << shift;
+  return shift == 0 ? reach : (reach + size / 2) / size + 1;
+}
+
 CellKernel kernelFor(double blur) {
   const int reach = blurReach(blur);
   CellKernel kernel;
-  while (reach >> kernel.shift > kMaxDirectReach) ++kernel.shift;
+  kernel.shift = cellShift(reach);
+  kernel.reach = cellReach(reach, kernel.shift);
   const int size = 1 << kernel.shift;
-  kernel.reach = kernel.shift == 0 ? reach : (reach + size / 2) / size + 1;
   const PixelKernel pixels(std::min<double>(blur, kMaxBlurReach), reach);
   int16_t others = 0;
   kernel.weights.push_back(0);
@@ -285,6 +298,13 @@ std::unique_ptr<BlurredRows::Source> sourceFor(const AlphaMask& mask, double blu
 int blurReach(double blur) {
   if (!(blur >= 0.5)) return 0;
   return static_cast<int>(std::lround(std::min<double>(blur, kMaxBlurReach)));
+}
+
+int blurSupport(double blur) {
+  const int reach = blurReach(blur);
+  const int shift = cellShift(reach);
+  // A pixel lies between two cells, of which all pixels count.
+  return shift == 0 ? reach : (cellReach(reach, shift) + 2) << shift;
 }
 
 BlurredRows::BlurredRows(const AlphaMask& mask, double blur, const PixelBox& wanted)

@@ -30,6 +30,11 @@ struct FlatPath {
     points.push_back(p);
     smooth.push_back(isSmooth ? 1 : 0);
   }
+  /// Takes back the points from one on, which belong to no subpath yet.
+  void dropPointsFrom(size_t first) {
+    points.resize(first);
+    smooth.resize(first);
+  }
   /// Makes the points added since the previous subpath a subpath; nothing when there are none.
   void endSubpath(bool closed) {
     const size_t first = subpaths.empty() ? 0 : subpaths.back().first + subpaths.back().count;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "platform/foundation/Limits.h"
 
@@ -71,93 +72,122 @@ double visibleLength(const FlatPath& path, const DeviceBounds& visible) {
   return sum;
 }
 
+/// Every place where the pattern turns is computed from the start of its segment, and marks are
+/// whole, however little of them is visible: what shows does not depend on what else does.
 class Dasher {
  public:
   Dasher(const DashPattern& pattern, const DeviceBounds& visible, FlatPath& out)
-      : pattern_(pattern), visible_(visible), out_(out) {}
+      : total_(pattern.total), phase_(pattern.phase), visible_(visible), out_(out) {
+    double end = 0;
+    for (size_t i = 0; i < pattern.lengths.size(); i += 2) {
+      marks_.push_back({end, end + pattern.lengths[i]});
+      end += pattern.lengths[i] + pattern.lengths[i + 1];
+    }
+  }
 
   void dash(const FlatPath& path, const FlatPath::Subpath& subpath) {
-    index_ = 0;
-    left_ = pattern_.lengths[0];
-    skip(pattern_.phase);
+    offset_ = phase_;
     forEachSegment(path, subpath, [&](const LineSegment& s, bool smooth) { dash(s, smooth); });
     endMark();
   }
 
  private:
-  bool isMark() const { return index_ % 2 == 0; }
-
-  void next() {
-    index_ = index_ + 1 < pattern_.lengths.size() ? index_ + 1 : 0;
-    left_ = pattern_.lengths[index_];
-  }
-
-  /// Counts on over `distance` without drawing.
-  void skip(double distance) {
-    distance = std::fmod(distance, pattern_.total);
-    while (distance >= left_) {
-      distance -= left_;
-      next();
-    }
-    left_ -= distance;
+  /// A mark of the pattern's repetition `round`, by distance from the start of a segment.
+  DistanceSpan markOn(double round, const DistanceSpan& mark) const {
+    const double start = round * total_ - offset_;
+    return {start + mark.from, start + mark.to};
   }
 
   void dash(const LineSegment& s, bool smooth) {
-    DistanceSpan seen = inside(s, visible_);
-    if (!(seen.from <= seen.to)) {
-      endMark();
-      skip(s.length);
-      return;
+    seen_ = inside(s, visible_);
+    if (!drawing_ && markAt(offset_) != nullptr) beginMark(s.a);
+    if (drawing_ && !finishMark(s, smooth)) return;
+    const double last = std::floor((s.length + offset_) / total_);
+    addMarksInside(s, last);
+    // What goes on with the next segment begins here, seen or not.
+    const double rest = s.length + offset_ - last * total_;
+    if (const DistanceSpan* mark = markAt(rest)) {
+      const double start = markOn(last, *mark).from;
+      if (start > 0) {
+        beginMark(s.at(start));
+        extendMark(start, s.length, s.b, smooth);
+      }
     }
-    if (seen.from > 0) {
-      endMark();
-      skip(seen.from);
-    }
-    dashSeen(s, seen);
-    if (seen.to < s.length) {
-      if (isMark()) extendMark(s.at(seen.to), false);
-      endMark();
-      skip(s.length - seen.to);
-    } else if (isMark()) {
-      extendMark(s.b, smooth);
-    }
+    offset_ = rest;
   }
 
-  void dashSeen(const LineSegment& s, const DistanceSpan& seen) {
-    // Counted from where the segment comes into sight: from its start, far away, a dash might be
-    // less than a step between numbers.
-    const double room = seen.to - seen.from;
-    double done = 0;
-    if (isMark() && !drawing_) beginMark(s.at(seen.from));
-    while (left_ <= room - done) {
-      done += left_;
-      const NSPoint p = s.at(seen.from + done);
-      if (isMark()) {
-        extendMark(p, false);
+  /// The mark that holds a place of the pattern; null in gaps.
+  const DistanceSpan* markAt(double place) const {
+    for (const DistanceSpan& mark : marks_) {
+      if (place >= mark.from && place < mark.to) return &mark;
+    }
+    return nullptr;
+  }
+
+  /// Goes on with the mark from the segment before. False when it reaches beyond this one.
+  bool finishMark(const LineSegment& s, bool smooth) {
+    const DistanceSpan* const mark = markAt(offset_);
+    const double end = mark == nullptr ? 0 : markOn(0, *mark).to;
+    if (end > s.length) {
+      extendMark(0, s.length, s.b, smooth);
+      offset_ += s.length;
+      return false;
+    }
+    if (end > 0) extendMark(0, end, s.at(end), false);
+    endMark();
+    return true;
+  }
+
+  /// The visible marks that begin and end on the segment.
+  void addMarksInside(const LineSegment& s, double lastRound) {
+    if (!(seen_.from <= seen_.to)) return;
+    const double first = std::max(0.0, std::floor((seen_.from + offset_) / total_) - 1);
+    const double end = std::min(lastRound, std::floor((seen_.to + offset_) / total_) + 1);
+    for (double round = first; round <= end; ++round) {
+      for (const DistanceSpan& mark : marks_) {
+        const DistanceSpan span = markOn(round, mark);
+        if (!(span.from > 0 && span.to <= s.length && touchesSeen(span.from, span.to))) continue;
+        beginMark(s.at(span.from));
+        extendMark(span.from, span.to, s.at(span.to), false);
         endMark();
       }
-      next();
-      if (isMark()) beginMark(p);
     }
-    left_ -= room - done;
   }
 
+  bool touchesSeen(double from, double to) const { return from <= seen_.to && to >= seen_.from; }
+
   void beginMark(NSPoint p) {
+    firstPoint_ = out_.points.size();
+    isSeen_ = false;
     out_.add(p, false);
     drawing_ = true;
   }
-  void extendMark(NSPoint p, bool smooth) { out_.add(p, smooth); }
+
+  /// Adds the part of the segment from one distance to another, which ends at `p`.
+  void extendMark(double from, double to, NSPoint p, bool smooth) {
+    isSeen_ = isSeen_ || (seen_.from <= seen_.to && touchesSeen(from, to));
+    out_.add(p, smooth);
+  }
+
   void endMark() {
-    if (drawing_) out_.endSubpath(false);
+    if (drawing_ && isSeen_) {
+      out_.endSubpath(false);
+    } else if (drawing_) {
+      out_.dropPointsFrom(firstPoint_);
+    }
     drawing_ = false;
   }
 
-  const DashPattern& pattern_;
+  double total_;
+  double phase_;
+  std::vector<DistanceSpan> marks_;  ///< within the pattern
   const DeviceBounds& visible_;
   FlatPath& out_;
-  size_t index_ = 0;  ///< of the current length
-  double left_ = 0;   ///< what is left of it
+  double offset_ = 0;  ///< of the segment's start in the pattern, below its total
+  DistanceSpan seen_;  ///< of the segment
   bool drawing_ = false;
+  bool isSeen_ = false;  ///< anything of the mark that is drawn
+  size_t firstPoint_ = 0;
 };
 
 }  // namespace

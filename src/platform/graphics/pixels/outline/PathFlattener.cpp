@@ -133,24 +133,29 @@ class Flattener {
     current_ = end;
     const double distance = std::max(bend(p0, c1, c2), bend(c1, c2, end));
     const int n = steps(distance);
-    if (n == 1 || isBeyondOneEdge({p0, c1, c2, end})) {
+    if (n == 1) {
       out_.add(end, false);
-      return;
+    } else if (n > 3 && isBeyondOneEdge({p0, c1, c2, end})) {
+      // The first and the last chord stay: the joins with what is visible depend on them.
+      addChords(p0, c1, c2, end, n, n - 2);
+    } else {
+      addChords(p0, c1, c2, end, n, 1);
     }
-    addChords(p0, c1, c2, end, n);
   }
 
-  /// n - 1 interior points of the polynomial form ((a t + b) t + c) t + p0, and the end.
-  void addChords(NSPoint p0, NSPoint c1, NSPoint c2, NSPoint end, int n) {
+  /// The first of n - 1 interior points of the polynomial form ((a t + b) t + c) t + p0, each
+  /// `stride`th one after it, and the end.
+  void addChords(NSPoint p0, NSPoint c1, NSPoint c2, NSPoint end, int n, int stride) {
     const NSPoint c{3 * (c1.x - p0.x), 3 * (c1.y - p0.y)};
     const NSPoint b{3 * (c2.x - c1.x) - c.x, 3 * (c2.y - c1.y) - c.y};
     const NSPoint a{end.x - p0.x - c.x - b.x, end.y - p0.y - c.y - b.y};
     const size_t old = out_.points.size();
-    out_.points.resize(old + static_cast<size_t>(n));
-    out_.smooth.resize(old + static_cast<size_t>(n), 1);
+    const auto count = static_cast<size_t>(2 + (n - 2) / stride);
+    out_.points.resize(old + count);
+    out_.smooth.resize(old + count, 1);
     NSPoint* chord = out_.points.data() + old;
     const double step = 1.0 / n;
-    for (int i = 1; i < n; ++i) {
+    for (int i = 1; i < n; i += stride) {
       const double t = i * step;
       *chord++ = {((a.x * t + b.x) * t + c.x) * t + p0.x, ((a.y * t + b.y) * t + c.y) * t + p0.y};
     }

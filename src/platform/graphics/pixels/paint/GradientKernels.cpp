@@ -19,42 +19,43 @@ inline int32_t entry(float location) {
   return static_cast<int32_t>(low < kLast ? low : kLast);
 }
 
+/// Pixel i of the result is at `first` + i.
 template <class Location>
-ALWAYS_INLINE void lookUp(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
-                          Location locationAt) {
+ALWAYS_INLINE void lookUp(uint32_t* __restrict out, int32_t first, int32_t n,
+                          const uint32_t* __restrict table, Location locationAt) {
   int32_t entries[kBlock];
   for (int32_t done = 0; done < n; done += kBlock) {
     const int32_t count = n - done < kBlock ? n - done : kBlock;
     for (int32_t i = 0; i < count; ++i)
-      entries[i] = entry(locationAt(static_cast<float>(done + i)));
+      entries[i] = entry(locationAt(static_cast<float>(first + done + i)));
     for (int32_t i = 0; i < count; ++i) out[done + i] = table[entries[i]];
   }
 }
 
 }  // namespace
 
-TARGET_CLONES void linearGradientRow(uint32_t* __restrict out, int32_t n,
+TARGET_CLONES void linearGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
                                      const uint32_t* __restrict table, float start, float step) {
-  lookUp(out, n, table, [=](float i) { return start + step * i; });
+  lookUp(out, first, n, table, [=](float i) { return start + step * i; });
 }
 
-TARGET_CLONES void concentricGradientRow(uint32_t* __restrict out, int32_t n,
+TARGET_CLONES void concentricGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
                                          const uint32_t* __restrict table,
                                          const ConcentricRow& row) {
-  lookUp(out, n, table, [r = row](float i) {
+  lookUp(out, first, n, table, [r = row](float i) {
     const float x = r.x + r.dx * i;
     const float y = r.y + r.dy * i;
     return r.offset + std::sqrt(x * x + y * y);
   });
 }
 
-TARGET_CLONES void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t n,
+TARGET_CLONES void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
                                             const uint32_t* __restrict table,
                                             const NestedCirclesRow& row) {
   const float scale = static_cast<float>(GradientTable::kSize - 1) / row.a;
   const float b0 = row.startRadius * row.growth;
   const float c0 = row.startRadius * row.startRadius;
-  lookUp(out, n, table, [r = row, scale, b0, c0](float i) {
+  lookUp(out, first, n, table, [r = row, scale, b0, c0](float i) {
     const float x = r.x + r.dx * i;
     const float y = r.y + r.dy * i;
     const float b = x * r.moveX + y * r.moveY + b0;

@@ -5,11 +5,12 @@
 #include "platform/graphics/pixels/paint/RGBAColor.h"
 
 /// Loops that turn positions along a row into pixels of a gradient table. Locations are in table
-/// entries plus one half, so that truncation rounds; they are held within the table.
+/// entries plus one half, so that truncation rounds; they are held within the table. `out` takes
+/// the n pixels i from `first` on.
 
 /// Entry start + i step.
-void linearGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
-                       float start, float step);
+void linearGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
+                       const uint32_t* __restrict table, float start, float step);
 
 /// Entry offset + |(x + i dx, y + i dy)|.
 struct ConcentricRow {
@@ -19,8 +20,8 @@ struct ConcentricRow {
   float dy = 0;
   float offset = 0;
 };
-void concentricGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
-                           const ConcentricRow& row);
+void concentricGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
+                           const uint32_t* __restrict table, const ConcentricRow& row);
 
 /// Circles that grow from (0, 0) with radius r0 by (moveX, moveY) and `growth` per location, each
 /// inside the next: entry 0.5 + t * (kSize - 1) of the larger solution t of
@@ -37,8 +38,8 @@ struct NestedCirclesRow {
   float growth = 0;
   float a = 0;
 };
-void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t n, const uint32_t* __restrict table,
-                              const NestedCirclesRow& row);
+void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
+                              const uint32_t* __restrict table, const NestedCirclesRow& row);
 
 /// Colours between two stops of a gradient.
 struct GradientRamp {

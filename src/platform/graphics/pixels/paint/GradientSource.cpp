@@ -24,6 +24,23 @@ bool isFinite(const CGAffineTransform& t) {
          std::isfinite(t.tx) && std::isfinite(t.ty);
 }
 
+/// Columns that are computed from the same one, in single precision. Whatever part of a row is
+/// asked for, its pixels come from the same columns.
+constexpr int32_t kColumns = 256;
+
+/// Calls row(origin, first, n, out) for the pieces of a row that begin at `first` from an origin.
+template <class Row>
+void fetchInPieces(int32_t x, int32_t n, uint32_t* out, Row row) {
+  while (n > 0) {
+    const int32_t origin = x & ~(kColumns - 1);
+    const int32_t count = std::min(n, origin + kColumns - x);
+    row(origin, x - origin, count, out);
+    x += count;
+    n -= count;
+    out += count;
+  }
+}
+
 /// A location that varies linearly over the device: base + dx x + dy y.
 struct LinearField {
   double base = 0;
@@ -47,16 +64,22 @@ class LinearSource final : public RowSource {
 
  private:
   void fetch(int32_t x, int32_t y, int32_t n, uint32_t* out) const {
-    const double start = field_.at(x + 0.5, y + 0.5);
     if (field_.dx == 0) {
-      fillSpan(out, n, constantPixel(start));
+      fillSpan(out, n, constantPixel(field_.at(x + 0.5, y + 0.5)));
       return;
     }
-    linearGradientRow(out, n, table_.pixels(), static_cast<float>(start * kLastEntry + 0.5),
+    fetchInPieces(x, n, out, [&](int32_t origin, int32_t first, int32_t count, uint32_t* piece) {
+      fetchPiece(field_.at(origin + 0.5, y + 0.5), first, count, piece);
+    });
+  }
+
+  /// `start` is the location of the pixel 0.
+  void fetchPiece(double start, int32_t first, int32_t n, uint32_t* out) const {
+    linearGradientRow(out, first, n, table_.pixels(), static_cast<float>(start * kLastEntry + 0.5),
                       static_cast<float>(field_.dx * kLastEntry));
     if (extent_ == GradientExtent::both) return;
     for (int32_t i = 0; i < n; ++i) {
-      const double location = start + field_.dx * i;
+      const double location = start + field_.dx * (first + i);
       const bool hidden =
           (location < 0 && !extendsBefore(extent_)) || (location > 1 && !extendsAfter(extent_));
       if (hidden) out[i] = 0;
@@ -113,19 +136,26 @@ class ConcentricSource final : public RowSource {
   bool opaque() const override { return table_.opaque() && extent_ == GradientExtent::both; }
 
   const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override {
-    const NSPoint start = CGPointApplyAffineTransform({x + 0.5, y + 0.5}, toEntries_);
-    if (!inward_ && extent_ == GradientExtent::both) {
-      const ConcentricRow row{static_cast<float>(start.x), static_cast<float>(start.y),
-                              static_cast<float>(toEntries_.a), static_cast<float>(toEntries_.b),
-                              static_cast<float>(offset_ + 0.5)};
-      concentricGradientRow(buffer, n, table_.pixels(), row);
-      return buffer;
-    }
-    for (int32_t i = 0; i < n; ++i) buffer[i] = pixel(start, i);
+    fetchInPieces(x, n, buffer, [&](int32_t origin, int32_t first, int32_t count, uint32_t* out) {
+      fetchPiece(CGPointApplyAffineTransform({origin + 0.5, y + 0.5}, toEntries_), first, count,
+                 out);
+    });
     return buffer;
   }
 
  private:
+  /// `start` is the place of the pixel 0.
+  void fetchPiece(NSPoint start, int32_t first, int32_t n, uint32_t* out) const {
+    if (!inward_ && extent_ == GradientExtent::both) {
+      const ConcentricRow row{static_cast<float>(start.x), static_cast<float>(start.y),
+                              static_cast<float>(toEntries_.a), static_cast<float>(toEntries_.b),
+                              static_cast<float>(offset_ + 0.5)};
+      concentricGradientRow(out, first, n, table_.pixels(), row);
+      return;
+    }
+    for (int32_t i = 0; i < n; ++i) out[i] = pixel(start, first + i);
+  }
+
   uint32_t pixel(NSPoint start, int32_t i) const {
     const double distance = std::hypot(start.x + toEntries_.a * i, start.y + toEntries_.b * i);
     const double location = offset_ + (inward_ ? -distance : distance);
@@ -167,18 +197,24 @@ class TwoCircleSource final : public RowSource {
   }
 
   const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override {
-    const NSPoint start = CGPointApplyAffineTransform({x + 0.5, y + 0.5}, toUnits_);
-    if (nested_) {
-      nestedCirclesGradientRow(buffer, n, table_.pixels(), nestedRow(start));
-      return buffer;
-    }
-    for (int32_t i = 0; i < n; ++i) {
-      buffer[i] = pixel({start.x + toUnits_.a * i, start.y + toUnits_.b * i});
-    }
+    fetchInPieces(x, n, buffer, [&](int32_t origin, int32_t first, int32_t count, uint32_t* out) {
+      fetchPiece(CGPointApplyAffineTransform({origin + 0.5, y + 0.5}, toUnits_), first, count, out);
+    });
     return buffer;
   }
 
  private:
+  /// `start` is the place of the pixel 0.
+  void fetchPiece(NSPoint start, int32_t first, int32_t n, uint32_t* out) const {
+    if (nested_) {
+      nestedCirclesGradientRow(out, first, n, table_.pixels(), nestedRow(start));
+      return;
+    }
+    for (int32_t i = first; i < first + n; ++i) {
+      *out++ = pixel({start.x + toUnits_.a * i, start.y + toUnits_.b * i});
+    }
+  }
+
   /// Single precision would show where the circles nearly touch.
   static constexpr double kSafelyNested = -0.05;
 
