@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "platform/foundation/Limits.h"
@@ -143,9 +144,10 @@ class Dasher {
     if (!(seen_.from <= seen_.to)) return;
     const double first = std::max(0.0, std::floor((seen_.from + offset_) / total_) - 1);
     const double end = std::min(lastRound, std::floor((seen_.to + offset_) / total_) + 1);
-    for (double round = first; round <= end; ++round) {
+    const auto lastSeen = static_cast<int64_t>(end);
+    for (auto round = static_cast<int64_t>(first); round <= lastSeen; ++round) {
       for (const DistanceSpan& mark : marks_) {
-        const DistanceSpan span = markOn(round, mark);
+        const DistanceSpan span = markOn(static_cast<double>(round), mark);
         if (!(span.from > 0 && span.to <= s.length && touchesSeen(span.from, span.to))) continue;
         beginMark(s.at(span.from));
         extendMark(span.from, span.to, s.at(span.to), false);

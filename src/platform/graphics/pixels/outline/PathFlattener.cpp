@@ -150,9 +150,9 @@ class Flattener {
     const NSPoint b{3 * (c2.x - c1.x) - c.x, 3 * (c2.y - c1.y) - c.y};
     const NSPoint a{end.x - p0.x - c.x - b.x, end.y - p0.y - c.y - b.y};
     const size_t old = out_.points.size();
-    const auto count = static_cast<size_t>(2 + (n - 2) / stride);
-    out_.points.resize(old + count);
-    out_.smooth.resize(old + count, 1);
+    const int count = 2 + (n - 2) / stride;
+    out_.points.resize(old + static_cast<size_t>(count));
+    out_.smooth.resize(old + static_cast<size_t>(count), 1);
     NSPoint* chord = out_.points.data() + old;
     const double step = 1.0 / n;
     for (int i = 1; i < n; i += stride) {
