@@ -246,6 +246,8 @@ class PAINT_API PaintManager : public NSObject {
   /// Repaints parts of the buffer as painting all of it would; answers whether that was possible.
   bool repaintBuffer(std::vector<NSRect> parts);
   bool repaintPart(const NSRect& part);
+  /// Of a part in whole pixels that lies on the canvas. Null where it is larger than any bitmap.
+  std::shared_ptr<NSBitmapImageRep> composedPart(const NSRect& part);
   /// Makes a context current that draws a part of the canvas, in whole pixels, onto a bitmap of its
   /// size.
   ZTFocusScope focusOnPart(const std::shared_ptr<NSBitmapImageRep>& bitmap,

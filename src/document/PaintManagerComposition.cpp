@@ -43,25 +43,21 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::fullImage() {
 }
 
 std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage() {
-  std::shared_ptr<NSBitmapImageRep> image;
-  if (!InitImageRep(size_, &image)) return nullptr;
-  const PictureSessionScope session(pictures_);
-  pictures_.begin();
-  const auto mask = backgroundMask();
-  const ZTFocusScope focus(image);
-  paintDraws(image.get(), aryDraw_.size());
-  if (mask != nullptr) applyBackgroundMask(*mask);
-  return image;
+  return composedPart({NSZeroPoint, size_});
 }
 
 std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(const NSRect& part) {
   const NSRect shown = wholePixelsOf(part, size_);
+  return NSIsEmptyRect(shown) ? nullptr : composedPart(shown);
+}
+
+std::shared_ptr<NSBitmapImageRep> PaintManager::composedPart(const NSRect& part) {
   std::shared_ptr<NSBitmapImageRep> image;
-  if (NSIsEmptyRect(shown) || !InitImageRep(shown.size, &image)) return nullptr;
+  if (!InitImageRep(part.size, &image)) return nullptr;
   const PictureSessionScope session(pictures_);
   pictures_.begin();
   const auto mask = backgroundMask();
-  const ZTFocusScope focus = focusOnPart(image, shown);
+  const ZTFocusScope focus = focusOnPart(image, part);
   paintDraws(image.get(), aryDraw_.size());
   if (mask != nullptr) applyBackgroundMask(*mask);
   return image;

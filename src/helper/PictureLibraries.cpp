@@ -11,9 +11,7 @@ namespace {
 const PictureLibrary* loaded(const char* module) {
   // Libraries are not the picture's cost.
   liftMemoryLimit();
-  const auto entry =
-      reinterpret_cast<PictureLibraryEntry>(loadModuleFunction(module, kPictureLibraryEntry));
-  const PictureLibrary* const library = entry == nullptr ? nullptr : entry();
+  const auto* const library = loadModuleLibrary<PictureLibrary>(module, kPictureLibraryEntry);
   // What stands behind a module may take that much; without it nobody can say what is installed.
   constexpr size_t kMostAddresses = size_t{256} << 20;
   if (library == nullptr && !hasAddressSpace(kMostAddresses)) throw std::bad_alloc();

@@ -47,4 +47,3 @@ class PictureLibrary {
 /// Name of the one function that the modules "paintpdf", "paintsvg" and "paintbuiltinsvg" export.
 /// It returns null when the library that the module looks up itself is not installed.
 inline constexpr const char* kPictureLibraryEntry = "paintPictureLibrary";
-using PictureLibraryEntry = const PictureLibrary* (*)();

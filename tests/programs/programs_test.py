@@ -436,7 +436,8 @@ class Programs(unittest.TestCase):
             process.terminate()
             self.assertEqual((process.wait(20), process.stdout.read(), process.stderr.read()), (-signal.SIGTERM, b"", b""))
         _, status = wait_until(lambda: any(ended := os.waitpid(last, os.WNOHANG)) and ended, "it goes on without its parent")
-        self.assertEqual(os.WTERMSIG(status), signal.SIGKILL)
+        # It may notice by itself, when its parent ended before it could ask to be ended with it.
+        self.assertIn(status, (signal.SIGKILL, 0))
 
     def test_check_goes_on_after_a_limit(self):
         cases = {self.pipe("pipe"): (75, "the time limit was reached"), document("red"): (0, None)}

@@ -3,14 +3,12 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/graphics/bitmap/EncodedBitmap.h"
+
 TextOutlineCache& TextOutlineCache::shared() {
   // Never destroyed: draws that outlive it would still take their entries out.
   static TextOutlineCache& cache = *new TextOutlineCache;
   return cache;
-}
-
-size_t TextOutlineCache::costOf(const NSBitmapImageRep& bitmap) {
-  return bitmap.bytesPerRow() * static_cast<size_t>(bitmap.pixelsHigh());
 }
 
 std::shared_ptr<NSBitmapImageRep> TextOutlineCache::objectForKey(size_t key) {
@@ -28,7 +26,7 @@ void TextOutlineCache::setObject(std::shared_ptr<NSBitmapImageRep> bitmap, size_
   entry.push_front({forKey, std::move(bitmap)});
   byKey_[forKey] = entry.begin();
   entries_.splice(entries_.begin(), entry);
-  cost_ += costOf(*entries_.front().bitmap);
+  cost_ += pixelBytes(*entries_.front().bitmap);
   while (cost_ > limit_) remove(std::prev(entries_.end()));
 }
 
@@ -38,7 +36,7 @@ void TextOutlineCache::removeObjectForKey(size_t key) {
 }
 
 void TextOutlineCache::remove(Entries::iterator entry) {
-  cost_ -= costOf(*entry->bitmap);
+  cost_ -= pixelBytes(*entry->bitmap);
   byKey_.erase(entry->key);
   entries_.erase(entry);
 }

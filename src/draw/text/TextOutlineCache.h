@@ -33,7 +33,6 @@ class TextOutlineCache {
   };
   using Entries = std::list<Entry>;
 
-  static size_t costOf(const NSBitmapImageRep& bitmap);
   void remove(Entries::iterator entry);
 
   const size_t limit_;

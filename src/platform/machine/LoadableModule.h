@@ -7,3 +7,12 @@
 /// for the rest of the process. Null when it or the function is not there; std::bad_alloc when
 /// there is no memory for it, as a document must not lose its text or pictures for that.
 void* loadModuleFunction(const char* module, const char* function);
+
+/// What that function answers, given that it takes nothing and answers the module's library; null
+/// when it is not there. To be asked for once.
+template <class Library>
+const Library* loadModuleLibrary(const char* module, const char* function) {
+  using Entry = const Library* (*)();
+  const auto entry = reinterpret_cast<Entry>(loadModuleFunction(module, function));
+  return entry == nullptr ? nullptr : entry();
+}

@@ -3,11 +3,8 @@
 #include "platform/machine/LoadableModule.h"
 
 const TextLibraries* textLibraries() {
-  static const TextLibraries* const libraries = [] {
-    const auto entry =
-        reinterpret_cast<TextLibrariesEntry>(loadModuleFunction("painttext", kTextLibrariesEntry));
-    return entry == nullptr ? nullptr : entry();
-  }();
+  static const auto* const libraries =
+      loadModuleLibrary<TextLibraries>("painttext", kTextLibrariesEntry);
   thread_local bool isPrepared = false;
   if (libraries != nullptr && !isPrepared) {
     libraries->prepareThread();

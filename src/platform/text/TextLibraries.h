@@ -145,6 +145,5 @@ class TextLibraries {
 /// std::bad_alloc.
 const TextLibraries* textLibraries();
 
-/// Name of the module's one exported function, of type TextLibrariesEntry.
+/// Name of the module's one exported function, which answers its library.
 inline constexpr const char* kTextLibrariesEntry = "paintTextLibraries";
-using TextLibrariesEntry = const TextLibraries* (*)();

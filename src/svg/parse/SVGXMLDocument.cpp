@@ -17,11 +17,7 @@ std::mutex& parserMutex() {
 
 // Null when the module cannot be loaded.
 const XMLLibrary* library() {
-  static const XMLLibrary* const loaded = [] {
-    const auto entry =
-        reinterpret_cast<XMLLibraryEntry>(loadModuleFunction("paintxml", kXMLLibraryEntry));
-    return entry == nullptr ? nullptr : entry();
-  }();
+  static const auto* const loaded = loadModuleLibrary<XMLLibrary>("paintxml", kXMLLibraryEntry);
   return loaded;
 }
 

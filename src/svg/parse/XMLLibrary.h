@@ -31,8 +31,7 @@ class XMLLibrary {
   virtual XMLAttributeText text(const _xmlAttr* attribute) const = 0;
 };
 
-/// Name of the module's one exported function, of type XMLLibraryEntry.
+/// Name of the module's one exported function, which answers its library.
 inline constexpr const char* kXMLLibraryEntry = "paintXMLLibrary";
-using XMLLibraryEntry = const XMLLibrary* (*)();
 
 }  // namespace SVGNative::xml

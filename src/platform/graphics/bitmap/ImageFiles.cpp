@@ -19,9 +19,7 @@ bool startsWith(std::span<const uint8_t> file, std::string_view bytes, size_t of
 }
 
 const PictureCodec* loadCodec(const char* module) {
-  const auto entry =
-      reinterpret_cast<PictureCodecEntry>(loadModuleFunction(module, kPictureCodecEntry));
-  return entry == nullptr ? nullptr : entry();
+  return loadModuleLibrary<PictureCodec>(module, kPictureCodecEntry);
 }
 
 // Each library costs only the documents that hold such pictures: linked, the three of them and what

@@ -89,6 +89,5 @@ bool withinMemory(Call call) noexcept {
   }
 }
 
-/// Name and type of the one function that each codec module exports.
+/// Name of the one function that each codec module exports, which answers its codec.
 inline constexpr const char* kPictureCodecEntry = "paintPictureCodec";
-using PictureCodecEntry = const PictureCodec* (*)();

@@ -6,11 +6,8 @@
 namespace {
 
 const ColorLibrary* colorLibrary() {
-  static const ColorLibrary* const library = [] {
-    const auto entry =
-        reinterpret_cast<ColorLibraryEntry>(loadModuleFunction("paintcolor", kColorLibraryEntry));
-    return entry == nullptr ? nullptr : entry();
-  }();
+  static const auto* const library =
+      loadModuleLibrary<ColorLibrary>("paintcolor", kColorLibraryEntry);
   return library;
 }
 

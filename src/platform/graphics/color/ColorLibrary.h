@@ -41,6 +41,5 @@ class ColorLibrary {
 /// the library. Throws std::bad_alloc.
 std::unique_ptr<ColorTransform> openColorTransform(std::span<const uint8_t> icc, SampleForm form);
 
-/// Name of the module's one exported function, of type ColorLibraryEntry.
+/// Name of the module's one exported function, which answers its library.
 inline constexpr const char* kColorLibraryEntry = "paintColorLibrary";
-using ColorLibraryEntry = const ColorLibrary* (*)();
