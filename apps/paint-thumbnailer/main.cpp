@@ -41,12 +41,12 @@ ExitStatus makeThumbnail(const Options& options) {
   }
   const auto side = static_cast<CGFloat>(options.size);
   const NSSize canvas = loaded.document->size();
-  const NSSize size = ThumbnailProvider::contextSize(
-      static_cast<int64_t>(canvas.width), static_cast<int64_t>(canvas.height), {side, side});
+  const NSSize size = ThumbnailProvider::contextSize(canvas, {side, side});
   if (size.width < 1 || size.height < 1) return fail(kProgram, options.input, kExitNothingToDraw);
-  auto image = std::exchange(loaded.document, nullptr)->composedImage();
+  auto image =
+      ThumbnailProvider::composedImage(*std::exchange(loaded.document, nullptr), {side, side});
   const auto thumbnail =
-      ThumbnailProvider::replyForImage(std::move(image), {side, side})->drawnBitmap();
+      ThumbnailProvider::replyForImage(std::move(image), canvas, {side, side})->drawnBitmap();
   if (thumbnail == nullptr) {
     return fail(kProgram, options.input, kExitLimitReached, "too large a picture");
   }

@@ -43,16 +43,20 @@ Renderable documentToRender(const LoadedDocument& loaded, const std::string& nam
   const auto progress = std::make_shared<Progress>();
   loaded.document->setProgressHandler(
       [progress, name](size_t painted, size_t total) { progress->show(name, painted, total); });
-  const auto draw = [document = loaded.document, progress,
-                     full = Bitmap()](int64_t side) mutable -> Bitmap {
-    if (full == nullptr) full = document->composedImage();
-    progress->clear();
-    if (side == 0 || full == nullptr) return full;
+  const auto draw = [document = loaded.document, size, progress, composed = Bitmap(),
+                     composedAt = CGFloat{0}](int64_t side) mutable -> Bitmap {
     const auto length = static_cast<CGFloat>(side);
-    const NSSize fit =
-        ThumbnailProvider::contextSize(full->pixelsWide(), full->pixelsHigh(), {length, length});
-    if (fit.width < 1 || fit.height < 1) return NSBitmapImageRep::create(0, 0);
-    return ThumbnailProvider::replyForImage(full, {length, length})->drawnBitmap();
+    const NSSize fit = ThumbnailProvider::contextSize(size, {length, length});
+    if (side != 0 && (fit.width < 1 || fit.height < 1)) return NSBitmapImageRep::create(0, 0);
+    const CGFloat scale = side == 0 ? 1 : ThumbnailProvider::composingScale(size, {length, length});
+    if (composed == nullptr || composedAt != scale) {
+      composed = side == 0 ? document->composedImage()
+                           : ThumbnailProvider::composedImage(*document, {length, length});
+      composedAt = scale;
+    }
+    progress->clear();
+    if (side == 0 || composed == nullptr) return composed;
+    return ThumbnailProvider::replyForImage(composed, size, {length, length})->drawnBitmap();
   };
   const auto leftOut = [document = loaded.document] { return document->leftOutPictures(); };
   return {kExitSuccess, {}, size, draw, leftOut};

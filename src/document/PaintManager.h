@@ -22,7 +22,8 @@ class NSColor;
 class NSData;
 class NSImage;
 class NSMutableData;
-class ZTFocusScope;
+struct CanvasView;
+struct PixelBox;
 struct LayerDrawsStatus;
 
 /// What resizing a canvas does to the draws on it.
@@ -186,10 +187,16 @@ class PAINT_API PaintManager : public NSObject {
   std::shared_ptr<NSBitmapImageRep> fullImage();
   /// The same picture of a document that is shown once and not changed: composed in one bitmap, not
   /// in two, and not kept.
-  std::shared_ptr<NSBitmapImageRep> composedImage();
-  /// The same pixels of a part of the canvas alone: what of the rectangle, grown to whole pixels,
-  /// lies on the canvas. Null where that is nothing.
-  std::shared_ptr<NSBitmapImageRep> composedImage(const NSRect& part);
+  std::shared_ptr<NSBitmapImageRep> composedImage() { return composedImage(1); }
+  /// The same picture at a scale: so many pixels a canvas unit, sides rounded up. The canvas's
+  /// upper left corner is that of the bitmap. Null for scales below kSmallestScale, or such that
+  /// the result is larger than any bitmap.
+  std::shared_ptr<NSBitmapImageRep> composedImage(CGFloat scale);
+  /// The same pixels of a part of the canvas alone, in canvas units: what of the rectangle, grown
+  /// to whole pixels of the bitmap, lies on the canvas. Null where that is nothing.
+  std::shared_ptr<NSBitmapImageRep> composedImage(const NSRect& part, CGFloat scale = 1);
+  /// The longest canvas has more than a pixel at this one.
+  static constexpr CGFloat kSmallestScale = 1.0 / (1 << 20);
   /// The composed canvas as it stands: maybe null, maybe stale.
   const std::shared_ptr<NSBitmapImageRep>& imageWithoutRefreshing() const { return image_; }
   void refreshImage();
@@ -246,12 +253,8 @@ class PAINT_API PaintManager : public NSObject {
   /// Repaints parts of the buffer as painting all of it would; answers whether that was possible.
   bool repaintBuffer(std::vector<NSRect> parts);
   bool repaintPart(const NSRect& part);
-  /// Of a part in whole pixels that lies on the canvas. Null where it is larger than any bitmap.
-  std::shared_ptr<NSBitmapImageRep> composedPart(const NSRect& part);
-  /// Makes a context current that draws a part of the canvas, in whole pixels, onto a bitmap of its
-  /// size.
-  ZTFocusScope focusOnPart(const std::shared_ptr<NSBitmapImageRep>& bitmap,
-                           const NSRect& part) const;
+  /// How a bitmap of the size of a box of device pixels shows them.
+  CanvasView viewOf(const PixelBox& shown, CGFloat scale) const;
   void composeFullImage(const NSBitmapImageRep* mask);
   void applyBackgroundMask(const NSBitmapImageRep& mask);
 

@@ -22,15 +22,19 @@ void copyInto(const NSBitmapImageRep& part, NSPoint at, NSBitmapImageRep& whole)
   }
 }
 
-/// The pixels of a canvas that a rectangle touches; the zero rectangle for none, and for one that
-/// is not a number.
-NSRect wholePixelsOf(const NSRect& rect, NSSize canvas) {
-  const CGFloat x0 = std::max(0.0, std::floor(NSMinX(rect)));
-  const CGFloat y0 = std::max(0.0, std::floor(NSMinY(rect)));
-  const CGFloat x1 = std::min(canvas.width, std::ceil(NSMaxX(rect)));
-  const CGFloat y1 = std::min(canvas.height, std::ceil(NSMaxY(rect)));
-  const bool isSomething = NSMinX(rect) < x1 && NSMinY(rect) < y1 && x0 < x1 && y0 < y1;
-  return isSomething ? NSMakeRect(x0, y0, x1 - x0, y1 - y0) : NSZeroRect;
+/// The device pixels that show any of a part of a canvas at a scale; empty where there are none,
+/// and for what is not a number.
+PixelBox shownPixels(const NSRect& part, NSSize canvas, CGFloat scale) {
+  constexpr CGFloat kFarthest = 1 << 30;
+  const NSRect shared = NSIntersectionRect(part, {NSZeroPoint, canvas});
+  const bool isScale = scale >= PaintManager::kSmallestScale &&
+                       scale * std::max(canvas.width, canvas.height) <= kFarthest;
+  if (!isScale || NSIsEmptyRect(shared)) return {};
+  constexpr CGFloat kNoise = CanvasGrid::kNoise;
+  const auto down = [&](CGFloat v) { return static_cast<int32_t>(std::floor(v * scale + kNoise)); };
+  const auto up = [&](CGFloat v) { return static_cast<int32_t>(std::ceil(v * scale - kNoise)); };
+  return {down(NSMinX(shared)), down(canvas.height - NSMaxY(shared)), up(NSMaxX(shared)),
+          up(canvas.height - NSMinY(shared))};
 }
 
 }  // namespace
@@ -42,22 +46,19 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::fullImage() {
   return image_;
 }
 
-std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage() {
-  return composedPart({NSZeroPoint, size_});
+std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(CGFloat scale) {
+  return composedImage({NSZeroPoint, size_}, scale);
 }
 
-std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(const NSRect& part) {
-  const NSRect shown = wholePixelsOf(part, size_);
-  return NSIsEmptyRect(shown) ? nullptr : composedPart(shown);
-}
-
-std::shared_ptr<NSBitmapImageRep> PaintManager::composedPart(const NSRect& part) {
-  std::shared_ptr<NSBitmapImageRep> image;
-  if (!InitImageRep(part.size, &image)) return nullptr;
+std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(const NSRect& part, CGFloat scale) {
+  const PixelBox shown = shownPixels(part, size_, scale);
+  if (shown.empty()) return nullptr;
+  const auto image = NSBitmapImageRep::create(shown.width(), shown.height());
+  if (image == nullptr) return nullptr;
   const PictureSessionScope session(pictures_);
   pictures_.begin();
+  const ZTFocusScope focus(image, viewOf(shown, scale));
   const auto mask = backgroundMask();
-  const ZTFocusScope focus = focusOnPart(image, part);
   paintDraws(image.get(), aryDraw_.size());
   if (mask != nullptr) applyBackgroundMask(*mask);
   return image;
@@ -128,7 +129,7 @@ bool PaintManager::repaintPart(const NSRect& part) {
   std::shared_ptr<NSBitmapImageRep> painted;
   if (!InitImageRep(part.size, &painted)) return false;
   {
-    const ZTFocusScope focus = focusOnPart(painted, part);
+    const ZTFocusScope focus(painted, viewOf(shownPixels(part, size_, 1), 1));
     paintBackgroundColor(part);
     NSGraphicsContext::currentContext()->setCompositingOperation(
         NSCompositingOperation::sourceOver);
@@ -141,10 +142,12 @@ bool PaintManager::repaintPart(const NSRect& part) {
   return true;
 }
 
-ZTFocusScope PaintManager::focusOnPart(const std::shared_ptr<NSBitmapImageRep>& bitmap,
-                                       const NSRect& part) const {
-  return {bitmap, static_cast<int32_t>(NSMinX(part)),
-          static_cast<int32_t>(size_.height - NSMaxY(part)), static_cast<int64_t>(size_.height)};
+CanvasView PaintManager::viewOf(const PixelBox& shown, CGFloat scale) const {
+  CanvasView view{size_, scale};
+  view.x = shown.x0;
+  view.y = shown.y0;
+  view.fillsLastPixels = scale != 1;
+  return view;
 }
 
 void PaintManager::composeFullImage(const NSBitmapImageRep* mask) {

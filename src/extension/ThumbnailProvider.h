@@ -6,6 +6,7 @@
 #include "platform/thumbnails/QLThumbnailProvider.h"
 
 class NSBitmapImageRep;
+class PaintManager;
 
 /// Makes thumbnails of documents. Has no state of its own: any number of requests may run at once.
 class PAINT_API ThumbnailProvider : public QLThumbnailProvider {
@@ -17,13 +18,23 @@ class PAINT_API ThumbnailProvider : public QLThumbnailProvider {
   void provideThumbnailForFileRequest(const QLFileThumbnailRequest& request,
                                       const CompletionHandler& completionHandler) override;
 
-  /// The reply that shows a document's picture (null: nothing), reduced with high quality to what
-  /// contextSize says.
-  static std::shared_ptr<QLThumbnailReply> replyForImage(
-      std::shared_ptr<const NSBitmapImageRep> image, NSSize maximumSize);
+  /// The scale at which a canvas is composed for its thumbnail. Up to 2 megapixels that is 1. A
+  /// larger one is reduced by the largest whole number that leaves its sides at least four times as
+  /// long as the thumbnail's: so its pixels fall on whole blocks, and time and memory do not grow
+  /// with it.
+  static CGFloat composingScale(NSSize canvas, NSSize maximumSize);
 
-  /// Size of the drawing context for a bitmap of that many pixels: never larger than the bitmap.
-  /// A bitmap that is too high relative to its width gets a square context, into which it is
-  /// stretched; one without width gets one without width.
-  static NSSize contextSize(int64_t pixelsWide, int64_t pixelsHigh, NSSize maximumSize);
+  /// The picture of a document at composingScale; null when there is none.
+  static std::shared_ptr<NSBitmapImageRep> composedImage(PaintManager& document,
+                                                         NSSize maximumSize);
+
+  /// The reply that shows a document's picture (null: nothing), which composedImage made, reduced
+  /// with high quality to what contextSize says.
+  static std::shared_ptr<QLThumbnailReply> replyForImage(
+      std::shared_ptr<const NSBitmapImageRep> image, NSSize canvas, NSSize maximumSize);
+
+  /// Size of the drawing context for a canvas in whole pixels: never larger than the canvas. One
+  /// that is too high relative to its width gets a square context, into which it is stretched; one
+  /// without width gets one without width.
+  static NSSize contextSize(NSSize canvas, NSSize maximumSize);
 };

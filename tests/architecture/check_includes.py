@@ -33,7 +33,8 @@ ROOMS = {
         platform/text/host platform/text/layout""",
     "draw/raster": """draw/core draw/shapes platform/foundation platform/foundation/values
         platform/graphics/bitmap platform/graphics/color platform/graphics/context
-        platform/graphics/gradient platform/graphics/path platform/machine""",
+        platform/graphics/gradient platform/graphics/path platform/graphics/pixels/paint
+        platform/machine""",
     "draw/image": """draw/core draw/raster draw/shapes platform/filters platform/foundation
         platform/foundation/collections platform/foundation/values platform/graphics/bitmap
         platform/graphics/codecs platform/graphics/color platform/graphics/context
@@ -168,10 +169,10 @@ TESTS = {
     "platform/text/fonts": "platform/foundation/archive platform/text/layout",
     "platform/text/host": "platform/foundation/archive platform/graphics",
 }
-SUPPORT = """document draw/core draw/image draw/raster draw/shapes platform/filters
+SUPPORT = """document draw/core draw/image draw/raster draw/shapes draw/text platform/filters
     platform/foundation platform/foundation/values platform/graphics/bitmap
     platform/graphics/color platform/graphics/context platform/graphics/gradient
-    platform/graphics/pixels/paint"""
+    platform/graphics/pixels/paint platform/text/host"""
 # Libraries, and the folders that own them with all below.
 OWNERS = {
     r"png\.h": "src/platform/graphics/codecs",

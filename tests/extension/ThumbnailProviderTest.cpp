@@ -27,29 +27,28 @@ std::string made(const std::string& name) {
 
 TEST(ThumbnailProvider, ContextSize) {
   struct Case {
-    int64_t wide, high;
-    NSSize maximum, expected;
+    NSSize canvas, maximum, expected;
   };
   const Case cases[] = {
-      {400, 300, {512, 512}, {400, 300}},    // never larger
-      {2000, 1000, {500, 500}, {500, 250}},  // wide
-      {2000, 1001, {500, 500}, {500, 250}},  // rounded down
-      {1000, 2000, {500, 500}, {500, 500}},  // high: a square
-      {10, 2000, {500, 500}, {500, 500}},
-      {1000, 1000, {500, 500}, {500, 500}},  // as high as wide
-      {512, 512, {512, 512}, {512, 512}},    // exactly as large
-      {512, 100, {512, 512}, {512, 100}},
-      {100, 512, {512, 512}, {512, 512}},
-      {3000, 1, {128, 128}, {128, 0}},  // too thin to show
-      {0, 0, {128, 128}, {0, 0}},
-      {0, 100, {128, 128}, {0, 100}},
-      {0, 2000, {500, 500}, {0, 500}},  // nothing to stretch
-      {2000, 0, {500, 500}, {500, 0}},
-      {400, 300, {200, 100}, {100, 100}},
+      {{400, 300}, {512, 512}, {400, 300}},    // never larger
+      {{2000, 1000}, {500, 500}, {500, 250}},  // wide
+      {{2000, 1001}, {500, 500}, {500, 250}},  // rounded down
+      {{1000, 2000}, {500, 500}, {500, 500}},  // high: a square
+      {{10, 2000}, {500, 500}, {500, 500}},
+      {{1000, 1000}, {500, 500}, {500, 500}},  // as high as wide
+      {{512, 512}, {512, 512}, {512, 512}},    // exactly as large
+      {{512, 100}, {512, 512}, {512, 100}},
+      {{100, 512}, {512, 512}, {512, 512}},
+      {{3000, 1}, {128, 128}, {128, 0}},  // too thin to show
+      {{0, 0}, {128, 128}, {0, 0}},
+      {{0, 100}, {128, 128}, {0, 100}},
+      {{0, 2000}, {500, 500}, {0, 500}},  // nothing to stretch
+      {{2000, 0}, {500, 500}, {500, 0}},
+      {{400, 300}, {200, 100}, {100, 100}},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(ThumbnailProvider::contextSize(c.wide, c.high, c.maximum), c.expected)
-        << c.wide << " x " << c.high;
+    EXPECT_EQ(ThumbnailProvider::contextSize(c.canvas, c.maximum), c.expected)
+        << c.canvas.width << " x " << c.canvas.height;
   }
 }
 

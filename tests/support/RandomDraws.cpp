@@ -1,15 +1,22 @@
 #include "support/RandomDraws.h"
 
+#include <cmath>
+
+#include "document/DrawGroup.h"
+#include "draw/image/DrawFilter2.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/raster/DrawBrushes.h"
 #include "draw/raster/DrawFill.h"
+#include "draw/raster/ImageMask.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawMessages.h"
 #include "draw/shapes/DrawRectShape.h"
 #include "draw/shapes/FixedOutlines.h"
+#include "draw/text/DrawBezierText.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSShadow.h"
 #include "platform/graphics/gradient/NSGradient.h"
+#include "platform/text/host/NSAttributedString.h"
 #include "support/Bitmaps.h"
 #include "support/Draws.h"
 
@@ -26,8 +33,8 @@ std::shared_ptr<NSGradient> RandomDraws::gradient() {
 std::shared_ptr<NSShadow> RandomDraws::shadow() {
   auto shadow = std::make_shared<NSShadow>();
   const double dx = below(21) - 10.0;
-  shadow->setShadowOffset({dx, below(21) - 10.0});
-  shadow->setShadowBlurRadius(below(4) * 3.5);
+  shadow->setShadowOffset({dx * unit_, (below(21) - 10.0) * unit_});
+  shadow->setShadowBlurRadius(below(4) * 3.5 * unit_);
   shadow->setShadowColor(color());
   return shadow;
 }
@@ -40,7 +47,7 @@ std::shared_ptr<DrawBase> RandomDraws::box() {
       break;
     case 1: {
       auto rounded = made<DrawRoundRectangle>();
-      rounded->setXRadius(5, 7);
+      rounded->setXRadius(static_cast<float>(5 * unit_), static_cast<float>(7 * unit_));
       draw = rounded;
       break;
     }
@@ -63,15 +70,21 @@ std::shared_ptr<DrawBase> RandomDraws::box() {
     default:
       draw = made<DrawRectangle>();
   }
-  const NSPoint origin = point();
-  draw->setBezierPathWithBounds({origin, {3.0 + below(60), 3 + below(600) / 10.0}});
+  draw->setBezierPathWithBounds(bounds());
   return draw;
+}
+
+NSRect RandomDraws::bounds() {
+  const NSPoint origin = point();
+  const double width = 3.0 + below(60);
+  return {origin, {width * unit_, (3 + below(600) / 10.0) * unit_}};
 }
 
 std::shared_ptr<DrawBase> RandomDraws::clearedArea() {
   auto draw = made<DrawClear>();
   const NSPoint origin = point();
-  draw->bezierPath()->appendBezierPathWithOvalInRect({origin, {3.0 + below(60), 20}});
+  const double width = 3.0 + below(60);
+  draw->bezierPath()->appendBezierPathWithOvalInRect({origin, {width * unit_, 20 * unit_}});
   return draw;
 }
 
@@ -113,7 +126,8 @@ std::shared_ptr<DrawBase> RandomDraws::polyline() {
 std::shared_ptr<DrawBase> RandomDraws::spray() {
   auto draw = made<DrawAirbrush>();
   for (unsigned n = below(300) + 2; n > 0; --n) {
-    const NSPoint p{static_cast<CGFloat>(below(100)), static_cast<CGFloat>(below(100))};
+    const CGFloat x = below(100);
+    const NSPoint p{x * unit_, static_cast<CGFloat>(below(100)) * unit_};
     draw->bezierPath()->moveToPoint(p);
     draw->bezierPath()->lineToPoint(p);
   }
@@ -123,16 +137,15 @@ std::shared_ptr<DrawBase> RandomDraws::spray() {
 std::shared_ptr<DrawBase> RandomDraws::picture() {
   const auto draw = DrawImage2::initWithImage(
       randomBitmap(1 + below(30), 1 + below(30), static_cast<unsigned>(random_())));
-  if (oneIn(2)) draw->setXRadius(4, 6);
-  const NSPoint origin = point();
-  draw->setBezierPathWithBounds({origin, {3.0 + below(60), 3 + below(600) / 10.0}});
+  if (oneIn(2)) draw->setXRadius(static_cast<float>(4 * unit_), static_cast<float>(6 * unit_));
+  draw->setBezierPathWithBounds(bounds());
   return draw;
 }
 
 void RandomDraws::addPaint(DrawBase& draw) {
   draw.setEnableStroke(!oneIn(3));
   draw.setStrokeColor(color());
-  draw.setLineWidth(below(4) == 0 ? 1 : 1 + below(100) / 10.0);
+  draw.setLineWidth((below(4) == 0 ? 1 : 1 + below(100) / 10.0) * unit_);
   if (oneIn(4)) draw.setLineDashStyle("3:2");
   if (oneIn(4)) {
     draw.setUseGradualStroke(true);
@@ -165,11 +178,11 @@ void RandomDraws::addEffects(DrawBase& draw) {
   if (oneIn(6)) {
     draw.setEnableReflection(true);
     draw.setReflection(static_cast<float>(below(15)) / 10);
-    draw.setReflectionDis(static_cast<float>(below(30)) - 10);
+    draw.setReflectionDis(static_cast<float>((below(30) - 10.0) * unit_));
   }
   if (oneIn(6)) {
     draw.setEnableStrokeOutline(true);
-    draw.setStrokeOutlineWidth(static_cast<float>(below(5)) + 0.5F);
+    draw.setStrokeOutlineWidth(static_cast<float>((below(5) + 0.5) * unit_));
     draw.setStrokeOutlineColor(color());
   }
 }
@@ -179,11 +192,114 @@ std::shared_ptr<DrawBase> RandomDraws::next() {
   const auto draw = kind < 4 ? box() : kind < 7 ? polyline() : kind < 8 ? spray() : picture();
   addPaint(*draw);
   addEffects(*draw);
+  describe(*draw);
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::nextOfAll() {
+  std::shared_ptr<DrawBase> draw;
+  switch (below(10)) {
+    case 0:
+      draw = text();
+      break;
+    case 1:
+      draw = curvedText();
+      break;
+    case 2:
+      draw = fill();
+      break;
+    case 3:
+      draw = filter();
+      break;
+    case 4:
+      draw = group();
+      break;
+    default:
+      return next();
+  }
+  if (dynamic_cast<const DrawGroup*>(draw.get()) == nullptr) addEffects(*draw);
+  describe(*draw);
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::text() {
+  auto draw = made<DrawText>();
+  addPaint(*draw);
+  draw->setBezierPathWithBounds(NSInsetRect(bounds(), -20 * unit_, -10 * unit_));
+  draw->setAttributedString(NSAttributedString("Sphinx of black quartz, judge my vow. 1234567890"));
+  draw->setTextFontSize((6 + below(20)) * unit_);
+  draw->setTextColor(color());
+  if (oneIn(3)) draw->setTextOutlineWidth(3, color());
+  if (oneIn(3)) {
+    draw->setUseGradualText(true);
+    draw->setTextGradient(gradient());
+  }
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::curvedText() {
+  auto guide = made<DrawCurve>();
+  const NSPoint start = point(), c1 = point(), c2 = point();
+  guide->setStartPoint(start, c1, c2, point());
+  auto draw = made<DrawBezierText>();
+  draw->setAttributedString(NSAttributedString("Round and round the ragged rock"));
+  draw->setTextFontSize((6 + below(12)) * unit_);
+  draw->setTextColor(color());
+  draw->setBezierDraw(guide);
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::fill() {
+  const NSRect area = NSIntegralRect(bounds());
+  std::shared_ptr<DrawFill> draw;
+  if (oneIn(2)) {
+    const auto width = static_cast<int64_t>(area.size.width);
+    const auto height = static_cast<int64_t>(area.size.height);
+    std::vector<uint8_t> inside(static_cast<size_t>(width * height));
+    for (int64_t i = 0; i < width * height; ++i) {
+      const double x = static_cast<double>(i % width) / area.size.width - 0.5;
+      const double y = static_cast<double>(i / width) / area.size.height - 0.5;
+      inside[static_cast<size_t>(i)] = std::abs(x) + y * y * 3 < 0.4;
+    }
+    draw = DrawFill::initWithImageMask(
+        ImageMask::initWithData(std::move(inside), static_cast<int64_t>(area.origin.x),
+                                static_cast<int64_t>(area.origin.y), width, height));
+  } else {
+    draw = DrawFill::initWithBezierPath(*NSBezierPath::bezierPathWithOvalInRect(area));
+  }
+  draw->setFillColor(color());
+  draw->setEnableFill(true);
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::filter() {
+  const auto bitmap = randomBitmap(20, 15, static_cast<unsigned>(random_()));
+  auto draw = DrawFilter2::initWithImage(bitmap, nullptr, 1 + below(8));
+  draw->setBezierPathWithBounds(bounds());
+  return draw;
+}
+
+std::shared_ptr<DrawBase> RandomDraws::group() {
+  DrawArray inside;
+  for (unsigned n = 2 + below(2); n > 0; --n) inside.push_back(next());
+  return DrawGroup::initWithDraws(std::move(inside));
+}
+
+void RandomDraws::describe(const DrawBase& drawn) {
+  const DrawBase* const draw = &drawn;
   description_ = std::string(draw->className()) + (draw->enableShadow() ? " shadow" : "") +
                  (draw->enableInnerShadow() ? " inner" : "") +
                  (draw->enableReflection() ? " reflection" : "") +
                  (draw->useGradualStroke() ? " stroke gradient" : "") +
                  (draw->useGradualFill() ? " fill gradient" : "") +
                  (draw->lineDashStyle().empty() ? "" : " dash");
-  return draw;
+}
+
+std::shared_ptr<PaintManager> randomDocument(unsigned seed, double megapixels) {
+  const double unit = std::sqrt(megapixels * 1e6 / (160 * 120));
+  RandomDraws draws(seed, 160, unit);
+  auto document = PaintManager::initWithSize({std::floor(160 * unit), std::floor(120 * unit)});
+  if (draws.oneIn(2)) document->setBackgroundColor(NSColor::whiteColor());
+  for (unsigned n = 1 + draws.below(5); n > 0; --n) document->addDraw(draws.nextOfAll());
+  return document;
 }

@@ -8,6 +8,7 @@
 #include "draw/image/DrawSVG.h"
 #include "platform/foundation/values/NSData.h"
 #include "platform/graphics/bitmap/EncodedBitmap.h"
+#include "platform/graphics/context/OffscreenCanvas.h"
 
 const NSClass DrawImage2::kClass{"DrawImage2", &DrawRoundRectangle::kClass, NSAllocate<DrawImage2>};
 
@@ -40,16 +41,20 @@ void DrawImage2::initWithBitmap(std::shared_ptr<NSBitmapImageRep> image) {
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawImage2::cachedImage() const {
-  return _image != nullptr ? _image : madeImage_.lock();
+  if (_image != nullptr) return _image;
+  return madeScale_ == offscreenScale() ? madeImage_.lock() : nullptr;
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawImage2::image() const {
   auto image = cachedImage();
-  if (image == nullptr) madeImage_ = image = makeImage(&failure_);
+  if (image == nullptr) {
+    madeScale_ = offscreenScale();
+    madeImage_ = image = makeImage(madeScale_, &failure_);
+  }
   return image;
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage(PictureFailure* failure) const {
+std::shared_ptr<NSBitmapImageRep> DrawImage2::makeImage(CGFloat, PictureFailure* failure) const {
   if (encoded_ == nullptr) return nullptr;
   bool isTooLarge = false;
   auto image = encoded_->bitmap(&isTooLarge);

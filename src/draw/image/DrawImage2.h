@@ -26,7 +26,8 @@ class DrawImage2 : public DrawRoundRectangle {
   /// A draw with the bitmap's bounds as its path and no line. With a null bitmap the path is empty.
   static std::shared_ptr<DrawImage2> initWithImage(std::shared_ptr<NSBitmapImageRep> image);
 
-  /// The bitmap, not to be changed; null when there is none or it cannot be decoded.
+  /// The bitmap, not to be changed; null when there is none or it cannot be decoded. What is drawn
+  /// to be a bitmap is so at the scale of the current context.
   std::shared_ptr<NSBitmapImageRep> image() const;
   virtual void setImage(std::shared_ptr<NSBitmapImageRep> image);
   /// Sets a bitmap that is not decoded yet; may be null.
@@ -67,9 +68,10 @@ class DrawImage2 : public DrawRoundRectangle {
  protected:
   /// Gives a new draw its defaults, and the bitmap's bounds as its path, without a line.
   void initWithBitmap(std::shared_ptr<NSBitmapImageRep> image);
-  /// Decodes or draws the bitmap when none was set, and does not keep it. Null when that fails, for
-  /// the reason that `failure` takes, or when there is nothing to make it from.
-  virtual std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const;
+  /// Decodes the bitmap, or draws it for a scale, when none was set, and does not keep it. Null
+  /// when that fails, for the reason that `failure` takes, or when there is nothing to make it
+  /// from.
+  virtual std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat scale, PictureFailure* failure) const;
   /// The bitmap that is there without making one; may be null.
   std::shared_ptr<NSBitmapImageRep> cachedImage() const;
   /// Whether the draw keeps its bitmap, rather than what that is made from.
@@ -87,6 +89,7 @@ class DrawImage2 : public DrawRoundRectangle {
   mutable std::shared_ptr<NSBitmapImageRep> _image;
   mutable bool _hasRerender = false;
   mutable std::weak_ptr<NSBitmapImageRep> madeImage_;
+  mutable CGFloat madeScale_ = 1;                          ///< what madeImage_ was made for
   mutable PictureFailure failure_ = PictureFailure::none;  ///< why there is no bitmap
   std::shared_ptr<const EncodedBitmap> encoded_;           ///< while no bitmap was set; may be null
 };

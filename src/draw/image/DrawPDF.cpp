@@ -51,8 +51,8 @@ NSSize DrawPDF::originalPDFSize() const {
   return pdfPage() == nullptr ? NSZeroSize : pdfPage()->size();
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage(PictureFailure* failure) const {
-  const NSSize size = rasterSize(pathBounds());
+std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage(CGFloat scale, PictureFailure* failure) const {
+  const NSSize size = rasterSize(pathBounds(), scale);
   const auto draw = [&]() -> std::shared_ptr<NSBitmapImageRep> {
     if (const auto& page = pdfPage()) return page->bitmapWithSize(size, failure);
     if (pdfData_ != nullptr && pdfData_->length() > 0) *failure = pageFailure_;

@@ -33,7 +33,8 @@ class DrawPDF : public DrawImage2 {
   void encodeWithCoder(NSCoder& coder) const override;
 
  protected:
-  std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const override;
+  std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat scale,
+                                              PictureFailure* failure) const override;
 
  private:
   bool _flipHorizontal = false;

@@ -42,11 +42,11 @@ NSSize DrawSVG::originalSVGSize() const {
   return ZTSVGTool::originalSizeOfSVG(_svgData.get(), engine());
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage(PictureFailure* failure) const {
+std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage(CGFloat scale, PictureFailure* failure) const {
   if (_svgData == nullptr) return nullptr;
   *failure = PictureFailure::unreadable;
   if (!ZTSVGTool::isSVGFormatData(_svgData.get())) return nullptr;
-  const NSSize size = rasterSize(pathBounds());
+  const NSSize size = rasterSize(pathBounds(), scale);
   const SVGEngine svg = engine();
   return rememberedRaster(PictureKey::Kind::svg, _svgData, size, static_cast<int64_t>(svg), [&] {
     return ZTSVGTool::imageWithSVGData(_svgData.get(), size, false, svg, failure);

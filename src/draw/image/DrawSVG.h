@@ -38,7 +38,8 @@ class DrawSVG : public DrawImage2 {
   void encodeWithCoder(NSCoder& coder) const override;
 
  protected:
-  std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure* failure) const override;
+  std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat scale,
+                                              PictureFailure* failure) const override;
   void mapGeometry(const AxisMap& map) override;
 
  private:

@@ -17,12 +17,11 @@ CGContext& port() {
 
 bool mayShow(const NSRect& rect) {
   if (NSGraphicsContext::currentContext() == nullptr) return false;
-  // Snapping to pixels and antialiasing stay within.
-  constexpr CGFloat kNear = 2;
-  const NSRect device = CGRectApplyAffineTransform(rect, port().deviceTransform());
-  const PixelBox& clip = port().state().clip.box();
-  const bool isOutside = NSMaxX(device) < clip.x0 - kNear || NSMinX(device) > clip.x1 + kNear ||
-                         NSMaxY(device) < clip.y0 - kNear || NSMinY(device) > clip.y1 + kNear;
+  // Snapping to pixels stays within.
+  const NSRect near = NSInsetRect(port().visibleCanvasRect(), -1, -1);
+  const NSRect drawn = CGRectApplyAffineTransform(rect, port().state().transform);
+  const bool isOutside = NSMaxX(drawn) < NSMinX(near) || NSMinX(drawn) > NSMaxX(near) ||
+                         NSMaxY(drawn) < NSMinY(near) || NSMinY(drawn) > NSMaxY(near);
   return !isOutside;
 }
 

@@ -15,9 +15,14 @@
 inline constexpr const char* kFlipHorizontal = "FlipHorizontal";
 inline constexpr const char* kFlipVertical = "FlipVertical";
 
-/// The whole pixels of a draw's bitmap, halves rounded away from zero.
-inline NSSize rasterSize(const NSRect& bounds) {
-  return {std::round(NSWidth(bounds)), std::round(NSHeight(bounds))};
+/// The whole pixels of a draw's bitmap at a scale, halves rounded away from zero. What is at least
+/// a pixel at scale 1 is so at every scale.
+inline NSSize rasterSize(const NSRect& bounds, CGFloat scale) {
+  const auto pixels = [scale](CGFloat side) {
+    const CGFloat whole = std::round(side);
+    return scale == 1 || !(whole >= 1) ? whole : std::fmax(1, std::round(side * scale));
+  };
+  return {pixels(NSWidth(bounds)), pixels(NSHeight(bounds))};
 }
 
 /// The bitmap that `draw` makes of a document in that size, or the one that the document drawn now

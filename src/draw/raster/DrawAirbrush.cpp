@@ -102,6 +102,10 @@ void DrawAirbrush::drawBaked(const NSBitmapImageRep& image, CastShadow cast) con
   setShadowInForce(cast);
   port.concatenate(transform().transformStruct());
   NSRect rect = pathBounds();
+  // Dots that lie on the canvas's pixels are those pixels.
+  if (fRotateDegree_ == 0 && rect.size == image.size()) {
+    context.setImageInterpolation(NSImageInterpolation::none);
+  }
   rect.origin = {std::trunc(rect.origin.x + 0.5), std::trunc(rect.origin.y + 0.5)};
   // The bitmap's alpha cuts the colour, so that a baked spray can be recoloured.
   CGTransparencyLayerScope layer(port);

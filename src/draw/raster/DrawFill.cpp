@@ -21,22 +21,6 @@ NSSize sizeDifference(const NSRect& a, const NSRect& b) {
   return {std::fabs(NSWidth(a) - NSWidth(b)), std::fabs(NSHeight(a) - NSHeight(b))};
 }
 
-/// Whether drawing through the context would hit the bitmap's pixels one to one, all of them.
-bool coversPixels(const GraphicsState& state, const NSBitmapImageRep& image) {
-  const PixelBox& box = state.clip.box();
-  return state.transform == CGAffineTransform() && state.clip.isBox() &&
-         box.width() == image.pixelsWide() && box.height() == image.pixelsHigh();
-}
-
-/// Where the bitmap of the current context lies on the canvas, given that it covers its pixels.
-NSPoint originOnCanvas() {
-  const auto& context = NSGraphicsContext::currentContext();
-  if (context == nullptr) return NSZeroPoint;
-  const CGContext& port = *context->graphicsPort();
-  const PixelBox& box = port.state().clip.box();
-  return {static_cast<CGFloat>(box.x0), port.deviceTransform().ty - static_cast<CGFloat>(box.y1)};
-}
-
 }  // namespace
 
 std::shared_ptr<DrawFill> DrawFill::initWithImageMask(std::shared_ptr<ImageMask> mask) {
@@ -121,7 +105,7 @@ bool DrawFill::isTurned() const {
 bool DrawFill::canWritePixels(const NSBitmapImageRep* image) const {
   const auto& context = NSGraphicsContext::currentContext();
   if (image == nullptr || isTurned()) return false;
-  if (context != nullptr && !coversPixels(context->graphicsPort()->state(), *image)) return false;
+  if (context != nullptr && !context->graphicsPort()->paintsWholeCanvas()) return false;
   const NSSize difference = sizeDifference(pathBounds(), mask_->maskRect());
   return difference.width < 1 && difference.height < 1;
 }
@@ -129,8 +113,9 @@ bool DrawFill::canWritePixels(const NSBitmapImageRep* image) const {
 void DrawFill::drawInImage(NSBitmapImageRep* image) {
   if (!bVisible_ || !bEnableFill_ || bezierPath_ == nullptr || bezierPath_->isEmpty()) return;
   if (fillType_ == kMaskFill && mask_ != nullptr && canWritePixels(image)) {
-    const NSPoint start = mask_->maskStartPoint(), origin = originOnCanvas();
-    return mask_->fillImage(image, colorFill_.get(), {start.x - origin.x, start.y - origin.y});
+    const bool isPainting = NSGraphicsContext::currentContext() != nullptr;
+    return isPainting ? mask_->fillCanvas(colorFill_.get())
+                      : mask_->fillImage(image, colorFill_.get());
   }
   if (NSGraphicsContext::currentContext() == nullptr) return;
   if (fillType_ == kMaskFill) return _draw(CastShadow::no);
@@ -174,17 +159,13 @@ void DrawFill::paintMask() const {
   if (image == nullptr) return;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   CGContext& port = *context.graphicsPort();
-  context.setCompositingOperation(NSCompositingOperation::sourceOver);
   context.setImageInterpolation(NSImageInterpolation::none);
   port.concatenate(transform().transformStruct());
   const NSRect rect = pathBounds();
   port.concatenate(
       CGAffineTransformMakeTranslation(std::trunc(rect.origin.x + 0.5) - rect.origin.x,
                                        std::trunc(rect.origin.y + 0.5) - rect.origin.y));
-  // What lies under the region goes first, so that a translucent colour replaces it too.
-  drawInRect(*image, rect, NSZeroRect, NSCompositingOperation::destinationOut, 1);
-  drawInRect(*image, rect, NSZeroRect, NSCompositingOperation::sourceOver,
-             colorFill_->alphaComponent());
+  port.drawReplacing(*image, rect, colorFill_->alphaComponent());
 }
 
 void DrawFill::upgradeDecoded(bool typeIsKnown) {

@@ -46,8 +46,8 @@ class DrawFill : public DrawBase {
   /// Mirrors the draw in place.
   void flip(bool horizontal);
 
-  /// The image is the bitmap of the current context, or null. Masks that are neither turned nor
-  /// resized are written straight into its pixels.
+  /// The image is the bitmap of the current context, or null. With an image, masks that are neither
+  /// turned nor resized replace pixels as they are.
   void drawInImage(NSBitmapImageRep* image) override;
   void _draw(CastShadow cast) override;
 

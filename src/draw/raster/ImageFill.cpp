@@ -7,11 +7,11 @@
 
 #include "draw/raster/FillKernels.h"
 #include "draw/raster/ImageMask.h"
-#include "draw/raster/MaskKernels.h"
 #include "draw/raster/RegionBorder.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
 #include "platform/graphics/path/NSBezierPath.h"
+#include "platform/graphics/pixels/paint/MaskKernels.h"
 
 namespace {
 

@@ -6,14 +6,13 @@
 #include <limits>
 #include <utility>
 
-#include "draw/raster/MaskKernels.h"
 #include "platform/foundation/Convert.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/color/PaintComponents.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
 #include "platform/graphics/path/NSBezierPath.h"
-#include "platform/machine/ParallelRows.h"
+#include "platform/graphics/pixels/paint/MaskKernels.h"
 
 const NSClass ImageMask::kClass{"ImageMask", &NSObject::kClass, NSAllocate<ImageMask>};
 
@@ -27,10 +26,6 @@ constexpr const char* kHeight = "Height";
 
 /// Far outside every bitmap, and far from where adding sizes to positions would overflow.
 constexpr int64_t kFarAway = std::numeric_limits<int64_t>::max() / 4;
-
-/// Pixels from which rows are filled in parallel. One thread fills 32 million in 5 milliseconds;
-/// on two busy processors a second one gained nothing below that, and nearly half at 64 million.
-constexpr int64_t kParallelPixels = 32'000'000;
 
 int64_t position(CGFloat v) {
   return clampToInteger<int64_t>(std::floor(v));
@@ -79,37 +74,29 @@ void ImageMask::setMaskStartPoint(NSPoint start) {
   yStart_ = position(static_cast<float>(start.y));
 }
 
-ImageMask::Overlap ImageMask::overlapWith(const NSBitmapImageRep& image, int64_t xStart,
+ImageMask::Overlap ImageMask::overlapWith(const NSSize& image, int64_t xStart,
                                           int64_t yStart) const {
+  const auto width = static_cast<int64_t>(image.width);
+  const auto height = static_cast<int64_t>(image.height);
   const int64_t left = std::clamp(xStart, -kFarAway, kFarAway);
-  const int64_t top = image.pixelsHigh() - std::clamp(yStart, -kFarAway, kFarAway) - h_;
+  const int64_t top = height - std::clamp(yStart, -kFarAway, kFarAway) - h_;
   Overlap o;
   o.imageX = std::max<int64_t>(0, left);
   o.imageRow = std::max<int64_t>(0, top);
   o.maskX = o.imageX - left;
   o.maskRow = o.imageRow - top;
-  o.width = std::min(image.pixelsWide(), left + w_) - o.imageX;
-  o.height = std::min(image.pixelsHigh(), top + h_) - o.imageRow;
+  o.width = std::min(width, left + w_) - o.imageX;
+  o.height = std::min(height, top + h_) - o.imageRow;
   return o;
 }
 
 void ImageMask::fillPixels(NSBitmapImageRep& image, uint32_t pixel, int64_t xStart,
                            int64_t yStart) const {
-  const Overlap o = overlapWith(image, xStart, yStart);
+  const Overlap o = overlapWith(image.size(), xStart, yStart);
   if (o.empty()) return;
   uint8_t* out = image.writableRows(o.imageRow, o.imageRow + o.height) + o.imageX * 4;
-  const auto stride = static_cast<int64_t>(image.bytesPerRow());
-  const auto fillRows = [&](int64_t first, int64_t end) {
-    for (int64_t y = first; y < end; ++y) {
-      fillMasked(pixelsOf(out + y * stride), row(o.maskRow + y) + o.maskX,
-                 static_cast<size_t>(o.width), pixel);
-    }
-  };
-  if (o.width * o.height < kParallelPixels) {
-    fillRows(0, o.height);
-  } else {
-    inParallel(o.height, fillRows);
-  }
+  fillMaskedRows(pixelsOf(out), image.pixelsWide(), row(o.maskRow) + o.maskX, w_, o.width, o.height,
+                 pixel);
 }
 
 void ImageMask::fillImage(NSBitmapImageRep* image, const NSColor* withColor) const {
@@ -122,6 +109,17 @@ void ImageMask::fillImage(NSBitmapImageRep* image, const NSColor* withColor,
   fillPixels(*image, fillPixel(withColor), position(atStartPoint.x), position(atStartPoint.y));
 }
 
+void ImageMask::fillCanvas(const NSColor* withColor) const {
+  const auto& context = NSGraphicsContext::currentContext();
+  if (context == nullptr) return;
+  const Overlap o = overlapWith(context->graphicsPort()->canvasSize(), xStart_, yStart_);
+  if (o.empty()) return;
+  const PixelBox box{static_cast<int32_t>(o.imageX), static_cast<int32_t>(o.imageRow),
+                     static_cast<int32_t>(o.imageX + o.width),
+                     static_cast<int32_t>(o.imageRow + o.height)};
+  context->graphicsPort()->replacePixels({row(o.maskRow) + o.maskX, w_, box}, fillPixel(withColor));
+}
+
 std::shared_ptr<NSBitmapImageRep> ImageMask::renderImageWithColor(const NSColor* color) const {
   std::shared_ptr<NSBitmapImageRep> image;
   if (InitImageRep(maskRect().size, &image)) fillPixels(*image, fillPixel(color), 0, 0);
@@ -130,7 +128,7 @@ std::shared_ptr<NSBitmapImageRep> ImageMask::renderImageWithColor(const NSColor*
 
 std::shared_ptr<NSBitmapImageRep> ImageMask::scissorImage(const NSBitmapImageRep* image) const {
   if (image == nullptr) return nullptr;
-  const Overlap o = overlapWith(*image, xStart_, yStart_);
+  const Overlap o = overlapWith(image->size(), xStart_, yStart_);
   if (o.empty()) return nullptr;
   auto result = NSBitmapImageRep::create(o.width, o.height);
   if (result == nullptr) return nullptr;

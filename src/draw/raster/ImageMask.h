@@ -47,6 +47,10 @@ class ImageMask : public NSObject {
   /// The same with the mask's lower left pixel at another place (rounded down).
   void fillImage(NSBitmapImageRep* image, const NSColor* withColor, NSPoint atStartPoint) const;
 
+  /// The same canvas pixels of the current context, with the mask where it starts; nothing without
+  /// a context.
+  void fillCanvas(const NSColor* withColor) const;
+
   /// A new bitmap of the mask's size, filled under the mask. Null when that is too large.
   std::shared_ptr<NSBitmapImageRep> renderImageWithColor(const NSColor* color) const;
   /// A new bitmap of the part of `image` inside the mask's rectangle, transparent outside the mask.
@@ -75,7 +79,8 @@ class ImageMask : public NSObject {
     int64_t width = 0, height = 0;
     bool empty() const { return width <= 0 || height <= 0; }
   };
-  Overlap overlapWith(const NSBitmapImageRep& image, int64_t xStart, int64_t yStart) const;
+  /// With a bitmap, or a canvas, of a size in pixels.
+  Overlap overlapWith(const NSSize& image, int64_t xStart, int64_t yStart) const;
   void fillPixels(NSBitmapImageRep& image, uint32_t pixel, int64_t xStart, int64_t yStart) const;
   bool setContents(std::vector<uint8_t> data, int64_t width, int64_t height);
   bool isFull() const;

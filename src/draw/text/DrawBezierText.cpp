@@ -7,8 +7,8 @@
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/text/CurvedText.h"
-#include "draw/text/TextCanvas.h"
 #include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/context/OffscreenCanvas.h"
 #include "platform/text/host/NSTextStorage.h"
 
 const NSClass DrawBezierText::kClass{"DrawBezierText", &DrawText::kClass,
@@ -72,7 +72,7 @@ void DrawBezierText::invalidTextImage() const {
 }
 
 std::optional<ConvertTextToImageResult> DrawBezierText::convertTextToImageWithOption(
-    TextImageOption option, const WantedPart& part) const {
+    TextImageOption option, const WantedImage& wanted) const {
   ConvertTextToImageResult result;
   std::shared_ptr<const CurvedText> set;
   if (option == TextImageOption::text && set_ != nullptr) {
@@ -86,7 +86,8 @@ std::optional<ConvertTextToImageResult> DrawBezierText::convertTextToImageWithOp
   }
   const NSPoint origin = pathBounds().origin;
   result.textDrawRect = NSOffsetRect(NSIntegralRect(set->drawnRect()), -origin.x, -origin.y);
-  const TextCanvas canvas(result.textDrawRect, smoothing(), part);
+  const OffscreenCanvas canvas(result.textDrawRect, wanted.grid, wanted.part);
+  canvas.context().setShouldAntialias(smooth());
   canvas.context().concatenate(CGAffineTransformMakeTranslation(-origin.x, -origin.y));
   set->draw(canvas.context());
   result.textImageRep = canvas.bitmap();

@@ -37,7 +37,7 @@ class DrawBezierText : public DrawText {
   /// The path along which the text runs, on the canvas; empty without a guide.
   std::shared_ptr<NSBezierPath> bezierPathForDrawTexts() const;
   std::optional<ConvertTextToImageResult> convertTextToImageWithOption(
-      TextImageOption option, const WantedPart& part) const override;
+      TextImageOption option, const WantedImage& wanted) const override;
   using DrawText::convertTextToImageWithOption;
   /// Makes the draw's own path the rectangle around the guide and the band of its text.
   void updateBounds();

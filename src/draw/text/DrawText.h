@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "draw/shapes/DrawRectangle.h"
+#include "platform/graphics/context/OffscreenCanvas.h"
 #include "platform/text/fonts/FontStyle.h"
 #include "platform/text/layout/NSTextTab.h"
 
@@ -16,15 +17,17 @@ class NSFont;
 class NSMutableParagraphStyle;
 class NSParagraphStyle;
 class NSTextStorage;
-enum class TextSmoothing : uint8_t;
 struct ZTModifyTextAction;
 
 /// What is made a bitmap of: the text, or only the outlines of its glyphs.
 enum class TextImageOption : uint8_t { text = 1, outline = 2 };
 
-/// What of a text image anyone will look at, in the space of its textDrawRect; everything when not
-/// set.
-using WantedPart = std::optional<NSRect>;
+/// The bitmap of a text that somebody wants.
+struct WantedImage {
+  OffscreenGrid grid;
+  /// What of it anyone will look at, in the space of its textDrawRect; everything when not set.
+  std::optional<NSRect> part;
+};
 
 /// A text made a bitmap. Rectangles and paths are in the space of the draw that made it: from the
 /// origin of the path bounds for text boxes.
@@ -111,12 +114,14 @@ class DrawText : public DrawRoundRectangle {
   /// Nothing for an empty text or path, and for the outline of a text without stroke widths.
   std::optional<ConvertTextToImageResult> convertTextToImageWithOption(
       TextImageOption option) const {
-    return convertTextToImageWithOption(option, {});
+    return convertTextToImageWithOption(option, WantedImage{});
   }
   virtual std::optional<ConvertTextToImageResult> convertTextToImageWithOption(
-      TextImageOption option, const WantedPart& part) const;
+      TextImageOption option, const WantedImage& wanted) const;
   /// The image of the outlines, kept in the text outline cache; null when the text has none.
-  std::shared_ptr<NSBitmapImageRep> textOutlineImage() const { return textOutlineImage({}); }
+  std::shared_ptr<NSBitmapImageRep> textOutlineImage() const {
+    return textOutlineImage(WantedImage{});
+  }
 
   // ---- Style of the whole text. Queries answer each distinct value once, in order; setters change
   // every run. Null as a colour removes the attribute.
@@ -173,7 +178,8 @@ class DrawText : public DrawRoundRectangle {
   std::shared_ptr<NSTextStorage> textForImage(TextImageOption option) const;
   /// Takes over what convertTextToImageWithOption made.
   virtual void storeTextImage(const ConvertTextToImageResult& result) const;
-  TextSmoothing smoothing() const;
+  /// Of bitmaps that are drawn from the origin of the path bounds on.
+  OffscreenGrid imageGrid() const;
   /// Draws everything but the box.
   void drawTextPart(CastShadow cast);
   /// The text, to be changed.
@@ -184,6 +190,7 @@ class DrawText : public DrawRoundRectangle {
   struct ImageKey {
     NSRect bounds;
     bool smooth = false;
+    OffscreenGrid grid;
   };
   struct TextArea;
   struct TextTarget;
@@ -201,7 +208,7 @@ class DrawText : public DrawRoundRectangle {
   void drawShadowMask(const TextTarget& target) const;
   NSPoint relativeGradientCenter(const NSRect& target) const;
   NSRect visiblePart() const;
-  std::shared_ptr<NSBitmapImageRep> textOutlineImage(const WantedPart& part) const;
+  std::shared_ptr<NSBitmapImageRep> textOutlineImage(const WantedImage& wanted) const;
   CGFloat overhang() const;
   void decodeTextGradient(NSCoder& coder);
   void takeTextGradientFromFill();

@@ -4,11 +4,11 @@
 
 #include "draw/core/PaintManagerContext.h"
 #include "draw/text/DrawText.h"
-#include "draw/text/TextCanvas.h"
 #include "draw/text/TextOutlineCache.h"
 #include "draw/text/TextSmallKits.h"
 #include "platform/foundation/values/NSNumber.h"
 #include "platform/graphics/color/NSColor.h"
+#include "platform/graphics/context/OffscreenCanvas.h"
 #include "platform/text/TextCharacters.h"
 #include "platform/text/fonts/NSFontManager.h"
 #include "platform/text/host/NSTextStorage.h"
@@ -79,7 +79,7 @@ DrawText::TextArea DrawText::areaFor(const NSTextStorage& text, const NSSize& bo
 }
 
 std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
-    TextImageOption option, const WantedPart& part) const {
+    TextImageOption option, const WantedImage& wanted) const {
   if (textStorage_->length() == 0 || bezierPath_ == nullptr || bezierPath_->isEmpty()) return {};
   const NSRect bounds = pathBounds();
   const NSSize box{std::round(bounds.size.width), std::round(bounds.size.height)};
@@ -93,7 +93,8 @@ std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
   if (glyphs.length == 0) return {};
   ConvertTextToImageResult result;
   result.textDrawRect = {{area.left, box.height - area.size.height}, area.size};
-  const TextCanvas canvas(result.textDrawRect, smoothing(), part);
+  const OffscreenCanvas canvas(result.textDrawRect, wanted.grid, wanted.part);
+  canvas.context().setShouldAntialias(bSmooth_);
   canvas.context().concatenate({1, 0, 0, -1, area.left, box.height});
   layout.manager().drawBackgroundForGlyphRange(glyphs, NSZeroPoint);
   layout.manager().drawGlyphsForGlyphRange(glyphs, NSZeroPoint);
@@ -102,20 +103,21 @@ std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
   return result;
 }
 
-TextSmoothing DrawText::smoothing() const {
-  return bSmooth_ ? TextSmoothing::on : TextSmoothing::off;
+OffscreenGrid DrawText::imageGrid() const {
+  return offscreenGridAt(pathBounds().origin);
 }
 
 // ---- The image as a cache.
 
 bool DrawText::imageIsCurrent() const {
   return imgRepText_ != nullptr && imageKey_.smooth == bSmooth_ &&
-         imageKey_.bounds.size == pathBounds().size;
+         imageKey_.bounds.size == pathBounds().size && imageKey_.grid == imageGrid();
 }
 
 bool DrawText::isTooLargeToKeep() const {
   const NSSize size = pathBounds().size;
-  return size.width * size.height > kMaxKeptPixels;
+  const CGFloat scale = imageGrid().scale;
+  return size.width * size.height * scale * scale > kMaxKeptPixels;
 }
 
 void DrawText::invalidTextImage() const {
@@ -139,18 +141,19 @@ void DrawText::storeTextImage(const ConvertTextToImageResult& result) const {
 
 bool DrawText::convertTextToImage() const {
   dropImages();
-  storeTextImage(
-      convertTextToImageWithOption(TextImageOption::text).value_or(ConvertTextToImageResult{}));
-  imageKey_ = {pathBounds(), bSmooth_};
+  imageKey_ = {pathBounds(), bSmooth_, imageGrid()};
+  const WantedImage whole{imageKey_.grid, {}};
+  storeTextImage(convertTextToImageWithOption(TextImageOption::text, whole)
+                     .value_or(ConvertTextToImageResult{}));
   return imgRepText_ != nullptr;
 }
 
-std::shared_ptr<NSBitmapImageRep> DrawText::textOutlineImage(const WantedPart& part) const {
+std::shared_ptr<NSBitmapImageRep> DrawText::textOutlineImage(const WantedImage& wanted) const {
   TextOutlineCache& cache = TextOutlineCache::shared();
   if (auto kept = cache.objectForKey(hash())) return kept;
-  const auto made = convertTextToImageWithOption(TextImageOption::outline, part);
+  const auto made = convertTextToImageWithOption(TextImageOption::outline, wanted);
   if (!made || made->textImageRep == nullptr) return nullptr;
-  if (!part) cache.setObject(made->textImageRep, hash());
+  if (!wanted.part) cache.setObject(made->textImageRep, hash());
   return made->textImageRep;
 }
 

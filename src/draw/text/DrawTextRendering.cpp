@@ -30,7 +30,7 @@ struct DrawText::TextTarget {
   const NSBitmapImageRep& picture;
   NSRect text;
   NSRect image;
-  WantedPart part;  ///< what the picture was limited to
+  WantedImage wanted;  ///< what the picture was asked for as
 };
 
 void DrawText::_draw(CastShadow cast) {
@@ -47,31 +47,30 @@ void DrawText::drawTextPart(CastShadow cast) {
   };
   if (!isTooLargeToKeep()) {
     if (!makeSureHasValidTextImage()) return;
-    return drawText({*imgRepText_, placed(rectText_), placed(imageRect_), {}}, cast);
+    return drawText({*imgRepText_, placed(rectText_), placed(imageRect_), {imageKey_.grid, {}}},
+                    cast);
   }
   dropImages();
-  const NSRect part = visiblePart();
-  const auto made = convertTextToImageWithOption(TextImageOption::text, part);
+  const WantedImage wanted{imageGrid(), visiblePart()};
+  const auto made = convertTextToImageWithOption(TextImageOption::text, wanted);
   if (!made || made->textImageRep == nullptr) return;
-  drawText({*made->textImageRep, placed(made->textDrawRect), placed(made->imageRect), part}, cast);
+  drawText({*made->textImageRep, placed(made->textDrawRect), placed(made->imageRect), wanted},
+           cast);
 }
 
-/// The part of the text image that the context's clip can show, or a shadow in it.
+/// The part of the text image that the context can show, or a shadow in it.
 NSRect DrawText::visiblePart() const {
-  const PixelBox& clip = port().state().clip.box();
-  const CGAffineTransform toDevice =
-      CGAffineTransformConcat(transform().transformStruct(), port().deviceTransform());
-  const NSRect device = NSMakeRect(clip.x0, clip.y0, static_cast<CGFloat>(clip.width()),
-                                   static_cast<CGFloat>(clip.height()));
-  CGFloat reach = 2;  // of the filter that a turned image is drawn with
+  CGFloat reach = 0;
   for (const auto& shadow :
        {bEnableShadow_ ? shadow_ : nullptr, bEnableInnerShadow_ ? shadowInner_ : nullptr}) {
     if (shadow == nullptr) continue;
     const NSSize offset = shadow->shadowOffset();
     reach = std::max(reach, std::hypot(offset.width, offset.height) + shadow->shadowBlurRadius());
   }
-  const NSRect seen = CGRectApplyAffineTransform(NSInsetRect(device, -reach, -reach),
-                                                 CGAffineTransformInvert(toDevice));
+  const CGAffineTransform toCanvas =
+      CGAffineTransformConcat(transform().transformStruct(), port().state().transform);
+  const NSRect seen = CGRectApplyAffineTransform(
+      NSInsetRect(port().visibleCanvasRect(), -reach, -reach), CGAffineTransformInvert(toCanvas));
   const NSPoint origin = pathBounds().origin;
   return NSOffsetRect(seen, -origin.x, -origin.y);
 }
@@ -110,7 +109,7 @@ void DrawText::drawGradientText(const TextTarget& target) const {
   } else {
     _textGradient->drawInRect(target.text, static_cast<CGFloat>(_textGradientDegree));
   }
-  if (const auto outline = textOutlineImage(target.part)) {
+  if (const auto outline = textOutlineImage(target.wanted)) {
     port().setOperation(NSCompositingOperation::sourceOver);
     port().draw(*outline, target.image);
   }
@@ -151,7 +150,7 @@ NSRect DrawText::drawRect() const {
   if (isTooLargeToKeep()) {
     // Only where the text belongs is asked for.
     dropImages();
-    storeTextImage(convertTextToImageWithOption(TextImageOption::text, NSZeroRect)
+    storeTextImage(convertTextToImageWithOption(TextImageOption::text, {imageGrid(), NSZeroRect})
                        .value_or(ConvertTextToImageResult{}));
   } else {
     makeSureHasValidTextImage();

@@ -57,7 +57,7 @@ class CountedPicture : public DrawImage2 {
   int made() const { return made_; }
 
  protected:
-  std::shared_ptr<NSBitmapImageRep> makeImage(PictureFailure*) const override {
+  std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat, PictureFailure*) const override {
     ++made_;
     return halves();
   }

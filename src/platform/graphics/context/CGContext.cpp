@@ -4,10 +4,11 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/graphics/pixels/blur/GaussianBlur.h"
 #include "platform/graphics/pixels/coverage/AlphaMask.h"
 #include "platform/graphics/pixels/paint/ImageSource.h"
+#include "platform/graphics/pixels/paint/MaskKernels.h"
 #include "platform/graphics/pixels/paint/SpanCompositor.h"
-#include "platform/graphics/resample/PlacedImage.h"
 
 namespace {
 
@@ -63,12 +64,14 @@ PixelSurface surfaceFor(const PixelBox& box) {
 }  // namespace
 
 CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap)
-    : CGContext(bitmap, 0, 0, bitmap == nullptr ? 0 : bitmap->pixelsHigh()) {}
+    : CGContext(bitmap, CanvasView{bitmap == nullptr ? NSZeroSize : bitmap->size()}) {}
 
-CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, int32_t x, int32_t y,
-                     int64_t canvasHeight)
-    : bitmap_(sharedPixels(bitmap), x, y), canvasHeight_(static_cast<CGFloat>(canvasHeight)) {
+CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, const CanvasView& view)
+    : bitmap_(sharedPixels(view.scale > 0 ? bitmap : nullptr), view.x, view.y),
+      grid_{view.scale,        view.corner.x,      view.corner.y,
+            view.canvas.width, view.canvas.height, view.fillsLastPixels} {
   state_.clip = ClipRegion(bitmap_.box());
+  if (view.fillsLastPixels) renderer_.setCanvasEnd({grid_.right(), grid_.bottom()});
 }
 
 void CGContext::saveGState() {
@@ -86,27 +89,62 @@ void CGContext::concatenate(const CGAffineTransform& transform) {
   state_.transform = CGAffineTransformConcat(transform, state_.transform);
 }
 
-CGAffineTransform CGContext::toDevice(const CGAffineTransform& toBitmap) const {
-  return CGAffineTransformConcat(toBitmap, {1, 0, 0, -1, 0, canvasHeight_});
+CGAffineTransform CGContext::toDevice(const CGAffineTransform& toCanvas) const {
+  return CGAffineTransformConcat(toCanvas,
+                                 {grid_.scale, 0, 0, -grid_.scale, grid_.x, grid_.bottom()});
 }
 
-FillStyle CGContext::fillStyle(WindingRule winding) const {
-  return {winding, deviceTransform(), antialias()};
+/// To the canvas's own pixels, which are those of the device at scale 1.
+CGAffineTransform CGContext::toCanvasPixels(const CGAffineTransform& toCanvas) const {
+  return CGAffineTransformConcat(toCanvas, {1, 0, 0, -1, 0, grid_.height});
+}
+
+NSRect CGContext::visibleCanvasRect() const {
+  constexpr CGFloat kReach = 2;
+  const PixelBox& box = state_.clip.box();
+  const NSRect device =
+      NSMakeRect(box.x0 - kReach, box.y0 - kReach, static_cast<CGFloat>(box.width()) + 2 * kReach,
+                 static_cast<CGFloat>(box.height()) + 2 * kReach);
+  return CGRectApplyAffineTransform(device, CGAffineTransformInvert(toDevice({})));
+}
+
+CoverStyle CGContext::coverStyle(const CGAffineTransform& toCanvas) const {
+  if (state_.antialias) return {toDevice(toCanvas), Antialias::on};
+  if (!isScaled()) return {toDevice(toCanvas), Antialias::off};
+  return {toCanvasPixels(toCanvas), Antialias::off, &grid_};
+}
+
+StrokeStyle CGContext::scaledPen(StrokeStyle style) const {
+  if (state_.antialias) style.canvasPixel = grid_.scale;
+  return style;
 }
 
 std::optional<DropShadow> CGContext::dropShadow() const {
   const ShadowStyle& shadow = state_.shadow;
   if (!shadow.visible()) return std::nullopt;
-  return DropShadow{wholePixelOffset(shadow.offset.width), -wholePixelOffset(shadow.offset.height),
-                    shadow.blur, shadow.color};
+  const CGFloat scale = grid_.scale;
+  return DropShadow{wholePixelOffset(shadow.offset.width) * scale,
+                    -wholePixelOffset(shadow.offset.height) * scale,
+                    std::min<CGFloat>(shadow.blur, kMaxBlurReach) * scale, shadow.color};
+}
+
+ClipRegion CGContext::clipped(const PathData& path, WindingRule winding,
+                              const CGAffineTransform& toCanvas) {
+  const CoverStyle style = coverStyle(toCanvas);
+  if (style.grid == nullptr) {
+    return renderer_.clipToPath(path, winding, style.toDevice, style.antialias, state_.clip);
+  }
+  CoverageRowsBuilder builder;
+  FillShape(renderer_, path, winding, style).cover(state_.clip, builder);
+  return ClipRegion(builder.finish());
 }
 
 void CGContext::clip(const NSRect& rect) {
-  state_.clip = renderer_.clipToRect(rect, deviceTransform(), antialias(), state_.clip);
+  clip(pathOfRect(rect), WindingRule::nonZero);
 }
 
 void CGContext::clip(const PathData& path, WindingRule winding) {
-  state_.clip = renderer_.clipToPath(path, winding, deviceTransform(), antialias(), state_.clip);
+  state_.clip = clipped(path, winding, state_.transform);
 }
 
 // --- Painting ---
@@ -163,12 +201,12 @@ void CGContext::paint(const CoverageShape& shape, const SpanPaint& paint,
 
 void CGContext::fill(const NSRect& rect, NSCompositingOperation operation) {
   const PathData path = pathOfRect(rect);
-  paint(FillShape(renderer_, path, fillStyle(WindingRule::nonZero)),
+  paint(FillShape(renderer_, path, WindingRule::nonZero, coverStyle(state_.transform)),
         SpanPaint::solid(sourcePixel(state_.fillColor, operation)), operation);
 }
 
 void CGContext::fill(const PathData& path, WindingRule winding) {
-  paint(FillShape(renderer_, path, fillStyle(winding)),
+  paint(FillShape(renderer_, path, winding, coverStyle(state_.transform)),
         SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)), state_.operation);
 }
 
@@ -177,8 +215,36 @@ void CGContext::fill(const AlphaMask& mask, int32_t dx, int32_t dy) {
         state_.operation);
 }
 
+bool CGContext::paintsWholeCanvas() const {
+  return state_.transform == CGAffineTransform() && state_.clip.isBox() &&
+         state_.clip.box() == surface().box();
+}
+
+void CGContext::replacePixels(const PixelMask& mask, uint32_t pixel) {
+  if (state_.transform != CGAffineTransform()) return;
+  if (isScaled() || !state_.clip.isBox()) {
+    composite(state_.clip, PixelMaskShape(mask, grid_), SpanPaint::solid(pixel),
+              NSCompositingOperation::copy);
+    return;
+  }
+  const PixelBox box = intersection(mask.box, state_.clip.box());
+  if (box.empty()) return;
+  fillMaskedRows(surface().pixels(box.x0, box.y0), surface().stride(), mask.at(box.x0, box.y0),
+                 mask.bytesPerRow, box.width(), box.height(), pixel);
+  surface().announcePainted(box);
+}
+
 void CGContext::stroke(const PathData& path, const StrokeStyle& style) {
-  paint(StrokeShape(renderer_, path, style, deviceTransform(), antialias()),
+  if (isScaled() && (style.width == 0 || style.join == LineJoin::miter)) {
+    const StrokeStyle pen = scaledPen(style);
+    strokeWith(path, pen);
+  } else {
+    strokeWith(path, style);
+  }
+}
+
+void CGContext::strokeWith(const PathData& path, const StrokeStyle& pen) {
+  paint(StrokeShape(renderer_, path, pen, coverStyle(state_.transform)),
         SpanPaint::solid(sourcePixel(state_.strokeColor, state_.operation)), state_.operation);
 }
 
@@ -202,8 +268,7 @@ void CGContext::addPath(const PathData& path) {
 
 void CGContext::clipToPath(WindingRule winding) {
   const PlacedPath placed = std::exchange(path_, {});
-  state_.clip = renderer_.clipToPath(placed.path, winding, toDevice(placed.transform), antialias(),
-                                     state_.clip);
+  state_.clip = clipped(placed.path, winding, placed.transform);
 }
 
 PathData CGContext::takePathInUserSpace() {
@@ -217,7 +282,8 @@ PathData CGContext::takePathInUserSpace() {
 
 void CGContext::replacePathWithStrokedPath() {
   const PathData path = takePathInUserSpace();
-  path_ = {renderer_.strokeOutline(path, state_.stroke, deviceTransform()), state_.transform};
+  path_ = {renderer_.strokeOutline(path, scaledPen(state_.stroke), deviceTransform()),
+           state_.transform};
 }
 
 // --- Gradients ---
@@ -247,7 +313,7 @@ template <class Axis>
 void CGContext::fillWithGradient(const PathData& path, WindingRule winding,
                                  const CGGradient& gradient, const Axis& axis) {
   if (!state_.shadow.visible()) {
-    paintGradient(FillShape(renderer_, path, fillStyle(winding)), gradient, axis,
+    paintGradient(FillShape(renderer_, path, winding, coverStyle(state_.transform)), gradient, axis,
                   GradientExtent::both);
     return;
   }
@@ -293,18 +359,44 @@ void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination, c
   const NSRect wanted = source == NSZeroRect ? whole : source;
   const NSRect part = NSIntersectionRect(whole, wanted);
   if (NSIsEmptyRect(part) || NSIsEmptyRect(destination)) return;
-  const ImagePlacement placement{
-      {{NSMinX(part), NSHeight(whole) - NSMaxY(part)}, part.size},
-      CGAffineTransformConcat(imageToUser(image, wanted, destination), deviceTransform())};
-  const PathData outline = pathOfRect(placement.part);
-  const FillShape shape(renderer_, outline,
-                        {WindingRule::nonZero, placement.toDevice, antialias()});
+  drawPart(image, {{NSMinX(part), NSHeight(whole) - NSMaxY(part)}, part.size},
+           CGAffineTransformConcat(imageToUser(image, wanted, destination), state_.transform),
+           operation, alpha);
+}
+
+void CGContext::drawReplacing(const NSBitmapImageRep& image, const NSRect& destination,
+                              CGFloat alpha) {
+  if (!isScaled()) {
+    draw(image, destination, NSZeroRect, NSCompositingOperation::destinationOut, 1);
+    draw(image, destination, NSZeroRect, NSCompositingOperation::sourceOver, alpha);
+    return;
+  }
+  // A device pixel may show the bitmap in a part of it: in the rest the ground stays whole, so what
+  // is painted is added to what was left.
+  beginTransparencyLayer(destination);
+  draw(image, destination, NSZeroRect, NSCompositingOperation::sourceOver, 1);
+  const Layer layer = takeLayer();
+  const CGContextStateScope state(*this);
+  state_.shadow = {};
+  state_.alpha = 1;
+  state_.operation = NSCompositingOperation::destinationOut;
+  paintLayer(layer.surface);
+  state_.alpha = alpha;
+  state_.operation = NSCompositingOperation::plusLighter;
+  paintLayer(layer.surface);
+}
+
+/// `part` and `toCanvas` are in image positions.
+void CGContext::drawPart(const NSBitmapImageRep& image, const NSRect& part,
+                         const CGAffineTransform& toCanvas, NSCompositingOperation operation,
+                         CGFloat alpha) {
+  const PathData outline = pathOfRect(part);
+  const FillShape shape(renderer_, outline, WindingRule::nonZero, coverStyle(toCanvas));
   PixelBox visible = shape.bounds(state_.clip.box());
   if (const auto shadow = dropShadow()) {
     visible = unionBox(visible, shape.bounds(castingBox(*shadow, state_.clip.box())));
   }
-  const PlacedImage placed =
-      placeImage(image, placement, qualityFor(state_.interpolation), visible);
+  const PlacedImage placed = placedPart(image, part, toCanvas, visible);
   if (placed.source == nullptr) return;
   const SpanPaint paint = SpanPaint::rows(*placed.source, unitToByte(alpha));
   castShadow(shape, paint, operation);
@@ -315,12 +407,32 @@ void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination, c
   compositeNothing(shape, rows, operation);
 }
 
+PlacedImage CGContext::placedPart(const NSBitmapImageRep& image, const NSRect& part,
+                                  const CGAffineTransform& toCanvas,
+                                  const PixelBox& visible) const {
+  const ImageQuality quality = qualityFor(state_.interpolation);
+  if (quality != ImageQuality::nearest || !isScaled()) {
+    return placeImage(image, {part, toDevice(toCanvas)}, quality, visible);
+  }
+  // Its pixels are those of the canvas, as far as it covers them.
+  const CGAffineTransform toPixels = toCanvasPixels(toCanvas);
+  const NSRect covered = CGRectApplyAffineTransform(part, toPixels);
+  DeviceBounds bounds(NSMinX(covered), NSMinY(covered), NSMaxX(covered), NSMaxY(covered));
+  bounds.grow(-1.0 / static_cast<double>(2 * grid::kOne));  // what is less is rounding noise
+  const PixelBox pixels = pixelsTouched(bounds, grid_.canvasBox(visible));
+  PlacedImage placed = placeImage(image, {part, toPixels}, quality, pixels);
+  if (placed.source == nullptr) return placed;
+  return {std::make_unique<ScaledRowSource>(std::move(placed.source), grid_, pixels),
+          {visible.y0, visible.y1}};
+}
+
 void CGContext::drawInDeviceSpace(const NSBitmapImageRep& image, int64_t x, int64_t y) {
-  const CGContextStateScope scope(*this);
-  state_.transform = {};
-  const CGFloat height = deviceTransform().ty;
-  draw(image, {{static_cast<CGFloat>(x), height - static_cast<CGFloat>(y) - image.size().height},
-               image.size()});
+  const CGAffineTransform placement =
+      CGAffineTransformMakeTranslation(static_cast<CGFloat>(x), static_cast<CGFloat>(y));
+  const CGAffineTransform toDevicePixels = toDevice({});
+  drawPart(image, {NSZeroPoint, image.size()},
+           CGAffineTransformConcat(placement, CGAffineTransformInvert(toDevicePixels)),
+           state_.operation, state_.alpha);
 }
 
 // --- Transparency layers ---
@@ -341,8 +453,9 @@ void CGContext::beginTransparencyLayer(const NSRect& content) {
   for (const NSPoint& corner : pathOfRect(content).points) {
     bounds.add(CGPointApplyAffineTransform(corner, deviceTransform()));
   }
-  // Edges are snapped to a grid and may reach into the next pixel.
-  bounds.grow(1);
+  // Edges are snapped to a grid and may reach into the next pixel, without antialiasing into that
+  // of the canvas.
+  bounds.grow(1 + (isScaled() ? grid_.scale : 0));
   beginTransparencyLayer(pixelsTouched(bounds, layerBox()));
 }
 

@@ -11,16 +11,37 @@
 #include "platform/graphics/context/GraphicsState.h"
 #include "platform/graphics/gradient/CGGradient.h"
 #include "platform/graphics/pixels/blur/DropShadow.h"
+#include "platform/graphics/pixels/coverage/CanvasGrid.h"
 #include "platform/graphics/pixels/coverage/CoverageShape.h"
+#include "platform/graphics/pixels/coverage/PixelMask.h"
 #include "platform/graphics/pixels/outline/PathData.h"
 #include "platform/graphics/pixels/paint/GradientSource.h"
 #include "platform/graphics/pixels/paint/PixelSurface.h"
 #include "platform/graphics/pixels/paint/RowSource.h"
+#include "platform/graphics/resample/PlacedImage.h"
 
 class AlphaMask;
 
-/// Draws onto one bitmap. User space starts with its origin at the bitmap's bottom left corner, y
-/// upwards, one unit per pixel.
+/// What of a canvas a bitmap shows, and how large.
+struct CanvasView {
+  NSSize canvas;      ///< in canvas units
+  CGFloat scale = 1;  ///< device pixels a canvas unit
+  /// Device position of the canvas's upper left corner.
+  NSPoint corner{};
+  /// Where the canvas ends inside of a device pixel, what ends with it ends with that pixel.
+  bool fillsLastPixels = false;
+  /// The device pixel that is the bitmap's upper left one.
+  int32_t x = 0;
+  int32_t y = 0;
+};
+
+/// Draws onto one bitmap. User space starts with its origin at the canvas's bottom left corner, y
+/// upwards, in canvas units. At scale 1 those are pixels.
+///
+/// At another scale the picture is the same one, larger or smaller: lengths that are not in user
+/// space (shadows, lines of width 0) are in canvas units, and so are the pixels that shapes without
+/// antialiasing and pictures without interpolation are made of. What draws needs to know nothing of
+/// it; bitmaps that are made to be drawn are made with OffscreenCanvas.
 ///
 /// Every painting call combines with the bitmap by the state's operation where its shape has
 /// coverage inside the clip, in proportion to that coverage, and touches no other pixel. The
@@ -33,10 +54,9 @@ class CGContext {
  public:
   /// A null or empty bitmap makes a context that paints nothing.
   explicit CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap);
-  /// The bitmap shows a part of a canvas of `canvasHeight` pixels, whose device space is that of
-  /// the whole: its upper left pixel is the device pixel (x, y). What is drawn outside is dropped.
-  CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, int32_t x, int32_t y,
-            int64_t canvasHeight);
+  /// The bitmap shows a part of a canvas, whose device space is that of the whole. What is drawn
+  /// outside is dropped; a scale that is not above 0 paints nothing.
+  CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, const CanvasView& view);
   CGContext(const CGContext&) = delete;
   CGContext& operator=(const CGContext&) = delete;
 
@@ -47,6 +67,13 @@ class CGContext {
   const GraphicsState& state() const { return state_; }
   /// User space to device space: pixels, rows counted from the top.
   CGAffineTransform deviceTransform() const { return toDevice(state_.transform); }
+  /// What of the canvas can show, in canvas units: the box around the clip, and the two pixels
+  /// beyond it from which interpolated pictures take colour.
+  NSRect visibleCanvasRect() const;
+  /// In whole units.
+  NSSize canvasSize() const { return {grid_.width, grid_.height}; }
+  /// Device pixels a canvas unit: what offscreen bitmaps are made with. Draws do not ask for it.
+  CGFloat scale() const { return grid_.scale; }
 
   void setAlpha(CGFloat alpha) { state_.alpha = alpha; }
   void setOperation(NSCompositingOperation operation) { state_.operation = operation; }
@@ -73,6 +100,12 @@ class CGContext {
   /// Paints the fill colour through a mask in device space, moved by whole pixels.
   void fill(const AlphaMask& mask, int32_t dx, int32_t dy);
 
+  /// Gives canvas pixels one value, as it is and whatever the state but for the clip; only without
+  /// a transform.
+  void replacePixels(const PixelMask& mask, uint32_t pixel);
+  /// Whether neither a transform nor a clip is in force.
+  bool paintsWholeCanvas() const;
+
   /// Draws the line along a path. The pen is in user space units: the transform shapes it.
   void stroke(const PathData& path, const StrokeStyle& style);
 
@@ -94,8 +127,11 @@ class CGContext {
             NSCompositingOperation operation, CGFloat alpha);
   /// The whole bitmap with the state's operation and alpha.
   void draw(const NSBitmapImageRep& image, const NSRect& destination);
-  /// The same pixel for pixel, whatever the transform: the bitmap's upper left corner comes to a
-  /// pixel in device space.
+  /// Erases what lies under the bitmap, as far as that is opaque, and then paints it there: it
+  /// replaces what was there however translucent `alpha` makes it.
+  void drawReplacing(const NSBitmapImageRep& image, const NSRect& destination, CGFloat alpha);
+  /// Pixel for pixel, whatever transform and scale: the bitmap's upper left corner comes to
+  /// a pixel in device space.
   void drawInDeviceSpace(const NSBitmapImageRep& image, int64_t x, int64_t y);
 
   // The current path belongs to the context, not to its state. Its points are fixed by the
@@ -133,12 +169,23 @@ class CGContext {
     CGAffineTransform transform;
   };
 
+  const PixelSurface& surface() const { return layers_.empty() ? bitmap_ : layers_.back().surface; }
   PixelSurface& surface() { return layers_.empty() ? bitmap_ : layers_.back().surface; }
-  CGAffineTransform toDevice(const CGAffineTransform& toBitmap) const;
+  bool isScaled() const { return grid_.scale != 1; }
+  CGAffineTransform toDevice(const CGAffineTransform& toCanvas) const;
+  CGAffineTransform toCanvasPixels(const CGAffineTransform& toCanvas) const;
   /// The current path in user space, which is left empty; nothing when user space is singular.
   PathData takePathInUserSpace();
-  Antialias antialias() const { return state_.antialias ? Antialias::on : Antialias::off; }
-  FillStyle fillStyle(WindingRule winding) const;
+  /// How shapes given in a space are covered: canvas pixel by canvas pixel where they have edges.
+  CoverStyle coverStyle(const CGAffineTransform& toCanvas) const;
+  ClipRegion clipped(const PathData& path, WindingRule winding, const CGAffineTransform& toCanvas);
+  /// The pen with what it needs to know of the scale.
+  StrokeStyle scaledPen(StrokeStyle style) const;
+  void strokeWith(const PathData& path, const StrokeStyle& pen);
+  PlacedImage placedPart(const NSBitmapImageRep& image, const NSRect& part,
+                         const CGAffineTransform& toCanvas, const PixelBox& visible) const;
+  void drawPart(const NSBitmapImageRep& image, const NSRect& part,
+                const CGAffineTransform& toCanvas, NSCompositingOperation operation, CGFloat alpha);
   std::optional<DropShadow> dropShadow() const;
   PixelBox layerBox() const;
   void beginTransparencyLayer(const PixelBox& box);
@@ -167,7 +214,7 @@ class CGContext {
 
   PathRenderer renderer_;
   PixelSurface bitmap_;
-  CGFloat canvasHeight_;
+  CanvasGrid grid_;
   std::vector<Layer> layers_;
   GraphicsState state_;
   PlacedPath path_;

@@ -16,8 +16,9 @@ enum class NSImageInterpolation : uint8_t {
   high = 3,       ///< the resampling filter; bilinear under rotation
 };
 
-/// A drop shadow. The offset is in the bitmap's own axes (x to the right, y up, pixels), whatever
-/// the transform; `blur` is the distance in pixels that the shadow reaches beyond the shape.
+/// A drop shadow. The offset is in the canvas's own axes (x to the right, y up, canvas units),
+/// whatever the transform; `blur` is the distance in canvas units that the shadow reaches beyond
+/// the shape.
 struct ShadowStyle {
   NSSize offset;
   CGFloat blur = 0;
@@ -29,7 +30,7 @@ struct ShadowStyle {
 
 /// What saving and restoring the state of a drawing context keeps.
 struct GraphicsState {
-  CGAffineTransform transform;  ///< user space to bitmap space, both y upwards
+  CGAffineTransform transform;  ///< user space to the canvas, both y upwards
   ClipRegion clip;              ///< device pixels, rows from the top; inside the surface
   CGFloat alpha = 1;
   NSCompositingOperation operation = NSCompositingOperation::sourceOver;

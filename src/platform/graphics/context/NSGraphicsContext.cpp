@@ -70,10 +70,9 @@ ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap) : bitmap_(s
   ZTLockFocus(bitmap_);
 }
 
-ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x, int32_t y,
-                           int64_t canvasHeight)
+ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, const CanvasView& view)
     : bitmap_(std::move(bitmap)) {
-  auto context = std::make_shared<NSGraphicsContext>(bitmap_, x, y, canvasHeight);
+  auto context = std::make_shared<NSGraphicsContext>(bitmap_, view);
   NSGraphicsContext::saveGraphicsState();
   NSGraphicsContext::setCurrentContext(std::move(context));
 }

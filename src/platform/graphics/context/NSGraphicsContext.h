@@ -24,9 +24,8 @@ class NSGraphicsContext {
   static void restoreGraphicsState();
 
   explicit NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap);
-  NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, int32_t x, int32_t y,
-                    int64_t canvasHeight)
-      : port_(bitmap, x, y, canvasHeight) {}
+  NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, const CanvasView& view)
+      : port_(bitmap, view) {}
 
   CGContext* graphicsPort() { return &port_; }
 
@@ -58,8 +57,7 @@ class ZTFocusScope {
  public:
   explicit ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap);
   /// Of a bitmap that shows a part of a canvas (see CGContext).
-  ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, int32_t x, int32_t y,
-               int64_t canvasHeight);
+  ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, const CanvasView& view);
   ZTFocusScope(const ZTFocusScope&) = delete;
   ZTFocusScope& operator=(const ZTFocusScope&) = delete;
   ~ZTFocusScope();

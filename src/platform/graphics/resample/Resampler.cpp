@@ -95,7 +95,8 @@ const uint8_t* Resampler::row(int64_t y) {
   const int64_t end = std::min(rowWindow_.end(), used.end);
   auto& weights = rowWindow_.weights;
   weights.erase(weights.begin(), weights.begin() + (first - rowWindow_.first));
-  if (copies_ && rowWindow_.end() - rowWindow_.first == 1) return cellRow(first);
+  // What is left of a window at the edge of the used rows may be a single one of less weight.
+  if (copies_ && weights.size() == 1 && weights[0] == 1 << kFilterBits) return cellRow(first);
 
   rows_.clear();
   for (int64_t cell = first; cell < end; ++cell) rows_.push_back(cellRow(cell));

@@ -109,6 +109,15 @@ TEST(Resampler, MatchesDoublePrecisionReference) {
   }
 }
 
+TEST(Resampler, RowsBesideTheUsedOnesOfMovedPicturesToo) {
+  // Of the first row that shows anything a single pixel of the window is left, of little weight.
+  const auto source = NSBitmapImageRep::create(6, 20);
+  for (int64_t y = 8; y < 12; ++y) std::memset(source->writableRows(y, y + 1), 255, 24);
+  const ResampleMapping moved{{{0, 0}, {6, 20}}, {{0, 0.3}, {6, 20}}};
+  const PixelBox all{0, 0, 6, 21};
+  EXPECT_LE(maxDifference(*resample(*source, moved, all), *reference(*source, moved, all)), 1);
+}
+
 TEST(Resampler, AveragingBeforeStrongReductionIsInvisible) {
   // Both sizes leave a part of a cell at the far border.
   const auto source = makeBitmap(1001, 803, [](int64_t x, int64_t y) {

@@ -9,10 +9,11 @@
 #include "platform/graphics/pixels/paint/RGBAColor.h"
 #include "platform/graphics/pixels/paint/RowSource.h"
 
-/// A shadow in device space: moved by whole pixels, y downwards; see BlurredRows.
+/// A shadow in device space, y downwards; see BlurredRows. On a canvas that is shown at a scale the
+/// offset may be a fraction of a pixel.
 struct DropShadow {
-  int32_t dx = 0;
-  int32_t dy = 0;
+  double dx = 0;
+  double dy = 0;
   double blur = 0;
   RGBAColor color;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/pixels/PixelBox.h"
+#include "platform/graphics/pixels/coverage/CanvasGrid.h"
 #include "platform/graphics/pixels/coverage/ClipRegion.h"
 #include "platform/graphics/pixels/coverage/CoverageRun.h"
 #include "platform/graphics/pixels/coverage/PathRenderer.h"
@@ -34,19 +35,21 @@ class BoxShape final : public CoverageShape {
   PixelBox box_;
 };
 
-/// How a path in user space becomes device pixels.
-struct FillStyle {
-  WindingRule winding = WindingRule::nonZero;
+/// How user space becomes device pixels.
+struct CoverStyle {
   CGAffineTransform toDevice;
   Antialias antialias = Antialias::on;
+  /// When set, `toDevice` leads to canvas pixels, whose coverage is scaled. Must outlive the shape.
+  const CanvasGrid* grid = nullptr;
 };
 
 /// The inside of a path.
 class FillShape final : public CoverageShape {
  public:
   /// The path and the renderer must outlive the shape.
-  FillShape(PathRenderer& renderer, const PathData& path, const FillStyle& style)
-      : renderer_(renderer), path_(path), style_(style) {}
+  FillShape(PathRenderer& renderer, const PathData& path, WindingRule winding,
+            const CoverStyle& style)
+      : renderer_(renderer), path_(path), winding_(winding), style_(style) {}
   PixelBox bounds(const PixelBox& box) const override;
   void cover(const ClipRegion& clip, CoverageSink& sink) const override;
   bool fills(const PixelBox& box) const override;
@@ -54,7 +57,8 @@ class FillShape final : public CoverageShape {
  private:
   PathRenderer& renderer_;
   const PathData& path_;
-  FillStyle style_;
+  WindingRule winding_;
+  CoverStyle style_;
 };
 
 /// The line along a path.
@@ -62,12 +66,8 @@ class StrokeShape final : public CoverageShape {
  public:
   /// The path, the style and the renderer must outlive the shape.
   StrokeShape(PathRenderer& renderer, const PathData& path, const StrokeStyle& style,
-              const CGAffineTransform& toDevice, Antialias antialias)
-      : renderer_(renderer),
-        path_(path),
-        style_(style),
-        toDevice_(toDevice),
-        antialias_(antialias) {}
+              const CoverStyle& cover)
+      : renderer_(renderer), path_(path), style_(style), cover_(cover) {}
   PixelBox bounds(const PixelBox& box) const override;
   void cover(const ClipRegion& clip, CoverageSink& sink) const override;
   bool fills(const PixelBox&) const override { return false; }
@@ -76,6 +76,5 @@ class StrokeShape final : public CoverageShape {
   PathRenderer& renderer_;
   const PathData& path_;
   const StrokeStyle& style_;
-  CGAffineTransform toDevice_;
-  Antialias antialias_;
+  CoverStyle cover_;
 };

@@ -39,6 +39,18 @@ std::optional<PixelBox> uncutPixels(const DeviceBounds& r, Antialias antialias,
   return pixelsTouched(onGrid, box);
 }
 
+/// The end of the pixel that the canvas ends in, for positions there.
+double extendedEdge(double v, double canvasEnd) {
+  constexpr double kNear = 1.0 / static_cast<double>(grid::kOne);
+  return std::fabs(v - canvasEnd) < kNear ? std::ceil(canvasEnd - kNear) : v;
+}
+
+void extendAll(std::vector<NSPoint>& points, NSPoint canvasEnd) {
+  for (NSPoint& p : points) {
+    p = {extendedEdge(p.x, canvasEnd.x), extendedEdge(p.y, canvasEnd.y)};
+  }
+}
+
 /// Calls `emit` with a sink that passes on to `sink` what lies inside `clip`.
 template <class Emit>
 void emitThrough(const ClipRegion& clip, CoverageSink& sink, Emit emit) {
@@ -115,14 +127,23 @@ void PathRenderer::fillPath(const PathData& path, WindingRule winding,
                             const ClipRegion& clip, CoverageSink& sink) {
   if (clip.isEmpty()) return;
   if (const auto rectangle = deviceRectangle(path, toDevice)) {
-    fillRectangle(*rectangle, antialias, clip, sink);
+    fillRectangle(extended(*rectangle), antialias, clip, sink);
     return;
   }
   const PixelBox box = fillBox(path, toDevice, clip.box());
   if (box.empty()) return;
   const DeviceBounds visible(box);
   if (!flattenPath(path, toDevice, {kFillTolerance, &visible}, flat_)) return;
+  if (canvasEnd_) extendAll(flat_.points, *canvasEnd_);
   fillFlat({winding, antialias}, box, clip, sink);
+}
+
+DeviceBounds PathRenderer::extended(DeviceBounds rectangle) const {
+  if (canvasEnd_) {
+    rectangle.x1 = extendedEdge(rectangle.x1, canvasEnd_->x);
+    rectangle.y1 = extendedEdge(rectangle.y1, canvasEnd_->y);
+  }
+  return rectangle;
 }
 
 void PathRenderer::fillRectangle(const DeviceBounds& rectangle, Antialias antialias,
@@ -181,16 +202,11 @@ ClipRegion PathRenderer::clipToPath(const PathData& path, WindingRule winding,
                                     const CGAffineTransform& toDevice, Antialias antialias,
                                     const ClipRegion& clip) {
   if (const auto rectangle = deviceRectangle(path, toDevice)) {
-    if (const auto box = uncutPixels(*rectangle, antialias, clip.box())) {
+    if (const auto box = uncutPixels(extended(*rectangle), antialias, clip.box())) {
       return clip.intersected(*box);
     }
   }
   CoverageRowsBuilder builder;
   fillPath(path, winding, toDevice, antialias, clip, builder);
   return ClipRegion(builder.finish());
-}
-
-ClipRegion PathRenderer::clipToRect(const NSRect& rect, const CGAffineTransform& toDevice,
-                                    Antialias antialias, const ClipRegion& clip) {
-  return clipToPath(pathOfRect(rect), WindingRule::nonZero, toDevice, antialias, clip);
 }

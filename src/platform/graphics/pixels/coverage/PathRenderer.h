@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/pixels/coverage/ClipRegion.h"
 #include "platform/graphics/pixels/coverage/CoverageRun.h"
@@ -22,6 +24,10 @@
 /// Owns the buffers that drawing needs, so keep one per context; one renderer serves one thread.
 class PathRenderer {
  public:
+  /// Where the canvas ends on the device, when that is inside of a pixel: rectangles and fills that
+  /// end there end with that pixel.
+  void setCanvasEnd(NSPoint end) { canvasEnd_ = end; }
+
   /// Fills the area inside the path; open subpaths are closed.
   void fillPath(const PathData& path, WindingRule winding, const CGAffineTransform& toDevice,
                 Antialias antialias, const ClipRegion& clip, CoverageSink& sink);
@@ -36,14 +42,10 @@ class PathRenderer {
   PathData strokeOutline(const PathData& path, const StrokeStyle& style,
                          const CGAffineTransform& toDevice);
 
-  /// The part of `clip` inside the path. An empty path leaves nothing.
+  /// The part of `clip` inside the path. An empty path leaves nothing. Of a rectangle a box stays a
+  /// box when the edges lie on pixel edges or antialiasing is off.
   ClipRegion clipToPath(const PathData& path, WindingRule winding,
                         const CGAffineTransform& toDevice, Antialias antialias,
-                        const ClipRegion& clip);
-
-  /// The part of `clip` inside the rectangle; a box stays one when the edges lie on pixel edges
-  /// or antialiasing is off.
-  ClipRegion clipToRect(const NSRect& rect, const CGAffineTransform& toDevice, Antialias antialias,
                         const ClipRegion& clip);
 
  private:
@@ -52,6 +54,10 @@ class PathRenderer {
   void fillFlat(const CoverRule& rule, const PixelBox& box, const ClipRegion& clip,
                 CoverageSink& sink);
 
+  /// `rectangle` to the end of the pixels that the canvas ends in.
+  DeviceBounds extended(DeviceBounds rectangle) const;
+
+  std::optional<NSPoint> canvasEnd_;
   FlatPath flat_;
   StrokeGeometry stroke_;
   ThinLines thinLines_;

@@ -32,9 +32,9 @@ struct SingularValues {
   }
 };
 
-/// Width on the device; 0 becomes one pixel.
+/// Width on the device.
 double penWidth(const StrokeStyle& style, double scale) {
-  return style.width == 0 ? 1 : std::min(style.width * scale, kWidestPen);
+  return style.width == 0 ? style.canvasPixel : std::min(style.width * scale, kWidestPen);
 }
 
 double capReach(LineCap cap) {
@@ -116,8 +116,11 @@ bool StrokeGeometry::prepare(const PathData& path, const StrokeStyle& style,
   const bool dashed = dashes == Dashes::apply && !style.dash.empty();
   DeviceBounds reached = visible;
   reached.grow(strokeReach(style, toDevice));
+  // Miters continue the directions of chords, so they are right where chords are as on the canvas.
+  const double finest = style.join == LineJoin::miter ? std::min(1.0, style.canvasPixel) : 1;
   // Dashing needs the length of what is out of sight.
-  if (!flattenPath(path, toDevice, {kStrokeTolerance, dashed ? nullptr : &reached}, flat_)) {
+  if (!flattenPath(path, toDevice, {kStrokeTolerance * finest, dashed ? nullptr : &reached},
+                   flat_)) {
     return false;
   }
   if (!space_.isDevice) transformAll(flat_.points, space_.fromDevice);
@@ -126,7 +129,7 @@ bool StrokeGeometry::prepare(const PathData& path, const StrokeStyle& style,
     dash(style, space_.isDevice ? reached : transformed(reached, space_.fromDevice));
   }
   if (style.width == 0 && !space_.isDevice) {
-    // A line of one device pixel is as wide in all directions there.
+    // A line of one pixel is as wide in all directions on the device.
     transformAll(lines_ == &flat_ ? flat_.points : dashes_.points, space_.toDevice);
     space_.isDevice = true;
   }

@@ -62,6 +62,50 @@ const uint32_t* MovedImageSource::row(int32_t x, int32_t y, int32_t n, uint32_t*
   return buffer;
 }
 
+ScaledRowSource::Shown ScaledRowSource::shown(double from, double to, int32_t low,
+                                              int32_t high) const {
+  const double a = std::clamp<double>(from, low, high);
+  const double b = std::clamp<double>(to, low, high);
+  const auto first = std::min(static_cast<int32_t>(a + CanvasGrid::kNoise), high - 1);
+  const auto end = static_cast<int32_t>(std::ceil(b - CanvasGrid::kNoise));
+  return {first, std::max(end, first + 1), a, b};
+}
+
+const uint32_t* ScaledRowSource::row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) {
+  const auto canvasX = [this](int64_t at) {
+    return (static_cast<double>(at) - grid_.x) / grid_.scale;
+  };
+  const double step = 1 / grid_.scale;
+  const double top = (y - grid_.y) * step;
+  const Shown rows = shown(top, top + step, visible_.y0, visible_.y1);
+  const Shown all = shown(canvasX(x), canvasX(int64_t{x} + n), visible_.x0, visible_.x1);
+  pixels_.resize(static_cast<size_t>(all.end - all.first));
+  sums_.assign(static_cast<size_t>(n) * 5, 0.0);
+  for (int32_t r = rows.first; r < rows.end; ++r) {
+    const uint32_t* const from = canvas_->row(all.first, r, all.end - all.first, pixels_.data());
+    for (int32_t i = 0; i < n; ++i) {
+      const Shown columns =
+          shown(canvasX(int64_t{x} + i), canvasX(int64_t{x} + i + 1), visible_.x0, visible_.x1);
+      double* const sum = &sums_[static_cast<size_t>(i) * 5];
+      for (int32_t c = columns.first; c < columns.end; ++c) {
+        const double weight = columns.weight(c) * rows.weight(r);
+        const uint32_t pixel = from[c - all.first];
+        for (int k = 0; k < 4; ++k) sum[k] += weight * (pixel >> (8 * k) & 0xff);
+        sum[4] += weight;
+      }
+    }
+  }
+  for (int32_t i = 0; i < n; ++i) {
+    const double* const sum = &sums_[static_cast<size_t>(i) * 5];
+    buffer[i] = 0;
+    if (!(sum[4] > 0)) continue;
+    for (int k = 0; k < 4; ++k) {
+      buffer[i] |= static_cast<uint32_t>(std::lrint(sum[k] / sum[4])) << (8 * k);
+    }
+  }
+  return buffer;
+}
+
 TransformedImageSource::TransformedImageSource(const PixelBuffer& image, const ImagePart& part,
                                                const CGAffineTransform& deviceToImage,
                                                SamplingFilter filter)

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
 
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/pixels/PixelBox.h"
 #include "platform/graphics/pixels/PixelBuffer.h"
+#include "platform/graphics/pixels/coverage/CanvasGrid.h"
 #include "platform/graphics/pixels/paint/RowSource.h"
 
 /// A bitmap moved by whole pixels: device position (x, y) shows its pixel (x + dx, y + dy), rows
@@ -20,6 +25,34 @@ class MovedImageSource final : public RowSource {
   const PixelBuffer& image_;
   int32_t dx_;
   int32_t dy_;
+};
+
+/// Paint of canvas pixels, for a device that shows the canvas at a scale: each device pixel has the
+/// mean of what it shows, so canvas pixels are repeated where the canvas is enlarged.
+class ScaledRowSource final : public RowSource {
+ public:
+  /// The canvas pixels that are asked for lie in `visible`.
+  ScaledRowSource(std::unique_ptr<RowSource> canvas, const CanvasGrid& grid,
+                  const PixelBox& visible)
+      : canvas_(std::move(canvas)), grid_(grid), visible_(visible) {}
+  const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override;
+
+ private:
+  /// What a device pixel shows in one direction: whole pixels and parts of pixels.
+  struct Shown {
+    int32_t first;
+    int32_t end;
+    double from;
+    double to;
+    double weight(int32_t at) const { return std::fmin(to, at + 1) - std::fmax(from, at); }
+  };
+  Shown shown(double from, double to, int32_t low, int32_t high) const;
+
+  std::unique_ptr<RowSource> canvas_;
+  CanvasGrid grid_;
+  PixelBox visible_;
+  std::vector<uint32_t> pixels_;
+  std::vector<double> sums_;
 };
 
 /// Columns [x0, x1) and rows [y0, y1), from the top, of a bitmap.

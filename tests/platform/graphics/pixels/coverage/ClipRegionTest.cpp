@@ -85,7 +85,7 @@ TEST(ClipRegion, WholePixelRectanglesStayBoxes) {
   PathRenderer renderer;
   const ClipRegion canvas(kCanvas);
   const auto clip = [&](const NSRect& r, Antialias antialias) {
-    return renderer.clipToRect(r, kIdentity, antialias, canvas);
+    return renderer.clipToPath(pathOfRect(r), WindingRule::nonZero, kIdentity, antialias, canvas);
   };
   EXPECT_TRUE(clip(NSMakeRect(3, 4, 20, 30), Antialias::on).isBox());
   EXPECT_EQ(clip(NSMakeRect(3, 4, 20, 30), Antialias::on).box(), (PixelBox{3, 4, 23, 34}));
@@ -99,7 +99,10 @@ TEST(ClipRegion, WholePixelRectanglesStayBoxes) {
   EXPECT_EQ(clip(NSMakeRect(-1e9, -1e9, 2e9, 2e9), Antialias::on).box(), kCanvas);
   // A rotation by a quarter keeps rectangles.
   const CGAffineTransform quarter{0, 1, -1, 0, 50, 0};
-  EXPECT_EQ(renderer.clipToRect(NSMakeRect(3, 4, 20, 30), quarter, Antialias::on, canvas).box(),
+  EXPECT_EQ(renderer
+                .clipToPath(pathOfRect(NSMakeRect(3, 4, 20, 30)), WindingRule::nonZero, quarter,
+                            Antialias::on, canvas)
+                .box(),
             (PixelBox{16, 3, 46, 23}));
 }
 

@@ -1,14 +1,19 @@
-#include "draw/raster/MaskKernels.h"
+#include "platform/graphics/pixels/paint/MaskKernels.h"
 
 #include <algorithm>
 #include <cstring>
 
+#include "platform/machine/ParallelRows.h"
 #include "platform/machine/TargetClones.h"
 
 namespace {
 
 /// Masks are looked at in pieces of this many bytes, whose pixels take a page.
 constexpr size_t kPiece = 1024;
+
+/// Pixels from which rows are filled in parallel. One thread fills 32 million in 5 milliseconds;
+/// on two busy processors a second one gained nothing below that, and nearly half at 64 million.
+constexpr int64_t kParallelPixels = 32'000'000;
 
 bool isUniform(const uint8_t* mask, size_t count) {
   return std::memcmp(mask, mask + 1, count - 1) == 0;
@@ -38,6 +43,20 @@ void fillMasked(uint32_t* pixels, const uint8_t* mask, size_t count, uint32_t va
     } else if (mask[x] != 0) {
       fillAll(pixels + x, n, value);
     }
+  }
+}
+
+void fillMaskedRows(uint32_t* pixels, int64_t stride, const uint8_t* mask, int64_t maskStride,
+                    int64_t count, int64_t rows, uint32_t value) {
+  const auto fill = [&](int64_t first, int64_t end) {
+    for (int64_t y = first; y < end; ++y) {
+      fillMasked(pixels + y * stride, mask + y * maskStride, static_cast<size_t>(count), value);
+    }
+  };
+  if (count * rows < kParallelPixels) {
+    fill(0, rows);
+  } else {
+    inParallel(rows, fill);
   }
 }
 
