@@ -1,4 +1,4 @@
-// A whole document: decode it, compose it, write it again.
+// A whole document: decode it, compose it at several scales, record it, write it again.
 #include "document/PaintManager.h"
 #include "platform/foundation/NSException.h"
 #include "platform/foundation/values/NSData.h"
@@ -23,6 +23,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     document->setSize({kSide, kSide});
   }
   document->fullImage();
+  document->composedImage(0.3);
+  document->composedImage(NSMakeRect(7, 9, 20, 20), 2.5);
+  document->recordedDrawing();
   try {
     document->paintDataWithResolution(resolution);
   } catch (const NSException&) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "draw/core/DrawPainting.h"
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
@@ -124,7 +125,7 @@ void DrawGroup::_draw(CastShadow) {
 
 void DrawGroup::drawSubDraws(NSBitmapImageRep* image) {
   for (const auto& draw : aryDraws_) {
-    if (draw->visible()) draw->drawInImage(image);
+    if (draw->visible()) paintDraw(*draw, image);
   }
 }
 

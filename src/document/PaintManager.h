@@ -16,6 +16,7 @@
 #include "platform/pictures/PictureSession.h"
 
 class DrawGroup;
+class DrawingRecord;
 class DrawImage2;
 class NSBitmapImageRep;
 class NSColor;
@@ -197,6 +198,9 @@ class PAINT_API PaintManager : public NSObject {
   std::shared_ptr<NSBitmapImageRep> composedImage(const NSRect& part, CGFloat scale = 1);
   /// The longest canvas has more than a pixel at this one.
   static constexpr CGFloat kSmallestScale = 1.0 / (1 << 20);
+  /// What composing the canvas paints, as data; without failing pictures, which are found when
+  /// their pixels are made.
+  std::shared_ptr<const DrawingRecord> recordedDrawing();
   /// The composed canvas as it stands: maybe null, maybe stale.
   const std::shared_ptr<NSBitmapImageRep>& imageWithoutRefreshing() const { return image_; }
   void refreshImage();

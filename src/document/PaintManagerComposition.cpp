@@ -4,11 +4,13 @@
 #include <cstring>
 
 #include "document/PaintManager.h"
+#include "draw/core/DrawPainting.h"
 #include "draw/image/DrawImage2.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
 #include "platform/graphics/path/NSBezierPath.h"
+#include "platform/graphics/record/DrawingRecord.h"
 
 namespace {
 
@@ -64,6 +66,19 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(const NSRect& part
   return image;
 }
 
+std::shared_ptr<const DrawingRecord> PaintManager::recordedDrawing() {
+  auto record = std::make_shared<DrawingRecord>(size_);
+  const PictureSessionScope session(pictures_);
+  pictures_.begin();
+  const ZTFocusScope focus(record, size_);
+  const auto mask = backgroundMask();
+  // Some draws ask whether they paint into the bitmap of the document.
+  const auto none = NSBitmapImageRep::create(1, 1);
+  paintDraws(none.get(), aryDraw_.size());
+  if (mask != nullptr) applyBackgroundMask(*mask);
+  return record;
+}
+
 PictureFailure PaintManager::pictureFailure(DrawBase& draw) {
   const PictureSessionScope session(pictures_);
   return draw.pictureFailure();
@@ -105,7 +120,7 @@ void PaintManager::paintDraws(NSBitmapImageRep* bitmap, size_t count) const {
   paintBackgroundColor({NSZeroPoint, size_});
   NSGraphicsContext::currentContext()->setCompositingOperation(NSCompositingOperation::sourceOver);
   for (size_t i = 0; i < count; ++i) {
-    if (aryDraw_[i]->visible()) aryDraw_[i]->drawInImage(bitmap);
+    if (aryDraw_[i]->visible()) paintDraw(*aryDraw_[i], bitmap);
     if (progressHandler_) progressHandler_(i + 1, aryDraw_.size());
   }
 }

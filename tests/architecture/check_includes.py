@@ -19,7 +19,7 @@ ROOMS = {
         platform/foundation platform/foundation/archive platform/foundation/collections
         platform/foundation/values platform/graphics platform/graphics/bitmap
         platform/graphics/color platform/graphics/context platform/graphics/path
-        platform/pictures""",
+        platform/graphics/record platform/pictures""",
     "draw/core": """platform/foundation platform/foundation/archive
         platform/foundation/collections platform/foundation/values platform/graphics/color
         platform/graphics/context platform/graphics/gradient platform/graphics/path
@@ -89,9 +89,10 @@ ROOMS = {
 
     "platform/graphics": """platform/graphics/bitmap platform/graphics/color
         platform/graphics/context platform/graphics/gradient platform/graphics/path""",
+    "platform/graphics/record": "platform/foundation platform/graphics/context",
     "platform/graphics/context": """platform/foundation platform/foundation/values
         platform/graphics/bitmap platform/graphics/color platform/graphics/gradient
-        platform/graphics/path platform/graphics/pixels/blur
+        platform/graphics/path platform/graphics/pixels platform/graphics/pixels/blur
         platform/graphics/pixels/coverage platform/graphics/pixels/outline
         platform/graphics/pixels/paint platform/graphics/resample""",
     "platform/graphics/resample": """platform/foundation platform/graphics/bitmap

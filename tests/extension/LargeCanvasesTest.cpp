@@ -121,7 +121,7 @@ TEST(LargeCanvases, DISABLED_500RandomOnes) {
       if (d->mean <= 0.3 && d->beyond16 <= 0.001) continue;
       ++beyond;
       std::cout << what << " at " << side << ": " << d->mean << " levels, " << 100 * d->beyond16
-                << " % beyond 16\n";
+                << " % beyond 16" << std::endl;
     }
   };
   for (unsigned seed = 1; seed <= 500; ++seed) {

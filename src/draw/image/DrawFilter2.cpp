@@ -1,7 +1,9 @@
 #include "draw/image/DrawFilter2.h"
 
 #include "draw/image/BitmapHelpers.h"
+#include "draw/image/BitmapSources.h"
 #include "platform/foundation/collections/NSDictionary.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 
 const NSClass DrawFilter2::kClass{"DrawFilter2", &DrawImage2::kClass, NSAllocate<DrawFilter2>};
 
@@ -32,7 +34,17 @@ void DrawFilter2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
   dropEffect();
 }
 
+std::shared_ptr<const BitmapSource> DrawFilter2::pictureSource() const {
+  if (auto effect = cachedEffect()) return std::make_shared<HeldPicture>(std::move(effect));
+  auto plain = DrawImage2::pictureSource();
+  if (plain == nullptr || dicFilterSettings_ == nullptr) return plain;
+  return std::make_shared<FilteredPicture>(
+      std::move(plain), dFilterType_, std::make_shared<NSMutableDictionary>(*dicFilterSettings_),
+      imageScissor_);
+}
+
 std::shared_ptr<NSBitmapImageRep> DrawFilter2::imageForDrawing() {
+  if (isRecordingDrawing()) return image();
   if (auto effect = cachedEffect()) return effect;
   // A picture that is decoded anew for every drawing takes its effect along when it goes.
   return effectOf(image(), keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);

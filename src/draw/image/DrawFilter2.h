@@ -35,4 +35,7 @@ class DrawFilter2 : public DrawImage2, public ImageFilterMembers {
   bool setDrawAttributes(const NSDictionary& attributes) override;
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
+
+ protected:
+  std::shared_ptr<const BitmapSource> pictureSource() const override;
 };

@@ -4,6 +4,7 @@
 
 #include "draw/core/DrawAttributes.h"
 #include "draw/image/BitmapHelpers.h"
+#include "draw/image/BitmapSources.h"
 #include "draw/image/DrawPDF.h"
 #include "draw/image/DrawSVG.h"
 #include "platform/foundation/values/NSData.h"
@@ -45,7 +46,16 @@ std::shared_ptr<NSBitmapImageRep> DrawImage2::cachedImage() const {
   return madeScale_ == offscreenScale() ? madeImage_.lock() : nullptr;
 }
 
+std::shared_ptr<const BitmapSource> DrawImage2::pictureSource() const {
+  if (_image != nullptr) return std::make_shared<HeldPicture>(_image);
+  return encoded_ != nullptr ? std::make_shared<EncodedPicture>(encoded_) : nullptr;
+}
+
 std::shared_ptr<NSBitmapImageRep> DrawImage2::image() const {
+  if (isRecordingDrawing()) {
+    auto source = pictureSource();
+    return source != nullptr ? bitmapToDraw(std::move(source)) : nullptr;
+  }
   auto image = cachedImage();
   if (image == nullptr) {
     madeScale_ = offscreenScale();

@@ -5,6 +5,7 @@
 class EncodedBitmap;
 class NSBitmapImageRep;
 class NSData;
+class BitmapSource;
 
 /// A bitmap stretched into the bounds of the draw's path, whatever its aspect ratio.
 ///
@@ -72,6 +73,8 @@ class DrawImage2 : public DrawRoundRectangle {
   /// when that fails, for the reason that `failure` takes, or when there is nothing to make it
   /// from.
   virtual std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat scale, PictureFailure* failure) const;
+  /// What the bitmap is made from, for records of drawings; null without one.
+  virtual std::shared_ptr<const BitmapSource> pictureSource() const;
   /// The bitmap that is there without making one; may be null.
   std::shared_ptr<NSBitmapImageRep> cachedImage() const;
   /// Whether the draw keeps its bitmap, rather than what that is made from.

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "draw/image/BitmapSources.h"
 #include "draw/image/RasterizedPicture.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/foundation/values/NSData.h"
@@ -60,6 +61,11 @@ std::shared_ptr<NSBitmapImageRep> DrawPDF::makeImage(CGFloat scale, PictureFailu
   };
   return pdfData_ == nullptr ? draw()
                              : rememberedRaster(PictureKey::Kind::pdf, pdfData_, size, 0, draw);
+}
+
+std::shared_ptr<const BitmapSource> DrawPDF::pictureSource() const {
+  if (keepsImage() || pdfPage() == nullptr) return DrawImage2::pictureSource();
+  return std::make_shared<PDFPicture>(pdfPage(), pathBounds());
 }
 
 void DrawPDF::flip(bool horizontal) {

@@ -35,6 +35,7 @@ class DrawPDF : public DrawImage2 {
  protected:
   std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat scale,
                                               PictureFailure* failure) const override;
+  std::shared_ptr<const BitmapSource> pictureSource() const override;
 
  private:
   bool _flipHorizontal = false;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "draw/image/BitmapSources.h"
 #include "draw/image/RasterizedPicture.h"
 #include "platform/foundation/values/NSCoder.h"
 #include "platform/foundation/values/NSData.h"
@@ -51,6 +52,11 @@ std::shared_ptr<NSBitmapImageRep> DrawSVG::makeImage(CGFloat scale, PictureFailu
   return rememberedRaster(PictureKey::Kind::svg, _svgData, size, static_cast<int64_t>(svg), [&] {
     return ZTSVGTool::imageWithSVGData(_svgData.get(), size, false, svg, failure);
   });
+}
+
+std::shared_ptr<const BitmapSource> DrawSVG::pictureSource() const {
+  if (keepsImage() || _svgData == nullptr) return DrawImage2::pictureSource();
+  return std::make_shared<SVGPicture>(_svgData, engine(), pathBounds());
 }
 
 void DrawSVG::flip(bool horizontal) {

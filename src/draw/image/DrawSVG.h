@@ -40,6 +40,7 @@ class DrawSVG : public DrawImage2 {
  protected:
   std::shared_ptr<NSBitmapImageRep> makeImage(CGFloat scale,
                                               PictureFailure* failure) const override;
+  std::shared_ptr<const BitmapSource> pictureSource() const override;
   void mapGeometry(const AxisMap& map) override;
 
  private:

@@ -1,6 +1,7 @@
 #include "draw/raster/DrawFill.h"
 
 #include <cmath>
+#include <utility>
 
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/raster/ImageMask.h"
@@ -16,6 +17,20 @@ namespace {
 
 constexpr const char* kFillType = "FillType";
 constexpr const char* kMask = "Mask";
+
+/// A mask in a colour.
+class MaskPicture final : public BitmapSource {
+ public:
+  MaskPicture(std::shared_ptr<const ImageMask> mask, std::shared_ptr<const NSColor> color)
+      : mask_(std::move(mask)), color_(std::move(color)) {}
+  std::shared_ptr<NSBitmapImageRep> bitmap(CGFloat) const override {
+    return mask_->renderImageWithColor(color_.get());
+  }
+
+ private:
+  std::shared_ptr<const ImageMask> mask_;
+  std::shared_ptr<const NSColor> color_;
+};
 
 NSSize sizeDifference(const NSRect& a, const NSRect& b) {
   return {std::fabs(NSWidth(a) - NSWidth(b)), std::fabs(NSHeight(a) - NSHeight(b))};
@@ -155,7 +170,8 @@ void DrawFill::paintPath() const {
 void DrawFill::paintMask() const {
   if (mask_ == nullptr || colorFill_ == nullptr) return;
   // Made anew each time: kept, the bitmaps of a document's fills would take more than the canvas.
-  const auto image = mask_->renderImageWithColor(colorFill_->colorWithAlphaComponent(1).get());
+  const auto image =
+      bitmapToDraw(std::make_shared<MaskPicture>(mask_, colorFill_->colorWithAlphaComponent(1)));
   if (image == nullptr) return;
   NSGraphicsContext& context = *NSGraphicsContext::currentContext();
   CGContext& port = *context.graphicsPort();

@@ -12,6 +12,7 @@
 #include "platform/graphics/pixels/PixelBuffer.h"
 
 class NSData;
+class BitmapSource;
 
 /// Picture formats by the numbers that callers use.
 enum class NSBitmapImageFileType : uint8_t { TIFF = 0, JPEG = 3, PNG = 4 };
@@ -68,11 +69,16 @@ class PAINT_API NSBitmapImageRep : public NSObject {
   void setHasAlpha(bool hasAlpha) { pixels_.setHasAlpha(hasAlpha); }
   void clear() { pixels_.clear(); }
 
+  /// What stands for it in records of drawings: what it is made from. Null by default.
+  const std::shared_ptr<const BitmapSource>& source() const { return source_; }
+  void setSource(std::shared_ptr<const BitmapSource> source) { source_ = std::move(source); }
+
   /// A copy of the pixels.
   std::shared_ptr<NSBitmapImageRep> copy() const;
 
  private:
   PixelBuffer pixels_;
+  std::shared_ptr<const BitmapSource> source_;
 };
 
 /// The pixels of a bitmap, which they keep alive; null for null.

@@ -74,6 +74,21 @@ CGContext::CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, const Canv
   if (view.fillsLastPixels) renderer_.setCanvasEnd({grid_.right(), grid_.bottom()});
 }
 
+CGContext::CGContext(std::shared_ptr<GraphicsRecorder> recorder, NSSize canvas)
+    : recorder_(std::move(recorder)),
+      bitmap_(nullptr, 0, 0),
+      grid_{1, 0, 0, canvas.width, canvas.height} {
+  state_.clip = ClipRegion(canvasBox());
+}
+
+PixelBox CGContext::canvasBox() const {
+  return {0, 0, static_cast<int32_t>(grid_.width), static_cast<int32_t>(grid_.height)};
+}
+
+void CGContext::record(std::shared_ptr<const GlyphRun> glyphs) {
+  recorder_->add(state_, GlyphOperation{std::move(glyphs)});
+}
+
 void CGContext::saveGState() {
   saved_.push_back(state_);
 }
@@ -131,6 +146,11 @@ std::optional<DropShadow> CGContext::dropShadow() const {
 ClipRegion CGContext::clipped(const PathData& path, WindingRule winding,
                               const CGAffineTransform& toCanvas) {
   const CoverStyle style = coverStyle(toCanvas);
+  if (recorder_ != nullptr) {
+    state_.recordedClip = std::make_shared<const RecordedClip>(
+        RecordedClip{state_.recordedClip, path, winding, toCanvas, state_.antialias});
+    return ClipRegion(fillBox(path, style.toDevice, state_.clip.box()));
+  }
   if (style.grid == nullptr) {
     return renderer_.clipToPath(path, winding, style.toDevice, style.antialias, state_.clip);
   }
@@ -201,11 +221,17 @@ void CGContext::paint(const CoverageShape& shape, const SpanPaint& paint,
 
 void CGContext::fill(const NSRect& rect, NSCompositingOperation operation) {
   const PathData path = pathOfRect(rect);
+  if (recorder_ != nullptr) {
+    const CGContextStateScope state(*this);
+    state_.operation = operation;
+    return fill(path, WindingRule::nonZero);
+  }
   paint(FillShape(renderer_, path, WindingRule::nonZero, coverStyle(state_.transform)),
         SpanPaint::solid(sourcePixel(state_.fillColor, operation)), operation);
 }
 
 void CGContext::fill(const PathData& path, WindingRule winding) {
+  if (recorder_ != nullptr) return recorder_->add(state_, FillOperation{path, winding});
   paint(FillShape(renderer_, path, winding, coverStyle(state_.transform)),
         SpanPaint::solid(sourcePixel(state_.fillColor, state_.operation)), state_.operation);
 }
@@ -216,12 +242,21 @@ void CGContext::fill(const AlphaMask& mask, int32_t dx, int32_t dy) {
 }
 
 bool CGContext::paintsWholeCanvas() const {
-  return state_.transform == CGAffineTransform() && state_.clip.isBox() &&
-         state_.clip.box() == surface().box();
+  if (state_.transform != CGAffineTransform()) return false;
+  if (recorder_ != nullptr) return state_.recordedClip == nullptr;
+  return state_.clip.isBox() && state_.clip.box() == surface().box();
 }
 
 void CGContext::replacePixels(const PixelMask& mask, uint32_t pixel) {
   if (state_.transform != CGAffineTransform()) return;
+  if (recorder_ != nullptr) {
+    PixelOperation operation{{}, mask.box, pixel};
+    for (int32_t y = mask.box.y0; y < mask.box.y1; ++y) {
+      const uint8_t* const row = mask.at(mask.box.x0, y);
+      operation.mask.insert(operation.mask.end(), row, row + mask.box.width());
+    }
+    return recorder_->add(state_, std::move(operation));
+  }
   if (isScaled() || !state_.clip.isBox()) {
     composite(state_.clip, PixelMaskShape(mask, grid_), SpanPaint::solid(pixel),
               NSCompositingOperation::copy);
@@ -235,6 +270,7 @@ void CGContext::replacePixels(const PixelMask& mask, uint32_t pixel) {
 }
 
 void CGContext::stroke(const PathData& path, const StrokeStyle& style) {
+  if (recorder_ != nullptr) return recorder_->add(state_, StrokeOperation{path, style});
   if (isScaled() && (style.width == 0 || style.join == LineJoin::miter)) {
     const StrokeStyle pen = scaledPen(style);
     strokeWith(path, pen);
@@ -300,6 +336,17 @@ std::unique_ptr<RowSource> CGContext::gradientSource(const GradientTable& table,
   return radialGradientSource(table, axis, extent, deviceTransform());
 }
 
+/// Answers whether the context records.
+template <class Axis>
+bool CGContext::recordGradient(const CGGradient& gradient, const Axis& axis, GradientExtent extent,
+                               const PathData* path, WindingRule winding) {
+  if (recorder_ == nullptr) return false;
+  GradientOperation operation{gradient, axis, extent, {}, winding};
+  if (path != nullptr) operation.path = *path;
+  recorder_->add(state_, std::move(operation));
+  return true;
+}
+
 template <class Axis>
 void CGContext::paintGradient(const CoverageShape& shape, const CGGradient& gradient,
                               const Axis& axis, GradientExtent extent) {
@@ -312,6 +359,7 @@ void CGContext::paintGradient(const CoverageShape& shape, const CGGradient& grad
 template <class Axis>
 void CGContext::fillWithGradient(const PathData& path, WindingRule winding,
                                  const CGGradient& gradient, const Axis& axis) {
+  if (recordGradient(gradient, axis, GradientExtent::both, &path, winding)) return;
   if (!state_.shadow.visible()) {
     paintGradient(FillShape(renderer_, path, winding, coverStyle(state_.transform)), gradient, axis,
                   GradientExtent::both);
@@ -324,10 +372,12 @@ void CGContext::fillWithGradient(const PathData& path, WindingRule winding,
 }
 
 void CGContext::draw(const CGGradient& gradient, const LinearAxis& axis, GradientExtent extent) {
+  if (recordGradient(gradient, axis, extent, nullptr, WindingRule::nonZero)) return;
   paintGradient(BoxShape(kEverywhere), gradient, axis, extent);
 }
 
 void CGContext::draw(const CGGradient& gradient, const RadialAxis& axis, GradientExtent extent) {
+  if (recordGradient(gradient, axis, extent, nullptr, WindingRule::nonZero)) return;
   paintGradient(BoxShape(kEverywhere), gradient, axis, extent);
 }
 
@@ -349,6 +399,9 @@ void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination) {
 
 void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination, const NSRect& source,
                      NSCompositingOperation operation, CGFloat alpha) {
+  if (recorder_ != nullptr) {
+    return recordPicture(image, {nullptr, destination, source}, operation, alpha);
+  }
   if (&image.pixels() == surface().buffer().get()) {
     // What is drawn is the bitmap as it was.
     const auto frozen = image.copy();
@@ -364,8 +417,25 @@ void CGContext::draw(const NSBitmapImageRep& image, const NSRect& destination, c
            operation, alpha);
 }
 
+/// A bitmap without a source stands for itself, as it is now.
+void CGContext::recordPicture(const NSBitmapImageRep& image, const PictureOperation& operation,
+                              NSCompositingOperation compositing, CGFloat alpha) {
+  const CGContextStateScope state(*this);
+  state_.operation = compositing;
+  state_.alpha = alpha;
+  PictureOperation recorded = operation;
+  recorded.picture =
+      image.source() != nullptr ? image.source() : std::make_shared<HeldPicture>(image.copy());
+  recorder_->add(state_, std::move(recorded));
+}
+
 void CGContext::drawReplacing(const NSBitmapImageRep& image, const NSRect& destination,
                               CGFloat alpha) {
+  if (recorder_ != nullptr) {
+    return recordPicture(image,
+                         {nullptr, destination, NSZeroRect, PictureOperation::Manner::replace},
+                         state_.operation, alpha);
+  }
   if (!isScaled()) {
     draw(image, destination, NSZeroRect, NSCompositingOperation::destinationOut, 1);
     draw(image, destination, NSZeroRect, NSCompositingOperation::sourceOver, alpha);
@@ -427,6 +497,14 @@ PlacedImage CGContext::placedPart(const NSBitmapImageRep& image, const NSRect& p
 }
 
 void CGContext::drawInDeviceSpace(const NSBitmapImageRep& image, int64_t x, int64_t y) {
+  if (recorder_ != nullptr) {
+    // What was made for a device of pixels is as large as those of the canvas.
+    const CGContextStateScope scope(*this);
+    state_.transform = {};
+    const NSSize size = image.size();
+    const CGFloat bottom = grid_.height - static_cast<CGFloat>(y) - size.height;
+    return draw(image, {{static_cast<CGFloat>(x), bottom}, size});
+  }
   const CGAffineTransform placement =
       CGAffineTransformMakeTranslation(static_cast<CGFloat>(x), static_cast<CGFloat>(y));
   const CGAffineTransform toDevicePixels = toDevice({});
@@ -445,10 +523,17 @@ PixelBox CGContext::layerBox() const {
 }
 
 void CGContext::beginTransparencyLayer() {
+  if (recorder_ != nullptr) return beginRecordedLayer({});
   beginTransparencyLayer(layerBox());
 }
 
+void CGContext::beginRecordedLayer(const std::optional<NSRect>& content) {
+  recorder_->beginLayer(state_, content);
+  pushLayer(PixelSurface(nullptr, 0, 0), ClipRegion(canvasBox()));
+}
+
 void CGContext::beginTransparencyLayer(const NSRect& content) {
+  if (recorder_ != nullptr) return beginRecordedLayer(content);
   DeviceBounds bounds;
   for (const NSPoint& corner : pathOfRect(content).points) {
     bounds.add(CGPointApplyAffineTransform(corner, deviceTransform()));
@@ -466,6 +551,10 @@ void CGContext::beginTransparencyLayer(const PixelBox& box) {
     surface = surfaceFor(intersection(box, state_.clip.box()));
   }
   ClipRegion clip(surface.box());
+  pushLayer(std::move(surface), std::move(clip));
+}
+
+void CGContext::pushLayer(PixelSurface surface, ClipRegion clip) {
   // Everything that allocates comes first: a layer is begun wholly or not at all.
   layers_.reserve(layers_.size() + 1);
   saved_.push_back(state_);
@@ -474,6 +563,7 @@ void CGContext::beginTransparencyLayer(const PixelBox& box) {
   state_.shadow = {};
   state_.operation = NSCompositingOperation::sourceOver;
   state_.clip = std::move(clip);
+  state_.recordedClip = nullptr;
 }
 
 /// Takes the innermost layer off, with the states saved inside it.
@@ -487,11 +577,15 @@ CGContext::Layer CGContext::takeLayer() noexcept {
 }
 
 void CGContext::endTransparencyLayer() {
-  if (!layers_.empty()) paintLayer(takeLayer().surface);
+  if (layers_.empty()) return;
+  const Layer layer = takeLayer();
+  recorder_ != nullptr ? recorder_->endLayer() : paintLayer(layer.surface);
 }
 
 void CGContext::discardTransparencyLayer() noexcept {
-  if (!layers_.empty()) takeLayer();
+  if (layers_.empty()) return;
+  takeLayer();
+  if (recorder_ != nullptr) recorder_->discardLayer();
 }
 
 void CGContext::paintLayer(const PixelSurface& layer) {

@@ -8,6 +8,7 @@
 
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
+#include "platform/graphics/context/GraphicsRecorder.h"
 #include "platform/graphics/context/GraphicsState.h"
 #include "platform/graphics/gradient/CGGradient.h"
 #include "platform/graphics/pixels/blur/DropShadow.h"
@@ -57,6 +58,8 @@ class CGContext {
   /// The bitmap shows a part of a canvas, whose device space is that of the whole. What is drawn
   /// outside is dropped; a scale that is not above 0 paints nothing.
   CGContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, const CanvasView& view);
+  /// Paints nothing: what it is told to goes to a recorder, for a canvas of that size at scale 1.
+  CGContext(std::shared_ptr<GraphicsRecorder> recorder, NSSize canvas);
   CGContext(const CGContext&) = delete;
   CGContext& operator=(const CGContext&) = delete;
 
@@ -85,6 +88,13 @@ class CGContext {
   /// The pen of replacePathWithStrokedPath.
   StrokeStyle& strokeStyle() { return state_.stroke; }
 
+  /// Null unless the context records.
+  const std::shared_ptr<GraphicsRecorder>& recorder() const { return recorder_; }
+  /// Takes down glyphs; only of contexts that record.
+  void record(std::shared_ptr<const GlyphRun> glyphs);
+
+  /// Takes the place of the transform in force: user space to the canvas.
+  void setTransform(const CGAffineTransform& transform) { state_.transform = transform; }
   /// Applies `transform` to everything drawn from now on, before the transform in force.
   void concatenate(const CGAffineTransform& transform);
 
@@ -97,7 +107,8 @@ class CGContext {
   void fill(const NSRect& rect) { fill(rect, state_.operation); }
   void fill(const PathData& path, WindingRule winding);
 
-  /// Paints the fill colour through a mask in device space, moved by whole pixels.
+  /// Paints the fill colour through a mask in device space, moved by whole pixels. Nothing of it
+  /// can be recorded: what makes such masks records what it makes them of.
   void fill(const AlphaMask& mask, int32_t dx, int32_t dy);
 
   /// Gives canvas pixels one value, as it is and whatever the state but for the clip; only without
@@ -189,6 +200,7 @@ class CGContext {
   std::optional<DropShadow> dropShadow() const;
   PixelBox layerBox() const;
   void beginTransparencyLayer(const PixelBox& box);
+  void beginRecordedLayer(const std::optional<NSRect>& content);
 
   void castShadow(const CoverageShape& shape, const SpanPaint& paint,
                   NSCompositingOperation operation);
@@ -212,6 +224,15 @@ class CGContext {
   Layer takeLayer() noexcept;
   void paintLayer(const PixelSurface& layer);
 
+  void recordPicture(const NSBitmapImageRep& image, const PictureOperation& operation,
+                     NSCompositingOperation compositing, CGFloat alpha);
+  template <class Axis>
+  bool recordGradient(const CGGradient& gradient, const Axis& axis, GradientExtent extent,
+                      const PathData* path, WindingRule winding);
+  PixelBox canvasBox() const;
+  void pushLayer(PixelSurface surface, ClipRegion clip);
+
+  std::shared_ptr<GraphicsRecorder> recorder_;
   PathRenderer renderer_;
   PixelSurface bitmap_;
   CanvasGrid grid_;

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "platform/foundation/Geometry.h"
 #include "platform/graphics/pixels/coverage/ClipRegion.h"
+#include "platform/graphics/pixels/outline/PathData.h"
 #include "platform/graphics/pixels/outline/StrokeStyle.h"
 #include "platform/graphics/pixels/paint/CompositingOperation.h"
 #include "platform/graphics/pixels/paint/RGBAColor.h"
@@ -28,6 +30,15 @@ struct ShadowStyle {
   bool visible() const { return color.alpha > 0; }
 };
 
+/// A clip as it was asked for; what it clips is inside of all clips before it, too.
+struct RecordedClip {
+  std::shared_ptr<const RecordedClip> before;  ///< null for the first
+  PathData path;
+  WindingRule winding = WindingRule::nonZero;
+  CGAffineTransform transform;  ///< the path's space to the canvas
+  bool antialias = true;
+};
+
 /// What saving and restoring the state of a drawing context keeps.
 struct GraphicsState {
   CGAffineTransform transform;  ///< user space to the canvas, both y upwards
@@ -41,4 +52,7 @@ struct GraphicsState {
   NSImageInterpolation interpolation = NSImageInterpolation::automatic;
 
   StrokeStyle stroke;  ///< the pen of strokePath
+
+  /// The clip in force, of contexts that record; null without one. There `clip` is a box around it.
+  std::shared_ptr<const RecordedClip> recordedClip;
 };

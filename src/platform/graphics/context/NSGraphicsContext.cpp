@@ -77,8 +77,27 @@ ZTFocusScope::ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, const Canva
   NSGraphicsContext::setCurrentContext(std::move(context));
 }
 
+ZTFocusScope::ZTFocusScope(std::shared_ptr<GraphicsRecorder> recorder, NSSize canvas) {
+  auto context = std::make_shared<NSGraphicsContext>(std::move(recorder), canvas);
+  NSGraphicsContext::saveGraphicsState();
+  NSGraphicsContext::setCurrentContext(std::move(context));
+}
+
 ZTFocusScope::~ZTFocusScope() {
   ZTUnlockFocus(bitmap_);
+}
+
+bool isRecordingDrawing() {
+  const CGContext* const port = currentPort();
+  return port != nullptr && port->recorder() != nullptr;
+}
+
+std::shared_ptr<NSBitmapImageRep> bitmapToDraw(std::shared_ptr<const BitmapSource> source) {
+  const CGContext* const port = currentPort();
+  if (!isRecordingDrawing()) return source->bitmap(port == nullptr ? 1 : port->scale());
+  auto bitmap = NSBitmapImageRep::create(1, 1);
+  bitmap->setSource(std::move(source));
+  return bitmap;
 }
 
 bool InitImageRep(const NSSize& size, std::shared_ptr<NSBitmapImageRep>* bitmap) {

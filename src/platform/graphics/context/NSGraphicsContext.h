@@ -26,6 +26,8 @@ class NSGraphicsContext {
   explicit NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap);
   NSGraphicsContext(const std::shared_ptr<NSBitmapImageRep>& bitmap, const CanvasView& view)
       : port_(bitmap, view) {}
+  NSGraphicsContext(std::shared_ptr<GraphicsRecorder> recorder, NSSize canvas)
+      : port_(std::move(recorder), canvas) {}
 
   CGContext* graphicsPort() { return &port_; }
 
@@ -58,6 +60,8 @@ class ZTFocusScope {
   explicit ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap);
   /// Of a bitmap that shows a part of a canvas (see CGContext).
   ZTFocusScope(std::shared_ptr<NSBitmapImageRep> bitmap, const CanvasView& view);
+  /// Of no bitmap: what is drawn goes to a recorder.
+  ZTFocusScope(std::shared_ptr<GraphicsRecorder> recorder, NSSize canvas);
   ZTFocusScope(const ZTFocusScope&) = delete;
   ZTFocusScope& operator=(const ZTFocusScope&) = delete;
   ~ZTFocusScope();
@@ -65,6 +69,13 @@ class ZTFocusScope {
  private:
   std::shared_ptr<NSBitmapImageRep> bitmap_;
 };
+
+/// Whether what is drawn now is recorded.
+bool isRecordingDrawing();
+
+/// What to draw for a picture that is made from something: the bitmap at the scale of the current
+/// context, or what stands for it in a record. Null when it cannot be made.
+std::shared_ptr<NSBitmapImageRep> bitmapToDraw(std::shared_ptr<const BitmapSource> source);
 
 /// Makes a transparent bitmap of the size truncated to whole pixels. Null, and false, for sides
 /// that are negative or not finite and where NSBitmapImageRep::create gives none.

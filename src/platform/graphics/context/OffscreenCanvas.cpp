@@ -45,16 +45,24 @@ CGFloat offscreenScale() {
 }
 
 OffscreenGrid offscreenGridAt(NSPoint origin) {
+  if (isRecordingDrawing()) {
+    const GraphicsState& state = NSGraphicsContext::currentContext()->graphicsPort()->state();
+    return {1, NSZeroPoint, OffscreenGrid::Recorded{origin, state.transform}};
+  }
   const CGFloat scale = offscreenScale();
   if (scale == 1) return {};
   const CGContext& port = *NSGraphicsContext::currentContext()->graphicsPort();
   const NSPoint at = CGPointApplyAffineTransform(origin, port.deviceTransform());
-  return {scale, {at.x - std::floor(at.x), at.y - std::floor(at.y)}};
+  return {scale, {at.x - std::floor(at.x), at.y - std::floor(at.y)}, {}};
 }
 
 OffscreenCanvas::OffscreenCanvas(const NSRect& area, const OffscreenGrid& grid,
                                  const std::optional<NSRect>& part)
     : rect_(part ? wholePart(area, *part) : area) {
+  if (grid.recorded && !NSIsEmptyRect(rect_)) {
+    record(*grid.recorded);
+    return;
+  }
   CanvasView view{rect_.size, grid.scale};
   const NSPoint origin = rect_.origin;
   if (grid.scale != 1 && !NSIsEmptyRect(rect_)) {
@@ -69,4 +77,13 @@ OffscreenCanvas::OffscreenCanvas(const NSRect& area, const OffscreenGrid& grid,
   }
   focus_.emplace(bitmap_, view);
   context().concatenate(CGAffineTransformMakeTranslation(-origin.x, -origin.y));
+}
+
+void OffscreenCanvas::record(const OffscreenGrid::Recorded& recorded) {
+  GraphicsRecorder& recorder = *NSGraphicsContext::currentContext()->graphicsPort()->recorder();
+  const auto offscreen = recorder.offscreen(rect_, recorded.origin, recorded.transform);
+  bitmap_ = NSBitmapImageRep::create(1, 1);
+  bitmap_->setSource(offscreen.picture);
+  focus_.emplace(offscreen.recorder, rect_.size);
+  context().concatenate(CGAffineTransformMakeTranslation(-NSMinX(rect_), -NSMinY(rect_)));
 }

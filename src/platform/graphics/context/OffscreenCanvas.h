@@ -13,6 +13,13 @@ struct OffscreenGrid {
   /// Where the space's origin lies inside of a pixel, y downwards. Zero at scale 1, where bitmaps
   /// begin with what they show.
   NSPoint fraction;
+  /// Of bitmaps that are recorded: where in which user space that is drawn in.
+  struct Recorded {
+    NSPoint origin;
+    CGAffineTransform transform;
+    bool operator==(const Recorded&) const = default;
+  };
+  std::optional<Recorded> recorded;
   bool operator==(const OffscreenGrid&) const = default;
 };
 
@@ -39,6 +46,8 @@ class OffscreenCanvas {
   CGContext& context() const { return *NSGraphicsContext::currentContext()->graphicsPort(); }
 
  private:
+  void record(const OffscreenGrid::Recorded& recorded);
+
   NSRect rect_;
   std::shared_ptr<NSBitmapImageRep> bitmap_;
   std::optional<ZTFocusScope> focus_;

@@ -8,6 +8,7 @@
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/color/PaintComponents.h"
 #include "platform/graphics/pixels/outline/PathBounds.h"
+#include "platform/text/drawing/RecordedGlyphs.h"
 #include "platform/text/layout/ShapedItem.h"
 
 namespace {
@@ -73,8 +74,17 @@ struct GlyphPainter::GlyphPaint {
   bool fillsOnly() const { return line.width == 0 && bold.width == 0; }
 };
 
+void GlyphPainter::record(const TextLayout& layout, const PlacedRun& run, NSPoint origin) {
+  if (recordedFrom_ != &layout) {
+    recorded_ = std::make_shared<const TextLayout>(layout);
+    recordedFrom_ = &layout;
+  }
+  context_.record(std::make_shared<RecordedGlyphs>(recorded_, run, origin));
+}
+
 void GlyphPainter::paint(const TextLayout& layout, const PlacedRun& run, NSPoint origin) {
   if (run.font->face == nullptr) return;
+  if (context_.recorder() != nullptr) return record(layout, run, origin);
   const FontFace& face = *run.font->face;
   const GlyphPaint pen(*run.font, *run.style);
   const Glyphs glyphs = Glyphs(layout.glyphs).subspan(run.firstGlyph, run.glyphCount);

@@ -43,7 +43,11 @@ class GlyphPainter {
   void paintOutline(const PathData& outline, const GlyphPaint& pen, NSPoint at);
   const Picture& picture(const FontFace& face, uint32_t glyph);
 
+  void record(const TextLayout& layout, const PlacedRun& run, NSPoint origin);
+
   CGContext& context_;
+  std::shared_ptr<const TextLayout> recorded_;  ///< a copy of the last layout that was recorded
+  const TextLayout* recordedFrom_ = nullptr;
   GlyphMasks masks_;
   std::vector<GlyphMasks::Placed> placed_;
   std::map<std::pair<const FontFace*, uint32_t>, Picture> pictures_;
