@@ -55,7 +55,7 @@ std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(CGFloat scale) {
 std::shared_ptr<NSBitmapImageRep> PaintManager::composedImage(const NSRect& part, CGFloat scale) {
   const PixelBox shown = shownPixels(part, size_, scale);
   if (shown.empty()) return nullptr;
-  const auto image = NSBitmapImageRep::create(shown.width(), shown.height());
+  auto image = NSBitmapImageRep::create(shown.width(), shown.height());
   if (image == nullptr) return nullptr;
   const PictureSessionScope session(pictures_);
   pictures_.begin();
