@@ -36,7 +36,7 @@ void CoverageScaler::add(Fixed x0, Fixed x1, int64_t weight) {
   change(from, weight);
   change(to, -weight);
   first_ = std::min(first_, from >> kShift);
-  end_ = std::max(end_, std::min(box_.width(), (to >> kShift) + 1));
+  end_ = std::max(end_, (to + kOne - 1) >> kShift);
 }
 
 void CoverageScaler::add(std::span<const CoverageRun> runs, Fixed weight) {
