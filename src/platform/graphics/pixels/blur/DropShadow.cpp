@@ -52,7 +52,7 @@ AlphaMask movedByFraction(const AlphaMask& mask, double x, double y) {
     }
     uint8_t* const out = moved.row(at);
     for (size_t i = 0; i < row.size(); ++i) {
-      out[i] = static_cast<uint8_t>(above[i] * y + row[i] * (1 - y) + 0.5);
+      out[i] = static_cast<uint8_t>(std::lrint(above[i] * y + row[i] * (1 - y)));
     }
     above.swap(row);
   }
