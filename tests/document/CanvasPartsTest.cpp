@@ -38,29 +38,7 @@ void expectPartsOfTheWhole(PaintManager& document, int64_t side, const std::stri
 }  // namespace
 
 TEST(CanvasParts, AreThoseOfTheWhole) {
-  for (const char* name : {"all classes",
-                           "pictures",
-                           "filters",
-                           "curved text",
-                           "text boxes",
-                           "stored sprays",
-                           "spray 10000",
-                           "records",
-                           "brushes",
-                           "fills",
-                           "lines",
-                           "clears",
-                           "nested groups",
-                           "masked by background",
-                           "masked by smaller background",
-                           "background",
-                           "half red",
-                           "sheets/shadows",
-                           "sheets/text",
-                           "sheets/gradients",
-                           "sheets/lines",
-                           "sheets/reflections",
-                           "sheets/curved_text"}) {
+  for (const std::string& name : paintedDocuments()) {
     const auto document = madeDocument(name);
     ASSERT_NE(document, nullptr);
     for (const int64_t side : {37, 100}) expectPartsOfTheWhole(*document, side, name);

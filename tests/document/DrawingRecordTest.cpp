@@ -65,29 +65,7 @@ void collect(const RecordedNodes& nodes, std::vector<const GraphicsOperation*>& 
 }  // namespace
 
 TEST(DrawingRecord, PlaysToTheSamePixels) {
-  for (const char* name : {"all classes",
-                           "pictures",
-                           "filters",
-                           "curved text",
-                           "text boxes",
-                           "stored sprays",
-                           "spray 10000",
-                           "records",
-                           "brushes",
-                           "fills",
-                           "lines",
-                           "clears",
-                           "nested groups",
-                           "preset shapes",
-                           "masked by background",
-                           "masked by smaller background",
-                           "half red",
-                           "sheets/shadows",
-                           "sheets/text",
-                           "sheets/gradients",
-                           "sheets/lines",
-                           "sheets/reflections",
-                           "sheets/curved_text"}) {
+  for (const std::string& name : paintedDocuments()) {
     const auto document = madeDocument(name);
     ASSERT_NE(document, nullptr) << name;
     expectSamePixels(*document, name);

@@ -16,6 +16,33 @@ std::shared_ptr<PaintManager> madeDocument(const std::string& name) {
   return document;
 }
 
+std::vector<std::string> paintedDocuments() {
+  return {"all classes",
+          "pictures",
+          "filters",
+          "curved text",
+          "text boxes",
+          "stored sprays",
+          "spray 10000",
+          "records",
+          "brushes",
+          "fills",
+          "lines",
+          "clears",
+          "nested groups",
+          "masked by background",
+          "masked by smaller background",
+          "background",
+          "half red",
+          "sheets/shadows",
+          "sheets/text",
+          "sheets/gradients",
+          "sheets/lines",
+          "sheets/reflections",
+          "sheets/curved_text",
+          "preset shapes"};
+}
+
 std::shared_ptr<DrawBase> drawTitled(const PaintManager& document, const std::string& title) {
   for (const auto& draw : document.allDraws()) {
     if (draw->layerTitle() == title) return draw;
