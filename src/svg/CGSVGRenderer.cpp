@@ -166,7 +166,7 @@ void CGSVGRenderer::DrawPath(const Path& path, const GraphicStyleImpl& graphicSt
 void CGSVGRenderer::fill(const CGSVGPath& path, const FillStyleImpl& style) {
   const PathData& data = path.path().data();
   if (const auto* gradient = std::get_if<GradientPaint>(&style.paint)) {
-    fillWithGradient(data, style.fillRule, **gradient, style.fillOpacity);
+    fillWithGradient(data, style.fillRule, *gradient->gradient, style.fillOpacity);
   } else if (const auto* color = std::get_if<ColorArray>(&style.paint)) {
     const auto [red, green, blue, alpha] = *color;
     context_->setFillColor({red, green, blue, CGFloat{alpha} * style.fillOpacity});
@@ -191,8 +191,8 @@ void CGSVGRenderer::stroke(const CGSVGPath& path, const StrokeStyleImpl& style) 
     context_->addPath(data);
     context_->replacePathWithStrokedPath();
     context_->clipToPath(WindingRule::nonZero);
-    context_->concatenate(matrixOf((*gradient)->transform.get()));
-    DrawGradientToContext(**gradient, style.strokeOpacity);
+    context_->concatenate(matrixOf(gradient->gradient->transform.get()));
+    DrawGradientToContext(*gradient->gradient, style.strokeOpacity);
     context_->restoreGState();
   }
 }

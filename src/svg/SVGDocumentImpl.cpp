@@ -57,11 +57,25 @@ void SVGDocumentImpl::Render(std::string_view id, const ColorMap& colors, float 
   if (found != elements_.end()) RenderElement(*found->second, colors, width, height);
 }
 
+// The exact natural size for the whole one, which it is then stretched to: laid into the whole one
+// at once, the picture would keep its proportions and leave margins.
+ViewBox SVGDocumentImpl::frameFor(float width, float height) const {
+  const bool isNatural = width > 0.0f && height > 0.0f && width == static_cast<float>(Width()) &&
+                         height == static_cast<float>(Height());
+  return isNatural ? ViewBox{0.0f, 0.0f, frame_.width, frame_.height}
+                   : ViewBox{0.0f, 0.0f, width, height};
+}
+
 void SVGDocumentImpl::RenderElement(const Element& element, const ColorMap& colors, float width,
                                     float height) const {
-  const Viewport viewport{{0.0f, 0.0f, width, height}, viewBox_, ratio_};
-  const std::optional<ViewportStyles> styles = viewportStyles(viewport, *renderer_);
+  const ViewBox frame = frameFor(width, height);
+  std::optional<ViewportStyles> styles = viewportStyles({frame, viewBox_, ratio_}, *renderer_);
   if (!styles) return;
+  if (frame.width != width || frame.height != height) {
+    const std::shared_ptr<Transform> stretching = renderer_->CreateTransform();
+    stretching->Scale(width / frame.width, height / frame.height);
+    styles->clip.transform = stretching;
+  }
   renderer_->Save(styles->clip);
   renderer_->Save(styles->content);
   SVGTreeWalker(*renderer_, elements_, colors).TraverseTree(element);

@@ -35,6 +35,8 @@ class SVGDocumentImpl {
 
  private:
   void UpdateViewBox(const ViewBox& box) { viewBox_ = box; }
+  /// What the view box is laid into when the picture is asked for in a size.
+  ViewBox frameFor(float width, float height) const;
   void RenderElement(const Element& element, const ColorMap& colors, float width,
                      float height) const;
 

@@ -59,7 +59,8 @@ enum class PaintResult {
 };
 
 /// A colour as above (var() included), "none", or "url(#id)" of one of `gradients`, which may have
-/// a colour or "none" after it, apart by whitespace, for when there is no such gradient.
+/// a colour or "none" after it, apart by whitespace, for when there is no such gradient; the paint
+/// keeps the colour for where the gradient cannot be painted.
 /// "currentcolor" becomes `*currentColor`; without one it stays a key, to be resolved when the
 /// element is drawn. Throws as ParseColor does.
 PaintResult ParsePaint(std::string_view text, const GradientMap& gradients,

@@ -92,6 +92,10 @@ inline constexpr int64_t kMaxSvgReferencedWork = 50'000'000;
 /// Bytes of path text that all clip paths may gather through references: they keep copies.
 inline constexpr int64_t kMaxSvgReferencedClipBytes = int64_t{1} << 20;
 
+/// Bytes of text that references may have parsed once more, in a size of their own: small symbols,
+/// some thousand times. Every element counts some bytes for itself.
+inline constexpr size_t kMaxSvgCopiedBytes = size_t{4} << 20;
+
 /// References from gradient to gradient that are followed for what a gradient does not say itself.
 /// Drawing programs write one or two; the limit ends circles.
 inline constexpr int kMaxSvgGradientChain = 32;

@@ -73,6 +73,8 @@ struct ColorStopImpl {
   float offset = 0.0f;  ///< 0..1, never below that of the stop before
   Color color = kOpaqueBlack;
   float opacity = 1.0f;
+  /// What "currentcolor" is at the stop itself; null for black.
+  std::shared_ptr<const Color> currentColor;
 };
 
 struct GradientImpl {
@@ -87,7 +89,11 @@ struct GradientImpl {
 };
 
 /// Gradients are shared rather than copied into each paint: thousands of shapes may use one.
-using GradientPaint = std::shared_ptr<const GradientImpl>;
+struct GradientPaint {
+  std::shared_ptr<const GradientImpl> gradient;  ///< never null
+  /// Painted where the gradient cannot be; null for nothing.
+  std::shared_ptr<const Color> fallback;
+};
 using Paint = std::variant<ColorArray, GradientPaint, ColorVariable, ColorKeys>;
 
 struct FillStyleImpl {

@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "svg/SVGStringParser.h"
 #include "svg/parse/SVGNamedColors.h"
@@ -135,6 +137,20 @@ PaintResult parseFallback(std::string_view text, const ColorArray* currentColor,
   return result == PaintResult::empty ? PaintResult::unresolved : result;
 }
 
+// The colour after a reference to a gradient that is there. Nobody may ever need it, so that it may
+// be as damaged as it likes.
+std::shared_ptr<const Color> fallbackOf(std::string_view text, const ColorArray* currentColor) {
+  Color color;
+  try {
+    if (trimmed(text).empty() || !ParseColor(text, color, Variables::allowed)) return nullptr;
+  } catch (const std::invalid_argument&) {
+    return nullptr;
+  }
+  const bool isKey = std::holds_alternative<ColorKeys>(color);
+  if (isKey && currentColor != nullptr) color = *currentColor;
+  return std::make_shared<const Color>(std::move(color));
+}
+
 // What follows the "url(#".
 PaintResult parseReference(std::string_view text, const GradientMap& gradients,
                            const ColorArray* currentColor, Paint& paint) {
@@ -144,7 +160,7 @@ PaintResult parseReference(std::string_view text, const GradientMap& gradients,
   if (!after.empty() && !isSpace(after.front())) return PaintResult::invalid;
   const auto found = gradients.find(text.substr(0, close));
   if (found == gradients.end()) return parseFallback(after, currentColor, paint);
-  paint = GradientPaint(found->second);
+  paint = GradientPaint{found->second, fallbackOf(after, currentColor)};
   return PaintResult::paint;
 }
 

@@ -42,11 +42,15 @@ const std::shared_ptr<SVGRenderer>& SVGDocument::Renderer() const {
 }
 
 void SVGDocument::Render() const {
-  impl_->Render({}, impl_->NaturalWidth(), impl_->NaturalHeight());
+  Render(ColorMap{});
 }
 
 void SVGDocument::Render(float width, float height) const {
   impl_->Render({}, width, height);
+}
+
+void SVGDocument::Render(const ColorMap& colors) const {
+  impl_->Render(colors, impl_->NaturalWidth(), impl_->NaturalHeight());
 }
 
 void SVGDocument::Render(const ColorMap& colors, float width, float height) const {
@@ -54,11 +58,15 @@ void SVGDocument::Render(const ColorMap& colors, float width, float height) cons
 }
 
 void SVGDocument::Render(std::string_view id) const {
-  impl_->Render(id, {}, impl_->NaturalWidth(), impl_->NaturalHeight());
+  Render(id, ColorMap{});
 }
 
 void SVGDocument::Render(std::string_view id, float width, float height) const {
   impl_->Render(id, {}, width, height);
+}
+
+void SVGDocument::Render(std::string_view id, const ColorMap& colors) const {
+  impl_->Render(id, colors, impl_->NaturalWidth(), impl_->NaturalHeight());
 }
 
 void SVGDocument::Render(std::string_view id, const ColorMap& colors, float width,

@@ -34,12 +34,15 @@ class SVGDocument {
   const std::shared_ptr<SVGRenderer>& Renderer() const;
 
   /// Draws the picture into the box from (0, 0) to (width, height), its natural size where none is
-  /// given, or only the element of that id (nothing when there is none).
+  /// given, or only the element of that id (nothing when there is none). The whole natural size, as
+  /// Width and Height answer it, is filled like the exact one.
   void Render() const;
   void Render(float width, float height) const;
+  void Render(const ColorMap& colors) const;
   void Render(const ColorMap& colors, float width, float height) const;
   void Render(std::string_view id) const;
   void Render(std::string_view id, float width, float height) const;
+  void Render(std::string_view id, const ColorMap& colors) const;
   void Render(std::string_view id, const ColorMap& colors, float width, float height) const;
 
   /// The box of what Render() paints (false when that is nothing), with renderers that can

@@ -10,6 +10,7 @@
 #include "svg/draw/SVGRenderer.h"
 #include "svg/parse/SVGAttributes.h"
 #include "svg/parse/SVGLength.h"
+#include "svg/parse/SVGNameMap.h"
 #include "svg/parse/SVGXMLDocument.h"
 #include "svg/tree/SVGClipParser.h"
 #include "svg/tree/SVGElement.h"
@@ -37,15 +38,33 @@ class SVGDocumentParser {
 
   std::shared_ptr<const Group> ParseRoot(xml::XMLNode root, const AttributeSet& attributes);
 
+  /// What the attributes of an element and all in it say.
+  struct Text {
+    size_t bytes = 0;
+    bool hasPercentages = false;
+  };
+
  private:
   using Handler = void (SVGDocumentParser::*)(xml::XMLNode, const AttributeSet&);
   static Handler handlerFor(std::string_view name);
 
-  void declareReferences(xml::XMLNode parent, int depth);
+  /// A viewport that says nothing of its own units: percentages inside it are of whatever size a
+  /// reference gives it.
+  struct Resizable {
+    xml::XMLNode node;
+    size_t bytes = 0;
+    bool isOpen = false;  ///< its content is being parsed
+  };
+
+  void declareReferences(xml::XMLNode parent, int depth, const Text* outer);
+  const Text* declareViewport(xml::XMLNode node, int depth, const Text* outer, Text& own);
   void ParseChildren(xml::XMLNode parent, const std::shared_ptr<Group>& group);
   void ParseChild(xml::XMLNode node);
   void parseGroup(xml::XMLNode node, const AttributeSet& attributes);
   void parseViewportGroup(xml::XMLNode node, const AttributeSet& attributes);
+  std::shared_ptr<Group> parseViewport(xml::XMLNode node, const AttributeSet& attributes,
+                                       const Reference* reference);
+  void parseContent(Reference& reference);
   void parseDefs(xml::XMLNode node, const AttributeSet& attributes);
   void parseUse(xml::XMLNode node, const AttributeSet& attributes);
   void parseImage(xml::XMLNode node, const AttributeSet& attributes);
@@ -63,8 +82,12 @@ class SVGDocumentParser {
   LengthContext lengths_;
   SVGGradientParser gradients_;
   SVGClipParser clips_;
+  NameMap<Resizable> resizables_;
+  bool isCopy_ = false;  // of something that has its ids already
+  size_t copiedBytes_ = 0;
   std::vector<std::shared_ptr<Group>> groupStack_;
   WindingRule clipRule_ = WindingRule::nonZero;  // inherited
+  std::shared_ptr<const Color> currentColor_;    // inherited; null for black
   int64_t elementCount_ = 0;
 };
 

@@ -97,6 +97,7 @@ struct Reference : Element {
   std::string target;          ///< an id, which need not exist
   std::optional<float> width;  ///< of the viewport, when the target has one
   std::optional<float> height;
+  std::shared_ptr<const Group> content;  ///< drawn instead of the target, where not null
 };
 
 }  // namespace SVGNative

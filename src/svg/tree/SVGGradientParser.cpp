@@ -16,8 +16,10 @@ namespace {
 using namespace SVGStringParser;
 
 // Offsets below 0 or above 1, or below that of the stop before, are moved there.
-ColorStopImpl ParseColorStop(const AttributeSet& attributes, float previousOffset) {
+ColorStopImpl ParseColorStop(const AttributeSet& attributes, float previousOffset,
+                             const std::shared_ptr<const Color>& currentColor) {
   ColorStopImpl stop;
+  stop.currentColor = currentColorAt(attributes, currentColor);
   float value = 0.0f;
   if (ParseAlphaValue(attributes.text(Attribute::offset), value)) stop.offset = value;
   stop.offset = std::max(std::clamp(stop.offset, 0.0f, 1.0f), previousOffset);
@@ -31,12 +33,13 @@ ColorStopImpl ParseColorStop(const AttributeSet& attributes, float previousOffse
   return stop;
 }
 
-std::vector<ColorStopImpl> ParseColorStops(xml::XMLNode gradient) {
+std::vector<ColorStopImpl> ParseColorStops(xml::XMLNode gradient,
+                                           const std::shared_ptr<const Color>& currentColor) {
   std::vector<ColorStopImpl> stops;
   for (xml::XMLNode node = gradient.FirstChild(); node; node = node.NextSibling()) {
     if (node.Name() != "stop") continue;
     const float previous = stops.empty() ? 0.0f : stops.back().offset;
-    stops.push_back(ParseColorStop(AttributeSet(node), previous));
+    stops.push_back(ParseColorStop(AttributeSet(node), previous, currentColor));
   }
   return stops;
 }
@@ -107,7 +110,8 @@ void SVGGradientParser::Declare(xml::XMLNode node) {
 }
 
 void SVGGradientParser::ParseGradient(xml::XMLNode node, const AttributeSet& attributes,
-                                      const LengthContext& lengths) {
+                                      const LengthContext& lengths,
+                                      const std::shared_ptr<const Color>& currentColor) {
   const auto found = sources_.find(attributes.text(Attribute::id));
   if (found == sources_.end() || found->second.node != node) return;
   Source& source = found->second;
@@ -115,7 +119,7 @@ void SVGGradientParser::ParseGradient(xml::XMLNode node, const AttributeSet& att
   source.reference = referencedId(attributes.text(Attribute::href));
   std::transform(kInherited.begin(), kInherited.end(), source.values.begin(),
                  [&](Attribute attribute) { return attributes.text(attribute); });
-  std::vector<ColorStopImpl> stops = ParseColorStops(node);
+  std::vector<ColorStopImpl> stops = ParseColorStops(node, currentColor);
   if (stops.empty()) return;
   gradients_.find(found->first)->second->stops =
       std::make_shared<const std::vector<ColorStopImpl>>(std::move(stops));
@@ -125,9 +129,11 @@ void SVGGradientParser::Complete() {
   for (const auto& [id, source] : sources_) complete(*gradients_.find(id)->second, source);
 }
 
-// An inherited value is read again for every gradient that inherits it, hence the limit.
-void SVGGradientParser::inheritAttributes(AttributeSet& attributes, const Source& source) {
-  for (size_t i = 0; i < kInherited.size(); ++i) {
+// An inherited value is read again for every gradient that inherits it, hence the limit. Attributes
+// that a gradient's kind does not have mean nothing there, to others neither.
+void SVGGradientParser::inheritAttributes(AttributeSet& attributes, const Source& source,
+                                          bool isSameKind) {
+  for (size_t i = isSameKind ? 0 : kOfOneKind; i < kInherited.size(); ++i) {
     const std::string_view value = source.values[i];
     if (value.data() == nullptr || attributes.has(kInherited[i])) continue;
     inheritedBytes_ += value.size();
@@ -144,8 +150,9 @@ void SVGGradientParser::inheritAttributes(GradientImpl& gradient, AttributeSet& 
   for (int i = 0; i < limits::kMaxSvgGradientChain && !reference.empty(); ++i) {
     const auto next = sources_.find(reference);
     if (next == sources_.end()) return;
-    if (gradient.stops == nullptr) gradient.stops = gradients_.find(reference)->second->stops;
-    inheritAttributes(attributes, next->second);
+    const GradientImpl& inherited = *gradients_.find(reference)->second;
+    if (gradient.stops == nullptr) gradient.stops = inherited.stops;
+    inheritAttributes(attributes, next->second, inherited.type == gradient.type);
     reference = next->second.reference;
   }
 }

@@ -20,15 +20,19 @@ class SVGGradientParser {
 
   /// Makes the gradient known by its id; the first one of an id counts.
   void Declare(xml::XMLNode node);
-  /// Reads the colour stops of a declared gradient, and keeps its attributes.
+  /// Reads the colour stops of a declared gradient, and keeps its attributes. `currentColor` is the
+  /// one at the gradient; null for black.
   void ParseGradient(xml::XMLNode node, const AttributeSet& attributes,
-                     const LengthContext& lengths);
+                     const LengthContext& lengths,
+                     const std::shared_ptr<const Color>& currentColor);
   /// Works out the attributes, after those of all gradients that each one refers to.
   void Complete();
 
   const GradientMap& Gradients() const { return gradients_; }
 
  private:
+  // First those that gradients of one kind alone have.
+  static constexpr size_t kOfOneKind = 9;
   static constexpr std::array kInherited{Attribute::cx,
                                          Attribute::cy,
                                          Attribute::fx,
@@ -50,7 +54,7 @@ class SVGGradientParser {
 
   void complete(GradientImpl& gradient, const Source& source);
   void inheritAttributes(GradientImpl& gradient, AttributeSet& attributes, const Source& source);
-  void inheritAttributes(AttributeSet& attributes, const Source& source);
+  void inheritAttributes(AttributeSet& attributes, const Source& source, bool isSameKind);
 
   SVGRenderer& renderer_;
   GradientMap gradients_;

@@ -45,23 +45,30 @@ ColorArray PaintResolver::resolveColor(const Color& color, const ColorArray& cur
   return found != colors_.end() ? found->second : fallbackColor(variable->fallback(), currentColor);
 }
 
+ColorArray PaintResolver::resolveStop(const ColorStopImpl& stop) const {
+  const bool isBlack = stop.currentColor == nullptr;
+  return resolveColor(stop.color,
+                      isBlack ? kOpaqueBlack : resolveColor(*stop.currentColor, kOpaqueBlack));
+}
+
 bool PaintResolver::resolvePaint(Paint& paint, const ColorArray& currentColor,
                                  const Path& path) const {
   if (std::holds_alternative<ColorArray>(paint)) return true;
   if (auto* gradient = std::get_if<GradientPaint>(&paint)) {
-    return resolveGradient(*GradientPaint(*gradient), currentColor, path, paint);
+    return resolveGradient(GradientPaint(*gradient), currentColor, path, paint);
   }
   const auto* variable = std::get_if<ColorVariable>(&paint);
   paint = variable != nullptr ? resolveColor(*variable, currentColor) : currentColor;
   return true;
 }
 
-bool PaintResolver::resolveGradient(const GradientImpl& gradient, const ColorArray& currentColor,
+bool PaintResolver::resolveGradient(const GradientPaint& source, const ColorArray& currentColor,
                                     const Path& path, Paint& paint) const {
+  const GradientImpl& gradient = *source.gradient;
   if (gradient.stops == nullptr || gradient.stops->empty()) return false;
   if (isSolid(gradient)) {
     const ColorStopImpl& last = gradient.stops->back();
-    ColorArray color = resolveColor(last.color, currentColor);
+    ColorArray color = resolveStop(last);
     color[3] *= last.opacity;
     paint = color;
     return true;
@@ -71,13 +78,15 @@ bool PaintResolver::resolveGradient(const GradientImpl& gradient, const ColorArr
   GradientImpl resolved = gradient;
   if (!plain) {
     std::vector<ColorStopImpl> stops = *gradient.stops;
-    for (ColorStopImpl& stop : stops) stop.color = resolveColor(stop.color, currentColor);
+    for (ColorStopImpl& stop : stops) stop.color = resolveStop(stop);
     resolved.stops = std::make_shared<const std::vector<ColorStopImpl>>(std::move(stops));
   }
   if (gradient.units == GradientUnits::objectBoundingBox && !toUserSpace(resolved, path)) {
-    return false;
+    if (source.fallback == nullptr) return false;
+    paint = resolveColor(*source.fallback, currentColor);
+    return true;
   }
-  paint = std::make_shared<const GradientImpl>(std::move(resolved));
+  paint = GradientPaint{std::make_shared<const GradientImpl>(std::move(resolved)), nullptr};
   return true;
 }
 

@@ -16,12 +16,15 @@ class PaintResolver {
   /// becomes `currentColor`.
   ColorArray resolveColor(const Color& color, const ColorArray& currentColor) const;
 
-  /// Resolves `paint` in place, for an element with the geometry of `path`. False when it paints
-  /// nothing: a gradient without stops, or one in fractions of a box without area.
+  /// Resolves `paint` in place, for an element with the geometry of `path`. A gradient in fractions
+  /// of a box without area becomes the paint's fallback. False when it paints nothing: a gradient
+  /// without stops, or no fallback.
   bool resolvePaint(Paint& paint, const ColorArray& currentColor, const Path& path) const;
 
  private:
-  bool resolveGradient(const GradientImpl& gradient, const ColorArray& currentColor,
+  /// What a stop's own colour is, whatever element it paints.
+  ColorArray resolveStop(const ColorStopImpl& stop) const;
+  bool resolveGradient(const GradientPaint& source, const ColorArray& currentColor,
                        const Path& path, Paint& paint) const;
   bool toUserSpace(GradientImpl& gradient, const Path& path) const;
 

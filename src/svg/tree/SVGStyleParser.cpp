@@ -97,11 +97,7 @@ void StyleReader::ParseInheritedProperties(InheritedProperties& properties) cons
 }
 
 void StyleReader::parseGeneralProperties(InheritedProperties& properties) const {
-  Color color;
-  if (attributes.has(Attribute::color) &&
-      ParseColor(attributes.text(Attribute::color), color, Variables::allowed)) {
-    properties.color = std::move(color);
-  }
+  if (const auto color = currentColorAt(attributes, nullptr)) properties.color = *color;
   const std::string_view visibility = word(Attribute::visibility);
   if (visibility == "visible") properties.visibility = Visibility::visible;
   if (visibility == "hidden" || visibility == "collapse") {
@@ -177,6 +173,15 @@ std::shared_ptr<Transform> parseTransformAttr(const AttributeSet& attributes, At
   if (!attributes.has(attribute)) return nullptr;
   std::shared_ptr<Transform> transform = renderer.CreateTransform();
   return ParseTransform(attributes.text(attribute), *transform) ? transform : nullptr;
+}
+
+std::shared_ptr<const Color> currentColorAt(const AttributeSet& attributes,
+                                            const std::shared_ptr<const Color>& outer) {
+  Color color;
+  const bool isSaid = attributes.has(Attribute::color) &&
+                      ParseColor(attributes.text(Attribute::color), color, Variables::allowed) &&
+                      !std::holds_alternative<ColorKeys>(color);
+  return isSaid ? std::make_shared<const Color>(std::move(color)) : outer;
 }
 
 std::optional<WindingRule> parseWindingRule(const AttributeSet& attributes, Attribute attribute) {

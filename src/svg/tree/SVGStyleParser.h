@@ -30,6 +30,11 @@ void ParsePresentationAttributes(const AttributeSet& attributes, const StyleCont
 std::shared_ptr<Transform> parseTransformAttr(const AttributeSet& attributes, Attribute attribute,
                                               SVGRenderer& renderer);
 
+/// What "currentcolor" is at an element: its own "color", or the one around it. Null for black.
+/// Throws as ParseColor does.
+std::shared_ptr<const Color> currentColorAt(const AttributeSet& attributes,
+                                            const std::shared_ptr<const Color>& outer);
+
 /// The value of "fill-rule" or "clip-rule"; nothing when it is missing or invalid.
 std::optional<WindingRule> parseWindingRule(const AttributeSet& attributes, Attribute attribute);
 

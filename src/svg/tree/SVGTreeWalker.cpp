@@ -101,7 +101,7 @@ void SVGTreeWalker::Visit(const Reference& reference) {
   if (!visited_.insert(&reference).second) return;
   renderer_.Save(reference.style);
   placing_ = &reference;
-  walk(*target->second);
+  walk(reference.content != nullptr ? *reference.content : *target->second);
   placing_ = nullptr;
   renderer_.Restore();
   visited_.erase(&reference);

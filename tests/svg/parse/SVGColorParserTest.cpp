@@ -157,7 +157,7 @@ TEST_P(PaintTest, Parses) {
     EXPECT_EQ(kindOf(paint), kind);
   }
   if (kind == Expected::gradient) {
-    EXPECT_EQ(std::get<GradientPaint>(paint), gradients["g"]);
+    EXPECT_EQ(std::get<GradientPaint>(paint).gradient, gradients["g"]);
   }
 }
 

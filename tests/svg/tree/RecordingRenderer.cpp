@@ -68,7 +68,7 @@ std::string write(const GradientImpl& gradient) {
 
 std::string write(const Paint& paint) {
   if (const auto* color = std::get_if<ColorArray>(&paint)) return write(*color);
-  if (const auto* gradient = std::get_if<GradientPaint>(&paint)) return write(**gradient);
+  if (const auto* gradient = std::get_if<GradientPaint>(&paint)) return write(*gradient->gradient);
   return "UNRESOLVED";
 }
 

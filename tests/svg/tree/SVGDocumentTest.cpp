@@ -193,8 +193,17 @@ INSTANTIATE_TEST_SUITE_P(
                  "<path fill='url(#b)'/>"
                  "<linearGradient id='b' xlink:href='#a' y2='7'/>"
                  "<linearGradient id='a' href='#c' x2='5' y2='6' gradientUnits='userSpaceOnUse'/>"
-                 "<radialGradient id='c' x1='3'><stop/><stop offset='1'/></radialGradient>",
+                 "<linearGradient id='c' x1='3'><stop/><stop offset='1'/></linearGradient>",
                  {"path  fill linear(3 0 5 7) 0:0,0,0,1@1 1:0,0,0,1@1"}},
+        // What the other kind does not have is not handed on by it; the rest is.
+        DrawCase{"ReferredAcrossKinds",
+                 "<linearGradient id='l' href='#r'/>"
+                 "<radialGradient id='r' x1='3' cx='9' gradientUnits='userSpaceOnUse'>"
+                 "<stop/><stop offset='1'/></radialGradient>"
+                 "<radialGradient id='s' href='#m'/><linearGradient id='m' cy='7' href='#r'/>"
+                 "<path fill='url(#l)'/><path fill='url(#s)'/>",
+                 {"path  fill linear(0 0 300 0) 0:0,0,0,1@1 1:0,0,0,1@1",
+                  "path  fill radial(9 200 9 200 250) 0:0,0,0,1@1 1:0,0,0,1@1"}},
         DrawCase{"ReferringToItself",
                  "<linearGradient id='a' href='#b'/><linearGradient id='b' href='#a'/>"
                  "<path fill='url(#a)'/>",
@@ -218,17 +227,26 @@ INSTANTIATE_TEST_SUITE_P(
         // The box of a horizontal line has no height to measure in.
         DrawCase{"BoxWithoutArea",
                  "<linearGradient id='g'><stop/><stop offset='1'/></linearGradient>"
-                 "<path d='M0 0H9' fill='none' stroke='url(#g)'/>",
-                 {}},
+                 "<g color='lime' fill='none'><path d='M0 0H9' stroke='url(#g)'/>"
+                 "<path d='M0 0H8' stroke='url(#g) red'/><path d='M0 0H7' stroke='url(#g) none'/>"
+                 "<path d='M0 0H6' stroke='url(#g) currentColor'/>"
+                 "<path d='M0 0H5' stroke='url(#g) #'/></g>",
+                 {"save", "path M 0 0 L 8 0 stroke 1,0,0,1 width 1",
+                  "path M 0 0 L 6 0 stroke 0,1,0,1 width 1", "restore"}},
         DrawCase{"MissingOnes",
                  "<path fill='url(#x)'/><path fill='url(#x) red'/><path fill='url(#x) none'/>"
                  "<g fill='red'><path fill='url(#x)y'/></g>",
                  {"path  fill 1,0,0,1", "save", "path  fill 1,0,0,1", "restore"}},
+        // That of the stop or of what it stands in, not that of the element that is painted.
         DrawCase{"CurrentColorInStops",
-                 "<linearGradient id='g' gradientUnits='userSpaceOnUse'>"
-                 "<stop stop-color='currentColor'/><stop/></linearGradient>"
-                 "<path color='red' fill='url(#g)'/>",
-                 {"path  fill linear(0 0 300 0) 0:1,0,0,1@1 0:0,0,0,1@1"}}),
+                 "<g color='lime'><defs color='currentColor'><linearGradient id='g' "
+                 "gradientUnits='userSpaceOnUse'><stop stop-color='currentColor'/>"
+                 "<stop color='var(--a, blue)' stop-color='currentColor'/></linearGradient>"
+                 "</defs></g><linearGradient id='h'><stop stop-color='currentColor'/>"
+                 "</linearGradient><path color='red' fill='url(#g)'/>"
+                 "<path color='red' fill='url(#h)'/>",
+                 {"save", "restore", "path  fill linear(0 0 300 0) 0:0,1,0,1@1 0:0,0,1,1@1",
+                  "path " + kBlack}}),
     kCaseName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -303,6 +321,13 @@ INSTANTIATE_TEST_SUITE_P(
                  "<use href='#s' x='5' width='20' height='20'/>",
                  {"save [1 0 0 1 5 0]", "save", "save clip(R 0 0 20 20)", "save [1 0 0 1 5 0]",
                   "path R 0 0 10 10" + kBlack, "restore", "restore", "restore", "restore"}},
+        // Without a view box, percentages are of the size that the reference gives.
+        DrawCase{"SymbolsOfTheirReferencesSize",
+                 "<use href='#s' width='20' height='40'/><symbol id='s' width='100' height='100'>"
+                 "<rect id='r' width='50%' height='25%'/></symbol><use href='#r'/>",
+                 {"save", "save", "save clip(R 0 0 20 40)", "save [1 0 0 1 0 0]",
+                  "path R 0 0 10 10" + kBlack, "restore", "restore", "restore", "restore", "save",
+                  "path R 0 0 50 25" + kBlack, "restore"}},
         DrawCase{"SymbolsAsLargeAsTheirSurroundings",
                  "<symbol id='s' viewBox='0 0 30 20'><path/></symbol><use href='#s'/>",
                  {"save", "save", "save clip(R 0 0 300 400)", "save [10 0 0 10 0 100]",
@@ -347,6 +372,9 @@ INSTANTIATE_TEST_SUITE_P(
         DrawCase{"OfTheirOwnSize",
                  "<image href='data:image/png;base64,20x10' y='1'/>",
                  {"png", "image 20x10 in 0 1 20 10 at 0 1 20 10"}},
+        DrawCase{"DataInLines",
+                 "<image href='data:image/png;base64,\n 20&#9;x&#13;\n1&#10;0\n'/>",
+                 {"png", "image 20x10 in 0 0 20 10 at 0 0 20 10"}},
         DrawCase{"Ignored",
                  "<image href='data:image/gif;base64,20x10'/><image href='file:///a.png'/>"
                  "<image href='data:image/png,20x10'/><image/>",
@@ -404,6 +432,21 @@ TEST(SVGDocumentTest, TheViewBoxIsLaidIntoTheRequestedSize) {
                           "restore", "restore"));
 }
 
+// 15.9 by 16 units are a picture of 15 by 16, which has no margins.
+TEST(SVGDocumentTest, FractionsOfTheSizeAreStretchedAway) {
+  for (const char* box : {"", " viewBox='0 0 31.8 32'"}) {
+    const Parsed parsed("<svg width='15.9' height='16'" + std::string(box) + "/>");
+    const std::string content = *box == 0 ? "save [1 0 0 1 0 0]" : "save [0.5 0 0 0.5 0 0]";
+    parsed.document->Render(15, 16);
+    EXPECT_THAT(parsed.renderer->lines,
+                ElementsAre("save [0.943 0 0 1 0 0] clip(R 0 0 15.9 16)", content, "save",
+                            "restore", "restore", "restore"));
+    parsed.renderer->lines.clear();
+    parsed.document->Render();
+    EXPECT_EQ(parsed.renderer->lines[0], "save clip(R 0 0 15.9 16)");
+  }
+}
+
 TEST(SVGDocumentTest, WithoutAViewBoxTheSizeCounts) {
   const Parsed parsed("<svg width='10' height='20'><rect width='50%' height='50%'/></svg>");
   parsed.document->Render();
@@ -425,10 +468,20 @@ TEST(SVGDocumentTest, OneElementById) {
   EXPECT_EQ(parsed.renderer->lines[6], "save [0.5 0 0 0.5 0 0]");
 
   const Parsed colored("<svg width='10' height='20'><path id='p' fill='var(--a, red)'/></svg>");
-  colored.document->Render("p", ColorMap{{"--a", {0, 0.5f, 1, 0.25f}}}, 20, 40);
-  EXPECT_THAT(colored.renderer->lines,
-              ElementsAre("save clip(R 0 0 20 40)", "save [2 0 0 2 0 0]", "path  fill 0,0.5,1,0.25",
-                          "restore", "restore"));
+  const ColorMap colors{{"--a", {0, 0.5f, 1, 0.25f}}};
+  const std::string path = "path  fill 0,0.5,1,0.25";
+  colored.document->Render("p", colors, 20, 40);
+  EXPECT_THAT(colored.renderer->lines, ElementsAre("save clip(R 0 0 20 40)", "save [2 0 0 2 0 0]",
+                                                   path, "restore", "restore"));
+  // Without a size, the natural one.
+  const Lines natural{"save clip(R 0 0 10 20)", "save [1 0 0 1 0 0]", path, "restore", "restore"};
+  colored.renderer->lines.clear();
+  colored.document->Render("p", colors);
+  EXPECT_EQ(colored.renderer->lines, natural);
+  colored.renderer->lines.clear();
+  colored.document->Render(colors);
+  EXPECT_THAT(colored.renderer->lines, testing::Contains(path));
+  EXPECT_EQ(colored.renderer->lines[0], natural[0]);
 }
 
 TEST(SVGDocumentTest, BoundsAreTheRenderers) {

@@ -88,6 +88,20 @@ TEST(SVGHostileTextTest, ReferencesToLongPathsAreBounded) {
   EXPECT_LE(renderer->paths, 60);
 }
 
+// Each reference would have the symbol read once more.
+TEST(SVGHostileTextTest, SymbolsInManySizesAreBounded) {
+  const std::string rect = "<rect id='r' width='50%' height='50%'/>";
+  const std::string twice = "<use href='#sM' width='50%'/><use href='#sM' width='9'/>";
+  const auto chain = numberedAll("<symbol id='sN'>" + rect + twice + "</symbol>", 20);
+  EXPECT_LE(rendered(chain + "<use href='#s0'/>")->paths, 500001);
+  EXPECT_LE(rendered("<symbol id='s1'>" + rect + twice + "</symbol><use href='#s1'/>")->paths, 16);
+  const std::string long_ = "<path d='M0 0" + repeated("h1", 500000) + "'/>";
+  EXPECT_LE(
+      rendered("<symbol id='s'>" + rect + long_ + "</symbol>" + repeated("<use href='#s'/>", 5000))
+          ->paths,
+      120);
+}
+
 TEST(SVGHostileTextTest, ChainsOfReferencesAreBounded) {
   const auto renderer = rendered("<defs>" + numberedAll("<use id='uN' href='#uM'/>", 100000) +
                                  "<path id='u100000'/></defs><use href='#u0'/><path/>");
