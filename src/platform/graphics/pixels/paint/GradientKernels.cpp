@@ -12,11 +12,12 @@ namespace {
 /// vectorised.
 constexpr int32_t kBlock = 256;
 
-/// Clamped before the conversion, which is undefined outside the range of int; NaN gives 0.
+/// Clamped before the conversion, which is undefined outside the range of int; NaN gives 0, what
+/// lies before the first entry -1.
 inline int32_t entry(float location) {
   constexpr auto kLast = static_cast<float>(GradientTable::kSize - 1);
   const float low = location > 0 ? location : 0;
-  return static_cast<int32_t>(low < kLast ? low : kLast);
+  return static_cast<int32_t>(low < kLast ? low : kLast) - static_cast<int32_t>(location < 0);
 }
 
 /// Pixel i of the result is at `first` + i.

@@ -5,8 +5,9 @@
 #include "platform/graphics/pixels/paint/RGBAColor.h"
 
 /// Loops that turn positions along a row into pixels of a gradient table. Locations are in table
-/// entries plus one half, so that truncation rounds; they are held within the table. `out` takes
-/// the n pixels i from `first` on.
+/// entries plus one half, so that truncation rounds; they are held within the table, whose first
+/// entry is preceded by one for all that lies before it. `out` takes the n pixels i from `first`
+/// on.
 
 /// Entry start + i step.
 void linearGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,

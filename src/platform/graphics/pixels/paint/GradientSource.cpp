@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/paint/GradientKernels.h"
 #include "platform/graphics/pixels/paint/SpanKernels.h"
 
@@ -92,8 +91,7 @@ class LinearSource final : public RowSource {
 
   uint32_t constantPixel(double location) const {
     if (hides(location)) return 0;
-    const double entry = std::clamp(location, 0.0, 1.0) * kLastEntry;
-    return table_.pixels()[roundedHalfUp(entry)];
+    return table_.pixelAt(location * kLastEntry);
   }
 
   /// Rows that are all alike are computed once, in pieces as they are asked for.
@@ -161,7 +159,7 @@ class ConcentricSource final : public RowSource {
     const double location = offset_ + (inward_ ? -distance : distance);
     if (location < 0 && !extendsBefore(extent_)) return 0;
     if (location > kLastEntry && !extendsAfter(extent_)) return 0;
-    return table_.pixels()[roundedHalfUp(std::clamp(location, 0.0, kLastEntry))];
+    return table_.pixelAt(location);
   }
 
   const GradientTable& table_;
@@ -230,9 +228,7 @@ class TwoCircleSource final : public RowSource {
            (location <= 1 || extendsAfter(extent_));
   }
 
-  uint32_t pixelAt(double location) const {
-    return table_.pixels()[roundedHalfUp(std::clamp(location, 0.0, 1.0) * kLastEntry)];
-  }
+  uint32_t pixelAt(double location) const { return table_.pixelAt(location * kLastEntry); }
 
   uint32_t pixel(NSPoint p) const {
     const double b = p.x * move_.x + p.y * move_.y + startRadius_ * growth_;

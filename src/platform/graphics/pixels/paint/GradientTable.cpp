@@ -40,9 +40,11 @@ GradientTable::GradientTable(std::span<const GradientStop> stops, double alpha) 
 void GradientTable::sample(std::span<const GradientStop> sortedStops, double alpha) {
   int32_t first = 0;
   const auto paint = [&](int32_t end, const GradientRamp& ramp) {
-    if (end > first) rampPixels(pixels_.data() + first, first, end - first, ramp);
+    if (end > first) rampPixels(pixels_.data() + 1 + first, first, end - first, ramp);
     first = end;
   };
+  const RGBAColor start = sortedStops.front().color;
+  rampPixels(pixels_.data(), -1, 1, {start, start, 0, 1, alpha});
   const GradientStop* before = nullptr;
   for (const GradientStop& stop : sortedStops) {
     // A stop counts from its own location on.

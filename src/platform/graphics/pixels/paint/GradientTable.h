@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
 
+#include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/paint/RGBAColor.h"
 
 struct GradientStop {
@@ -26,12 +28,19 @@ class GradientTable {
   /// colour's alpha is scaled by `alpha`.
   GradientTable(std::span<const GradientStop> stops, double alpha);
 
-  const uint32_t* pixels() const { return pixels_.data(); }
+  /// The entries; the one at -1 is the colour before the start, which the first entry does not have
+  /// where several stops are at 0.
+  const uint32_t* pixels() const { return pixels_.data() + 1; }
+  /// The colour at any place, counted in entries from the first.
+  uint32_t pixelAt(double entry) const {
+    if (entry < -0.5) return pixels_.front();
+    return pixels()[roundedHalfUp(std::clamp<double>(entry, 0, kSize - 1))];
+  }
   bool opaque() const { return opaque_; }
 
  private:
   void sample(std::span<const GradientStop> sortedStops, double alpha);
 
-  std::array<uint32_t, kSize> pixels_{};
+  std::array<uint32_t, kSize + 1> pixels_{};
   bool opaque_ = false;
 };

@@ -61,6 +61,40 @@ TEST(GradientTable, AgreesWithInterpolationAtEveryEntryOfManyStops) {
   }
 }
 
+// A hard edge at the start: before it the first of its stops counts, from it on the last; at the
+// end it is the other way round.
+TEST(GradientTable, SeveralStopsAtAnEnd) {
+  const RGBAColor green{0, 1, 0, 1};
+  const GradientTable table(
+      std::vector<GradientStop>{
+          {0, kRed}, {0, green}, {0, kBlue}, {1, kBlue}, {1, green}, {1, kRed}},
+      1);
+  const auto colors = [&](const RowSource& source, int32_t from, int32_t step) {
+    std::vector<uint32_t> found;
+    for (int32_t at = from; at < from + 4 * step; at += step) {
+      found.push_back(pixelOf(const_cast<RowSource&>(source), at, at));
+    }
+    return found;
+  };
+  const std::vector<uint32_t> expected{0xff0000ffU, 0xffff0000U, 0xffff0000U, 0xff0000ffU};
+  // At 50 units each, the pixels lie before the start, twice between the ends, and after the end.
+  for (const LinearAxis& axis :
+       {LinearAxis{{0, 0}, {100, 0}}, LinearAxis{{0, 0}, {0, 100}}, LinearAxis{{0, 0}, {100, 3}}}) {
+    const auto source = linearGradientSource(table, axis, GradientExtent::both, {});
+    EXPECT_EQ(colors(*source, -25, 50), expected) << axis.end.x << ' ' << axis.end.y;
+  }
+  for (const RadialAxis& axis : {RadialAxis{{0, 0}, 50, {0, 0}, 150},
+                                 {{0, 0}, 50, {-9, 0}, 150},
+                                 {{0, 0}, 50, {-99, 0}, 150}}) {
+    const auto source = radialGradientSource(table, axis, GradientExtent::both, {});
+    EXPECT_EQ(pixelOf(*source, 20, 20), expected[0]) << axis.endCenter.x;
+    EXPECT_EQ(pixelOf(*source, -60, 0), expected[1]) << axis.endCenter.x;
+  }
+  const auto inward =
+      radialGradientSource(table, {{0, 0}, 150, {0, 0}, 50}, GradientExtent::both, {});
+  EXPECT_EQ(pixelOf(*inward, 200, 0), expected[0]);
+}
+
 /// The location of a point on the highest circle through it, by bisection over a dense scan.
 double locationByScan(const RadialAxis& axis, NSPoint p, double low, double high) {
   const auto outside = [&](double t) {
