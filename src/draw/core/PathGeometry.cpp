@@ -2,7 +2,10 @@
 
 #include <charconv>
 #include <cmath>
+#include <locale>
 #include <numbers>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -13,13 +16,23 @@ double normalized(double degrees) {
   return degrees;
 }
 
+/// The value of a number that is too large or too small for its kind; from_chars does not tell
+/// which.
+double outOfRangeValue(std::string_view text) {
+  std::istringstream in{std::string(text)};
+  in.imbue(std::locale::classic());
+  double value = 0;
+  in >> value;
+  return std::fabs(value) < 1 ? 0 : HUGE_VAL;
+}
+
 /// The number a text begins with after blanks, 0 when it begins with none.
 double doubleValue(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error == std::errc::result_out_of_range) return HUGE_VAL;
+  if (error == std::errc::result_out_of_range) return outOfRangeValue(text);
   return error == std::errc() && std::isfinite(value) ? value : 0;
 }
 
