@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <csetjmp>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -12,12 +13,16 @@
 
 namespace {
 
+constexpr size_t kSignatureBytes = 8;
+constexpr size_t kChunkHeader = 8;  // length and name
+constexpr size_t kChecksumBytes = 4;
+
 /// The library reports errors with longjmp, which must not pass over destructors: everything that
 /// owns something is a member, and the functions that call the library have plain local variables.
 class PNGReader {
  public:
   PNGReader(std::span<const uint8_t> file, PictureTarget& target)
-      : rest_(file),
+      : file_(file),
         target_(target),
         png_(png_create_read_struct_2(PNG_LIBPNG_VER_STRING, this, onError, onWarning, this,
                                       allocate, release)),
@@ -34,6 +39,7 @@ class PNGReader {
   static png_voidp allocate(png_structp png, png_alloc_size_t bytes);
   static void release(png_structp, png_voidp memory) { std::free(memory); }
   static void read(png_structp png, png_bytep out, size_t count);
+  void findCutData();
   void limitChunks();
   void readHeader();
   void askForRGBA();
@@ -41,13 +47,16 @@ class PNGReader {
   std::span<const uint8_t> exif();
   void readRows(uint8_t* pixels);
 
-  std::span<const uint8_t> rest_;
+  std::span<const uint8_t> file_;
+  size_t position_ = 0;
+  size_t cutData_ = SIZE_MAX;  // where the chunk of pixels begins that the file ends in
   PictureTarget& target_;
   png_structp png_;
   png_infop info_;
   PictureInfo picture_;
   size_t rowBytes_ = 0;
   bool interlaced_ = false;
+  int64_t finishedRows_ = 0;
   uint8_t* interlacedPixels_ = nullptr;
 };
 
@@ -59,10 +68,25 @@ png_voidp PNGReader::allocate(png_structp png, png_alloc_size_t bytes) {
 }
 
 void PNGReader::read(png_structp png, png_bytep out, size_t count) {
-  auto& rest = static_cast<PNGReader*>(png_get_io_ptr(png))->rest_;
-  if (rest.size() < count) png_error(png, "file too short");
-  std::memcpy(out, rest.data(), count);
-  rest = rest.subspan(count);
+  auto& reader = *static_cast<PNGReader*>(png_get_io_ptr(png));
+  if (reader.file_.size() - reader.position_ < count) png_error(png, "file too short");
+  std::memcpy(out, reader.file_.data() + reader.position_, count);
+  if (reader.position_ == reader.cutData_ && count == kChunkHeader) {
+    png_save_uint_32(out, static_cast<uint32_t>(reader.file_.size() - reader.position_ - count));
+  }
+  reader.position_ += count;
+}
+
+/// A chunk of pixels that the file ends in is given the length that is there: the library reads
+/// many rows at once, and would have none of them.
+void PNGReader::findCutData() {
+  size_t at = kSignatureBytes;
+  while (at + kChunkHeader <= file_.size()) {
+    const size_t end = at + kChunkHeader + png_get_uint_32(file_.data() + at);
+    const bool isData = std::memcmp(file_.data() + at + 4, "IDAT", 4) == 0;
+    if (isData && end > file_.size()) cutData_ = at;
+    at = end + kChecksumBytes;
+  }
 }
 
 /// Texts and times are not read at all; what is read may not grow without bound.
@@ -119,6 +143,7 @@ void PNGReader::readRows(uint8_t* pixels) {
     for (int64_t y = 0; y < picture_.height; ++y) {
       png_read_row(png_, pixels + static_cast<size_t>(y) * rowBytes_, nullptr);
       target_.finish(y, y + 1);
+      finishedRows_ = y + 1;
     }
     return;
   }
@@ -134,7 +159,10 @@ void PNGReader::decode() {
   if (info_ == nullptr) return target_.lackMemory();
   if (setjmp(png_jmpbuf(png_)) == 0) {
     png_set_read_fn(png_, this, read);
+    findCutData();
     limitChunks();
+    // The stream's own checksum stands behind everything that it is of.
+    png_set_option(png_, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
     readHeader();
     if (uint8_t* const pixels = target_.begin(picture_)) {
       askForRGBA();
@@ -142,7 +170,11 @@ void PNGReader::decode() {
     }
   }
   // Every pass shows the whole picture, only coarser.
-  if (interlacedPixels_ != nullptr) target_.finish(0, picture_.height);
+  if (interlacedPixels_ != nullptr) return target_.finish(0, picture_.height);
+  // The last row was there, but what stands behind it was not as it should be.
+  const bool isWhole = finishedRows_ == picture_.height - 1 &&
+                       png_get_current_row_number(png_) == png_get_image_height(png_, info_);
+  if (isWhole) target_.finish(finishedRows_, picture_.height);
 }
 
 }  // namespace

@@ -129,6 +129,22 @@ TEST(ImageDecoder, TruncatedPicturesYieldWhatIsThere) {
 
 TEST(ImageDecoder, DamagedPicturesEndCleanly) {
   unsigned state = 1;
+// Checksums stand behind the last row.
+TEST(ImageDecoder, AWholePictureNeedsNoSoundEnd) {
+  for (const char* name : {"png/rgba 8.png", "png/grey 1.png", "png/rgb 16 interlaced.png"}) {
+    const auto file = readFile(kPictures + "exact/" + name);
+    const auto whole = decodeImage(file);
+    // From the end: IEND 12 bytes, the checksum of the chunk 4, that of the stream 4.
+    for (size_t end = 13; end <= 20; ++end) {
+      auto damaged = file;
+      damaged[file.size() - end] ^= 1;
+      EXPECT_EQ(maxDifference(*decodeImage(damaged), *whole), 0) << name << ' ' << end;
+      damaged.resize(file.size() - end);
+      EXPECT_EQ(maxDifference(*decodeImage(damaged), *whole), 0) << name << " cut " << end;
+    }
+  }
+}
+
   for (const auto& path : picturesIn("exact")) {
     const auto file = readFile(path.string());
     for (int round = 0; round < 20; ++round) {
