@@ -52,12 +52,13 @@ def save(folder, name, data, pixels, width=W, height=H):
 
 
 def packed(pixels, bits, width, big=True):
-    """Rows of samples, each row filled up to whole bytes."""
+    """Rows of samples, each row filled up to whole bytes. Floating point has 0.5 bits more."""
     rows = []
     for start in range(0, len(pixels), width):
         samples = [s for p in pixels[start:start + width] for s in p]
-        if bits == 16:
-            rows.append(struct.pack((">" if big else "<") + "%dH" % len(samples), *samples))
+        kind = {16: "H", 32: "I", 16.5: "e", 32.5: "f", 64.5: "d"}.get(bits)
+        if kind:
+            rows.append(struct.pack((">" if big else "<") + "%d" % len(samples) + kind, *samples))
             continue
         text = "".join(format(s, "0%db" % bits) for s in samples)
         text += "0" * (-len(text) % 8)
@@ -254,7 +255,9 @@ def tiff(chunks, tags, big=True):
 
 
 def tiff_tags(samples, bits, photometric, compression=1, **more):
-    tags = {256: ("H", [W]), 257: ("H", [H]), 258: ("H", [bits] * samples),
+    if bits != int(bits):
+        more["t339"] = ("H", [3] * samples)
+    tags = {256: ("H", [W]), 257: ("H", [H]), 258: ("H", [int(bits)] * samples),
             259: ("H", [compression]), 262: ("H", [photometric]), 277: ("H", [samples])}
     tags.update({int(key[1:]): value for key, value in more.items()})
     return tags
@@ -324,6 +327,52 @@ def make_tiff(folder):
              tiff(strips(pixels, bits, 1), tiff_tags(1, bits, 3, t320=("H", table), **rows)),
              [colors[p[0]] + [255] for p in pixels])
     make_tiff_forms(folder, rows)
+    make_wide_tiff(folder, rows)
+    make_translucent_cmyk(folder, rows)
+
+
+def make_wide_tiff(folder, rows):
+    """Samples of more than 16 bits and floating point: each is a byte's worth, and some are none."""
+    odd = {-0.5: 0, 1.5: 255, float("inf"): 255, float("-inf"): 0, float("nan"): 0, 1e-7: 0}
+    for big in (True, False):
+        kind = "%s.tif" % ("big" if big else "little")
+        for bits in (32, 16.5, 32.5, 64.5):
+            name = "float %d " % bits if bits != 32 else "32 "
+            for samples, color, alpha in ((1, 1, 0), (1, 0, 0), (3, 2, 0), (4, 2, 2), (4, 5, 0)):
+                shown = ramp(samples, 8)
+                if bits == 32:
+                    stored = [[v * 0x01010101 for v in p] for p in shown]
+                else:
+                    stored = [[v / 255 for v in p] for p in shown]
+                    for i, value in enumerate(odd):
+                        stored[i + 2][0], shown[i + 2][0] = value, odd[value]
+                tags = tiff_tags(samples, bits, color, **rows)
+                if alpha:
+                    tags[338] = ("H", [alpha])
+                data = tiff(strips(stored, bits, samples, big=big), tags, big)
+                if color == 0:
+                    shown = [[255 - p[0]] for p in shown]
+                pixels = {0: gray_pixels, 1: gray_pixels, 2: rgb_pixels,
+                          5: cmyk_pixels}[color](shown, 8)
+                what = ["white is zero ", "grey ", "rgb ", "", "", "cmyk "][color]
+                what += "alpha " * (alpha > 0)
+                save(folder, what + name + kind, data, pixels)
+
+
+def make_translucent_cmyk(folder, rows):
+    pixels = ramp(5, 8)
+    pixels[2][4] = 0
+    shown = [premultiplied(*c[:3], p[4]) for c, p in zip(cmyk_pixels(pixels), pixels)]
+    tags = tiff_tags(5, 8, 5, t338=("H", [2]), **rows)
+    save(folder, "cmyk straight alpha 8.tif", tiff(strips(pixels, 8, 5), tags), shown)
+    tiled = tiff_tags(5, 8, 5, t338=("H", [2]), t322=("H", [16]), t323=("H", [16]))
+    save(folder, "cmyk straight alpha tiled.tif", tiff(tiles(pixels, 5, 1), tiled), shown)
+    mixed = [[(v * p[4] * 2 + 255) // 510 for v in p[:4]] + p[4:] for p in pixels]
+    straight = [[min(255, (v * 255 + p[4] // 2) // p[4]) if p[4] else v for v in p[:4]]
+                for p in mixed]
+    shown = [premultiplied(*c[:3], p[4]) for c, p in zip(cmyk_pixels(straight), mixed)]
+    tags[338] = ("H", [1])
+    save(folder, "cmyk premultiplied 8.tif", tiff(strips(mixed, 8, 5), tags), shown)
 
 
 def make_tiff_forms(folder, rows):
@@ -388,6 +437,33 @@ def from_lightness(lightness):
     return [srgb_byte(y)] * 3
 
 
+def lab_of(rgb):
+    linear = [v / 255 / 12.92 if v <= 10 else ((v / 255 + 0.055) / 1.055) ** 2.4 for v in rgb]
+    white = [sum(row) for row in SRGB]
+    x, y, z = (sum(SRGB[i][j] * linear[j] for j in range(3)) / white[i] for i in range(3))
+    x, y, z = (v ** (1 / 3) if v > 216 / 24389 else (24389 / 27 * v + 16) / 116 for v in (x, y, z))
+    return 116 * y - 16, 500 * (x - y), 200 * (y - z)
+
+
+def make_lab(folder, rows):
+    """With 16 bits every colour comes back; with 8, L*a*b* is coarse, so that colours are grey."""
+    shown = ramp(4, 8)
+    shades = [[p[0]] * 3 + p[3:] for p in shown]
+    for bits, pixels in ((8, shades), (16, shown)):
+        top, unit = (1 << bits) - 1, 1 << bits - 8
+        for kind, photometric in (("cie", 8), ("icc", 9)):
+            lightest = 65280 if photometric == 9 and bits == 16 else top
+            shift = 128 * unit if photometric == 9 else 0
+            stored = []
+            for p in pixels:
+                lightness, a, b = lab_of(p[:3])
+                stored.append([round(lightness * lightest / 100), round(a * unit) + shift & top,
+                               round(b * unit) + shift & top, p[3] * (top // 255)])
+            tags = tiff_tags(4, bits, photometric, t338=("H", [2]), **rows)
+            save(folder, "%s lab %d.tif" % (kind, bits), tiff(strips(stored, bits, 4), tags),
+                 rgb_pixels(pixels, 8))
+
+
 def make_profiles(folder):
     gray, adobe, cmyk = icc_profiles.gray(1.8), icc_profiles.adobe_rgb(), icc_profiles.cmyk()
     # Colours that sRGB has too: what lies outside is clipped, by every reader a little differently.
@@ -414,6 +490,7 @@ def make_profiles(folder):
     save(folder, "cmyk.tif", tiff(strips(blacks, 8, 4), tiff_tags(4, 8, 5, t34675=("B", cmyk),
                                                                   **rows)),
          [from_lightness(100 * (255 - p[3]) / 255) + [255] for p in blacks])
+    make_lab(folder, rows)
     # Profiles that do not fit are as good as none.
     plain = rgb_pixels(inside, 8)
     save(folder, "grey profile.png", png(inside, 2, 8, [iccp(gray)]), plain)

@@ -64,7 +64,8 @@ uint8_t* DecodedPicture::begin(const PictureInfo& info) {
   layout_ = info.layout;
   orientation_ = info.exif.empty() ? info.orientation : exifOrientation(info.exif);
   pixels_->setHasAlpha(layout_ == PixelLayout::straightRGBA ||
-                       layout_ == PixelLayout::premultipliedRGBA);
+                       layout_ == PixelLayout::premultipliedRGBA ||
+                       layout_ == PixelLayout::cmykAlpha);
   return pixels_->writableRows(0, 0);
 }
 
@@ -78,7 +79,7 @@ void DecodedPicture::finish(int64_t first, int64_t end) {
     }
     if (conversion_ != nullptr) {
       conversion_->convert(row, width);
-    } else if (layout_ == PixelLayout::cmyk) {
+    } else if (layout_ == PixelLayout::cmyk || layout_ == PixelLayout::cmykAlpha) {
       inksToOpaqueRow(row, row, width);
     }
     if (layout_ == PixelLayout::straightRGBA ||
@@ -86,6 +87,14 @@ void DecodedPicture::finish(int64_t first, int64_t end) {
       premultiplyRow(row, row, width);
     }
   }
+}
+
+void DecodedPicture::finishInks(int64_t first, int64_t end, const uint8_t* alpha) {
+  finish(first, end);
+  uint8_t* const rows = pixels_->writableRows(first, end);
+  const size_t count = static_cast<size_t>(end - first) * static_cast<size_t>(pixels_->width());
+  for (size_t i = 0; i < count; ++i) rows[i * 4 + 3] = alpha[i];
+  premultiplyRow(rows, rows, count);
 }
 
 std::optional<PixelBuffer> DecodedPicture::take() {

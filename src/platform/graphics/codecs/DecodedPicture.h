@@ -12,6 +12,7 @@ class DecodedPicture final : public PictureTarget {
  public:
   uint8_t* begin(const PictureInfo& info) override;
   void finish(int64_t first, int64_t end) override;
+  void finishInks(int64_t first, int64_t end, const uint8_t* alpha) override;
   void lackMemory() noexcept override { lacksMemory_ = true; }
 
   /// The pixels, to be called once, after decoding. Nothing when no row was finished; throws

@@ -16,7 +16,8 @@ enum class PixelLayout : uint8_t {
   opaqueRGB,  ///< red, green, blue, 255
   straightRGBA,
   premultipliedRGBA,
-  cmyk,  ///< inks, 255 is full ink
+  cmyk,       ///< inks, 255 is full ink
+  cmykAlpha,  ///< inks, whose alpha comes apart: finishInks
 };
 
 /// What the file's own samples are, and so which profiles fit them. Grey pixels are delivered with
@@ -47,6 +48,10 @@ class PictureTarget {
   /// Rows [first, end) hold their final samples. Each row is finished once or never; those that
   /// never are must have been left zero.
   virtual void finish(int64_t first, int64_t end) = 0;
+
+  /// The same for inks with alpha: `alpha` has a byte for each pixel of the rows. The inks are
+  /// straight.
+  virtual void finishInks(int64_t first, int64_t end, const uint8_t* alpha) = 0;
 
   /// The codec was refused memory; the picture is not to be had. May be called at any time.
   virtual void lackMemory() noexcept = 0;

@@ -36,7 +36,7 @@ class TIFFReader {
   }
 
   void readInfo();
-  PixelLayout alphaLayout() const;
+  TIFFAlpha alphaKind() const;
   std::optional<TIFFSampleLayout> sampleLayout() const;
   std::optional<TIFFColor> color() const;
   bool readPalette(TIFFSampleLayout& layout) const;
@@ -45,6 +45,7 @@ class TIFFReader {
   void describe(const TIFFSampleLayout& layout);
   void readStrips(const TIFFSampleLayout& layout, uint8_t* pixels);
   void readTiles(const TIFFSampleLayout& layout, uint8_t* pixels);
+  void finish(int64_t first, int64_t end);
   void readThroughLibrary();
 
   uint64_t fileBytes_;
@@ -52,6 +53,7 @@ class TIFFReader {
   PictureTarget& target_;
   TIFFHandle tiff_;
   PictureInfo picture_;
+  std::vector<uint8_t> alphas_;  // of the inks of the rows that are being read
 };
 
 std::optional<TIFFColor> TIFFReader::color() const {
@@ -67,6 +69,10 @@ std::optional<TIFFColor> TIFFReader::color() const {
     case PHOTOMETRIC_SEPARATED:
       if (field<uint16_t>(TIFFTAG_INKSET, INKSET_CMYK) == INKSET_CMYK) return TIFFColor::cmyk;
       break;
+    case PHOTOMETRIC_CIELAB:
+      return TIFFColor::signedLab;
+    case PHOTOMETRIC_ICCLAB:
+      return TIFFColor::iccLab;
     default:
       break;
   }
@@ -75,7 +81,7 @@ std::optional<TIFFColor> TIFFReader::color() const {
 
 /// What the first sample beyond the colours is. Files with a fourth sample that do not say what it
 /// is mean premultiplied alpha.
-PixelLayout TIFFReader::alphaLayout() const {
+TIFFAlpha TIFFReader::alphaKind() const {
   uint16_t count = 0;
   const uint16_t* kinds = nullptr;
   TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_EXTRASAMPLES, &count, &kinds);
@@ -83,8 +89,8 @@ PixelLayout TIFFReader::alphaLayout() const {
   const auto samples = field<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
   const bool unnamed = kind == EXTRASAMPLE_UNSPECIFIED && samples == 4 &&
                        field<uint16_t>(TIFFTAG_PHOTOMETRIC, 0) == PHOTOMETRIC_RGB;
-  if (kind == EXTRASAMPLE_ASSOCALPHA || unnamed) return PixelLayout::premultipliedRGBA;
-  return kind == EXTRASAMPLE_UNASSALPHA ? PixelLayout::straightRGBA : PixelLayout::opaqueRGB;
+  if (kind == EXTRASAMPLE_ASSOCALPHA || unnamed) return TIFFAlpha::premultiplied;
+  return kind == EXTRASAMPLE_UNASSALPHA ? TIFFAlpha::straight : TIFFAlpha::none;
 }
 
 bool TIFFReader::readPalette(TIFFSampleLayout& layout) const {
@@ -105,23 +111,33 @@ bool TIFFReader::readPalette(TIFFSampleLayout& layout) const {
   return true;
 }
 
+bool canUnpack(const TIFFSampleLayout& layout) {
+  const int bits = layout.bits;
+  if (layout.isFloat && bits != 16 && bits != 32 && bits != 64) return false;
+  if (!layout.isFloat && (bits < 1 || (bits > 16 && bits != 32))) return false;
+  const bool isLab = layout.color == TIFFColor::signedLab || layout.color == TIFFColor::iccLab;
+  if (isLab && (layout.isFloat || (bits != 8 && bits != 16))) return false;
+  if (layout.color == TIFFColor::palette && (layout.isFloat || bits > 16)) return false;
+  return layout.samples >= layout.colorSamples() && layout.samples <= kMaxSamples;
+}
+
 /// The layout of rows that are unpacked here; nothing for the rarer forms.
 std::optional<TIFFSampleLayout> TIFFReader::sampleLayout() const {
   const auto whatColor = color();
-  const auto bits = field<uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
   const auto format = field<uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
   const auto planes = field<uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  if (!whatColor || bits < 1 || bits > 16 || planes != PLANARCONFIG_CONTIG ||
-      (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_VOID)) {
+  const bool isFloat = format == SAMPLEFORMAT_IEEEFP;
+  if (!whatColor || planes != PLANARCONFIG_CONTIG ||
+      (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_VOID && !isFloat)) {
     return std::nullopt;
   }
   TIFFSampleLayout layout;
   layout.color = *whatColor;
-  layout.bits = bits;
+  layout.bits = field<uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
+  layout.isFloat = isFloat;
   layout.samples = field<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
-  if (layout.samples < layout.colorSamples() || layout.samples > kMaxSamples) return std::nullopt;
-  layout.alpha = layout.samples > layout.colorSamples() && layout.color != TIFFColor::cmyk &&
-                 alphaLayout() != PixelLayout::opaqueRGB;
+  if (!canUnpack(layout)) return std::nullopt;
+  if (layout.samples > layout.colorSamples()) layout.alpha = alphaKind();
   if (layout.color == TIFFColor::palette && !readPalette(layout)) return std::nullopt;
   return layout;
 }
@@ -138,8 +154,17 @@ void TIFFReader::readInfo() {
   }
 }
 
+void TIFFReader::finish(int64_t first, int64_t end) {
+  if (picture_.layout == PixelLayout::cmykAlpha) {
+    target_.finishInks(first, end, alphas_.data());
+  } else {
+    target_.finish(first, end);
+  }
+}
+
 void TIFFReader::readStrips(const TIFFSampleLayout& layout, uint8_t* pixels) {
   const auto width = static_cast<size_t>(picture_.width);
+  if (picture_.layout == PixelLayout::cmykAlpha) alphas_.resize(width);
   const auto stripRows = std::max<uint32_t>(1, field<uint32_t>(TIFFTAG_ROWSPERSTRIP, UINT32_MAX));
   std::vector<uint8_t> packed(static_cast<size_t>(TIFFScanlineSize64(tiff_.get())));
   for (int64_t y = 0; y < picture_.height;) {
@@ -149,8 +174,9 @@ void TIFFReader::readStrips(const TIFFSampleLayout& layout, uint8_t* pixels) {
       y = (y / stripRows + 1) * stripRows;
       continue;
     }
-    unpackRow(layout, packed.data(), width, pixels + static_cast<size_t>(y) * width * 4);
-    target_.finish(y, y + 1);
+    unpackRow(layout, packed.data(), width, pixels + static_cast<size_t>(y) * width * 4,
+              alphas_.empty() ? nullptr : alphas_.data());
+    finish(y, y + 1);
     ++y;
   }
 }
@@ -160,8 +186,10 @@ void TIFFReader::readTiles(const TIFFSampleLayout& layout, uint8_t* pixels) {
   const int64_t tileHeight = field<uint32_t>(TIFFTAG_TILELENGTH, 0);
   const auto rowBytes = static_cast<size_t>(TIFFTileRowSize64(tiff_.get()));
   std::vector<uint8_t> packed(static_cast<size_t>(TIFFTileSize64(tiff_.get())));
+  const bool hasAlphas = picture_.layout == PixelLayout::cmykAlpha;
   for (int64_t top = 0; top < picture_.height; top += tileHeight) {
     const int64_t bottom = std::min(top + tileHeight, picture_.height);
+    if (hasAlphas) alphas_.assign(static_cast<size_t>((bottom - top) * picture_.width), 0);
     for (int64_t left = 0; left < picture_.width; left += tileWidth) {
       if (TIFFReadTile(tiff_.get(), packed.data(), static_cast<uint32_t>(left),
                        static_cast<uint32_t>(top), 0, 0) < 0) {
@@ -170,11 +198,13 @@ void TIFFReader::readTiles(const TIFFSampleLayout& layout, uint8_t* pixels) {
       }
       const auto count = static_cast<size_t>(std::min(tileWidth, picture_.width - left));
       for (int64_t y = top; y < bottom; ++y) {
+        const auto inRows = static_cast<size_t>((y - top) * picture_.width + left);
         unpackRow(layout, packed.data() + static_cast<size_t>(y - top) * rowBytes, count,
-                  pixels + static_cast<size_t>(y * picture_.width + left) * 4);
+                  pixels + static_cast<size_t>(y * picture_.width + left) * 4,
+                  hasAlphas ? alphas_.data() + inRows : nullptr);
       }
     }
-    target_.finish(top, bottom);
+    finish(top, bottom);
   }
 }
 
@@ -185,7 +215,10 @@ void TIFFReader::readThroughLibrary() {
   static_assert(std::endian::native == std::endian::little, "red is the lowest byte of a pixel");
   picture_.layout = PixelLayout::premultipliedRGBA;
   picture_.model = ColorModel::rgb;
-  if (color() == TIFFColor::cmyk) picture_.profile = {};
+  const auto whatColor = color();
+  const bool isConverted = whatColor == TIFFColor::cmyk || whatColor == TIFFColor::signedLab ||
+                           whatColor == TIFFColor::iccLab;
+  if (isConverted) picture_.profile = {};
   void* const pixels = target_.begin(picture_);
   if (pixels == nullptr) return;
   if (TIFFReadRGBAImageOriented(tiff_.get(), static_cast<uint32_t>(picture_.width),
@@ -221,12 +254,18 @@ bool TIFFReader::piecesFit(const TIFFSampleLayout& layout, bool tiled) const {
 void TIFFReader::describe(const TIFFSampleLayout& layout) {
   if (layout.color == TIFFColor::cmyk) {
     picture_.model = ColorModel::cmyk;
-    picture_.layout = PixelLayout::cmyk;
+    const bool hasAlpha = layout.alpha != TIFFAlpha::none;
+    picture_.layout = hasAlpha ? PixelLayout::cmykAlpha : PixelLayout::cmyk;
     return;
   }
-  const bool colored = layout.color == TIFFColor::rgb || layout.color == TIFFColor::palette;
-  picture_.model = colored ? ColorModel::rgb : ColorModel::gray;
-  picture_.layout = layout.alpha ? alphaLayout() : PixelLayout::opaqueRGB;
+  const bool isGray =
+      layout.color == TIFFColor::whiteIsZero || layout.color == TIFFColor::blackIsZero;
+  picture_.model = isGray ? ColorModel::gray : ColorModel::rgb;
+  const bool isLab = layout.color == TIFFColor::signedLab || layout.color == TIFFColor::iccLab;
+  if (isLab) picture_.profile = {};
+  constexpr PixelLayout kLayouts[] = {PixelLayout::opaqueRGB, PixelLayout::straightRGBA,
+                                      PixelLayout::premultipliedRGBA};
+  picture_.layout = kLayouts[static_cast<size_t>(layout.alpha)];
 }
 
 void TIFFReader::decode() {
