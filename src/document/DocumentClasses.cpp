@@ -4,6 +4,7 @@
 
 #include "document/DrawGroup.h"
 #include "document/PaintManager.h"
+#include "draw/core/DrawClasses.h"
 #include "draw/image/ImageDrawClasses.h"
 #include "draw/raster/RasterDrawClasses.h"
 #include "draw/shapes/ShapeDrawClasses.h"
@@ -22,4 +23,9 @@ void registerDocumentClasses() {
     registerRasterDrawClasses();
     registerImageDrawClasses();
   });
+}
+
+// Groups hold draws of every family.
+void registerDrawClasses() {
+  registerDocumentClasses();
 }

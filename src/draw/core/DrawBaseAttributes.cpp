@@ -1,6 +1,7 @@
 // Attribute dictionaries: how attributes travel from one draw to another.
 #include "draw/core/DrawAttributes.h"
 #include "draw/core/DrawBase.h"
+#include "draw/core/DrawClasses.h"
 #include "platform/foundation/values/NSString.h"
 #include "platform/foundation/values/NSValue.h"
 #include "platform/graphics/color/NSColor.h"
@@ -68,6 +69,7 @@ bool DrawBase::canSetDrawAttributes(const NSDictionary* attributes) const {
   if (isKindOf({"DrawClear", "DrawGroup", "DrawEraser"})) return false;
   const auto name = attributes->objectOfClass<NSString>(kClassName);
   if (name == nullptr) return true;
+  registerDrawClasses();
   const NSClass* sourceClass = NSClassFromString(name->string());
   if (sourceClass == nullptr) return false;
   if (isMemberOfClass(*sourceClass)) return true;

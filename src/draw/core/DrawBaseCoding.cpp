@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "draw/core/DrawBase.h"
+#include "draw/core/DrawClasses.h"
 #include "draw/core/PaintManagerContext.h"
 #include "draw/core/ReflectionLimits.h"
 #include "platform/foundation/NSException.h"
@@ -192,6 +193,7 @@ std::shared_ptr<NSArray> decodedList(const std::shared_ptr<const NSData>& data) 
 /// The list in an archive of draws; null when it is empty or cannot be read.
 std::shared_ptr<NSArray> listFromEncodedData(const std::shared_ptr<const NSData>& data) {
   if (data == nullptr || data->length() == 0) return nullptr;
+  registerDrawClasses();
   try {
     auto list = decodedList(data);
     return list != nullptr && list->count() > 0 ? list : nullptr;
@@ -224,6 +226,7 @@ std::shared_ptr<NSObject> DrawBase::bezierPathData() const {
 void DrawBase::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
   const auto archive = std::dynamic_pointer_cast<NSData>(data);
   if (archive == nullptr) return;
+  registerDrawClasses();
   try {
     auto path = std::dynamic_pointer_cast<NSBezierPath>(
         NSKeyedUnarchiver::unarchiveObjectWithData(archive));

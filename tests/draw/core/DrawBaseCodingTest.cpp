@@ -12,6 +12,21 @@
 #include "support/Archives.h"
 #include "support/Documents.h"
 
+// Before anything else of the process was read.
+TEST(DrawBaseClasses, ArchivesOfDrawsAreReadFirst) {
+  const auto rectangle = std::make_shared<DrawRectangle>();
+  rectangle->init();
+  rectangle->bezierPath()->appendBezierPathWithRect(NSMakeRect(1, 2, 3, 4));
+  EXPECT_TRUE(rectangle->canSetDrawAttributes(rectangle->drawAttributes().get()));
+  DrawRectangle other;
+  other.init();
+  other.setBezierPathWithData(rectangle->bezierPathData());
+  EXPECT_EQ(other.pathBounds(), NSMakeRect(1, 2, 3, 4));
+  const auto read = DrawBase::drawFromEncodedData(DrawBase::encodedData(rectangle));
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->pathBounds(), NSMakeRect(1, 2, 3, 4));
+}
+
 class DrawBaseCoding : public testing::Test {
  protected:
   const DrawBase& draw(const std::string& title) {
