@@ -89,7 +89,8 @@ void DrawAirbrush::replaceBezierPathWithImageIfPossible() {
 void DrawAirbrush::_draw(CastShadow cast) {
   const auto baked = image();
   if (baked == nullptr) return DrawBase::_draw(cast);
-  if (!bezierPath_->isEmpty() && drawStroke() && colorStroke_ != nullptr) drawBaked(*baked, cast);
+  // Switching the stroke off hides dots, which are strokes, but no bitmap.
+  if (!bezierPath_->isEmpty() && colorStroke_ != nullptr) drawBaked(*baked, cast);
 }
 
 void DrawAirbrush::drawBaked(const NSBitmapImageRep& image, CastShadow cast) const {

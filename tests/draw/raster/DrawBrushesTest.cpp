@@ -300,6 +300,8 @@ TEST(DrawAirbrush, StoredSpraysAreRead) {
         EXPECT_EQ(pixelAt(*bitmap, x, 15 - y), (Pixel{0, 0, level, level})) << x << ", " << y;
       }
     }
+    draw->setEnableStroke(false);
+    EXPECT_EQ(alphaAt(*drawnOn(*draw, 0), 6, 5), 64) << "only dots are strokes";
     draw->setOpacity(50);
     draw->setRotateDegree(180);
     const auto turned = drawnOn(*draw, 0);
