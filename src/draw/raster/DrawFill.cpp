@@ -36,6 +36,11 @@ NSSize sizeDifference(const NSRect& a, const NSRect& b) {
   return {std::fabs(NSWidth(a) - NSWidth(b)), std::fabs(NSHeight(a) - NSHeight(b))};
 }
 
+/// Where a mask is drawn that is not as large as its path.
+NSPoint drawnOrigin(const NSRect& path) {
+  return {std::trunc(path.origin.x + 0.5), std::trunc(path.origin.y + 0.5)};
+}
+
 }  // namespace
 
 std::shared_ptr<DrawFill> DrawFill::initWithImageMask(std::shared_ptr<ImageMask> mask) {
@@ -178,9 +183,9 @@ void DrawFill::paintMask() const {
   context.setImageInterpolation(NSImageInterpolation::none);
   port.concatenate(transform().transformStruct());
   const NSRect rect = pathBounds();
+  const NSPoint origin = drawnOrigin(rect);
   port.concatenate(
-      CGAffineTransformMakeTranslation(std::trunc(rect.origin.x + 0.5) - rect.origin.x,
-                                       std::trunc(rect.origin.y + 0.5) - rect.origin.y));
+      CGAffineTransformMakeTranslation(origin.x - rect.origin.x, origin.y - rect.origin.y));
   port.drawReplacing(*image, rect, colorFill_->alphaComponent());
 }
 
@@ -191,13 +196,30 @@ void DrawFill::upgradeDecoded(bool typeIsKnown) {
     fillType_ = kMaskFill;
     resetPathToMask();
   } else if (fillType_ == kMaskFill) {
-    // Paths of older records may be off by a line width.
-    constexpr CGFloat kNearly = 1.1;
-    const NSSize difference = sizeDifference(pathBounds(), mask_->maskRect());
-    if (!isTurned() || difference.width < kNearly || difference.height < kNearly) {
-      resetPathToMask();
-    }
+    if (readsPathFromMask()) resetPathToMask();
   }
+}
+
+// What reading makes of the path of a fill that is held in its mask.
+bool DrawFill::readsPathFromMask() const {
+  // Paths of older records may be off by a line width.
+  constexpr CGFloat kNearly = 1.1;
+  const NSSize difference = sizeDifference(pathBounds(), mask_->maskRect());
+  return !isTurned() || difference.width < kNearly || difference.height < kNearly;
+}
+
+// The mask in the path's size, where the path will be lost. The draw keeps its own mask, which
+// comes back whole when the path does.
+std::shared_ptr<const ImageMask> DrawFill::maskToWrite() const {
+  const NSRect path = pathBounds();
+  const NSRect rect = mask_->maskRect();
+  const NSSize difference = sizeDifference(path, rect);
+  if (!readsPathFromMask() || (difference.width < 1 && difference.height < 1)) return mask_;
+  auto scaled =
+      mask_->imageMaskScaledByX(NSWidth(path) / NSWidth(rect), NSHeight(path) / NSHeight(rect));
+  if (scaled == nullptr) return mask_;
+  scaled->setMaskStartPoint(drawnOrigin(path));
+  return scaled;
 }
 
 bool DrawFill::initWithCoder(NSCoder& coder) {
@@ -217,7 +239,7 @@ void DrawFill::encodeWithCoder(NSCoder& coder) const {
   record.colorStroke_ = colorFill_;
   record.DrawBase::encodeWithCoder(coder);
   coder.encodeInteger(fillType_, kFillType);
-  if (fillType_ == kMaskFill && mask_ != nullptr) coder.encodeObject(mask_, kMask);
+  if (fillType_ == kMaskFill && mask_ != nullptr) coder.encodeObject(maskToWrite(), kMask);
 }
 
 void DrawClear::init() {

@@ -66,6 +66,8 @@ class DrawFill : public DrawBase {
   void setPathStyle();
   void upgradeDecoded(bool typeIsKnown);
   void resetPathToMask();
+  bool readsPathFromMask() const;
+  std::shared_ptr<const ImageMask> maskToWrite() const;
   void useRectangleOfFullMask();
 
   int64_t fillType_ = kMaskFill;

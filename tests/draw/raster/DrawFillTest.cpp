@@ -256,6 +256,23 @@ TEST(DrawFill, TheMaskFollowsThePath) {
   EXPECT_EQ(fill->rotateDegree(), -30);
 }
 
+// In files, the path of such a fill is its mask's rectangle.
+TEST(DrawFill, ScaledMasksAreWrittenInTheirSize) {
+  const auto fill = fillOf(maskOf({"##.", "#.#"}, 2, 3));
+  fill->scaleByX(3, 2, {1, 1}, ResizeLineWidth::no);
+  const auto before = drawnOnWhite(*fill, 20, 20);
+  const auto read = throughArchive(fill);
+  EXPECT_EQ(read->pathBounds(), NSMakeRect(4, 5, 9, 4));
+  const PixelRows rows{"######...", "######...", "###...###", "###...###"};
+  EXPECT_EQ(rowsOf(*drawnOnWhite(*read, 20, 20), kRed), placedRows(20, 20, rows, 4, 5));
+  EXPECT_EQ(maxDifference(*drawnOnWhite(*read, 20, 20), *before), 0);
+  // The draw itself keeps its mask, for when the path comes back.
+  EXPECT_EQ(fill->mask()->maskRect().size, NSMakeSize(3, 2));
+  fill->setRotateDegree(90);
+  const auto turned = throughArchive(fill);
+  EXPECT_EQ(turned->pathBounds(), fill->pathBounds()) << "turned fills keep their path";
+}
+
 TEST(DrawFill, DrawnPicturesTakeANewColour) {
   const auto fill = fillOf(maskOf(kRing, 2, 2));
   fill->setRotateDegree(180);
