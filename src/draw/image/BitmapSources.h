@@ -57,18 +57,20 @@ class SVGPicture final : public BitmapSource {
 /// Another picture through an image filter.
 class FilteredPicture final : public BitmapSource {
  public:
-  /// Settings and scissor may be null.
+  /// Settings and scissor may be null. `shown` is the draw's size.
   FilteredPicture(std::shared_ptr<const BitmapSource> plain, int64_t type,
                   std::shared_ptr<const NSDictionary> settings,
-                  std::shared_ptr<const NSObject> scissor)
+                  std::shared_ptr<const NSObject> scissor, const NSSize& shown)
       : plain_(std::move(plain)),
         type_(type),
         settings_(std::move(settings)),
-        scissor_(std::move(scissor)) {}
+        scissor_(std::move(scissor)),
+        shown_(shown) {}
   const BitmapSource& plain() const { return *plain_; }
   int64_t type() const { return type_; }
   std::shared_ptr<NSBitmapImageRep> bitmap(CGFloat scale) const override {
-    return ImageFilterMembers::image(plain_->bitmap(scale), type_, settings_.get(), scissor_.get());
+    return ImageFilterMembers::effect(plain_->bitmap(scale), type_, settings_.get(), scissor_.get(),
+                                      shown_);
   }
 
  private:
@@ -76,4 +78,5 @@ class FilteredPicture final : public BitmapSource {
   int64_t type_;
   std::shared_ptr<const NSDictionary> settings_;
   std::shared_ptr<const NSObject> scissor_;
+  NSSize shown_;
 };

@@ -19,7 +19,8 @@ void DrawFilter::setImage(std::shared_ptr<NSBitmapImageRep> image) {
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawFilter::imageForDrawing() {
-  return effectOf(image(), keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);
+  return effectOf(image(), pathBounds().size,
+                  keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);
 }
 
 std::shared_ptr<NSDictionary> DrawFilter::drawAttributes() const {

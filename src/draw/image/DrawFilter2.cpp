@@ -40,14 +40,15 @@ std::shared_ptr<const BitmapSource> DrawFilter2::pictureSource() const {
   if (plain == nullptr || dicFilterSettings_ == nullptr) return plain;
   return std::make_shared<FilteredPicture>(
       std::move(plain), dFilterType_, std::make_shared<NSMutableDictionary>(*dicFilterSettings_),
-      imageScissor_);
+      imageScissor_, pathBounds().size);
 }
 
 std::shared_ptr<NSBitmapImageRep> DrawFilter2::imageForDrawing() {
   if (isRecordingDrawing()) return image();
   if (auto effect = cachedEffect()) return effect;
   // A picture that is decoded anew for every drawing takes its effect along when it goes.
-  return effectOf(image(), keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);
+  return effectOf(image(), pathBounds().size,
+                  keepsImage() ? KeepEffect::always : KeepEffect::whileUsed);
 }
 
 void DrawFilter2::flip(bool horizontal) {

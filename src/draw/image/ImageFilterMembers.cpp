@@ -1,9 +1,12 @@
 #include "draw/image/ImageFilterMembers.h"
 
+#include <cmath>
+
 #include "draw/core/DrawAttributes.h"
 #include "draw/image/ImageFilters.h"
 #include "draw/raster/ImageMask.h"
 #include "platform/foundation/values/NSCoder.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
 #include "platform/graphics/path/NSBezierPath.h"
 
 namespace {
@@ -40,6 +43,24 @@ Bitmap scissored(const Bitmap& image, const NSObject* scissor) {
   return image;
 }
 
+/// Whether `shown` has the proportions of `whole` rather than those of a part of it.
+bool showsWhole(const NSSize& shown, const NSSize& whole, const NSSize& part) {
+  const auto distance = [&](const NSSize& size) {
+    return std::fabs(std::log(shown.width * size.height / (shown.height * size.width)));
+  };
+  return !(distance(part) < distance(whole));
+}
+
+/// A part of a picture where it lies in the picture, which is transparent elsewhere.
+Bitmap placed(const Bitmap& part, const NSSize& whole, const NSRect& maskRect) {
+  Bitmap result;
+  if (!InitImageRep(whole, &result)) return nullptr;
+  const ZTFocusScope focus(result);
+  const NSRect inside = NSIntersectionRect(maskRect, {NSZeroPoint, whole});
+  drawInRect(*part, {inside.origin, part->size()});
+  return result;
+}
+
 std::shared_ptr<NSMutableDictionary> mutableCopy(const NSDictionary* dictionary) {
   return dictionary != nullptr ? std::make_shared<NSMutableDictionary>(*dictionary) : nullptr;
 }
@@ -69,6 +90,15 @@ Bitmap ImageFilterMembers::image(const Bitmap& image, int64_t withFilter,
   return scissored(ImageWithFilter(image, name, ExtendEdges::yes, settings), scissor);
 }
 
+Bitmap ImageFilterMembers::effect(const Bitmap& plain, int64_t type, const NSDictionary* settings,
+                                  const NSObject* scissor, const NSSize& shown) {
+  Bitmap result = image(plain, type, settings, scissor);
+  const auto* mask = dynamic_cast<const ImageMask*>(scissor);
+  const bool isPart = mask != nullptr && result != nullptr && extendImageWhenApplyFilter(type);
+  if (!isPart || !showsWhole(shown, plain->size(), result->size())) return result;
+  return placed(result, plain->size(), mask->maskRect());
+}
+
 void ImageFilterMembers::setFilterSettings(const NSDictionary* settings) {
   dicFilterSettings_ = mutableCopy(settings);
   dropEffect();
@@ -83,11 +113,12 @@ Bitmap ImageFilterMembers::cachedEffect() const {
   return imageEffect_ != nullptr ? imageEffect_ : usedEffect_.lock();
 }
 
-Bitmap ImageFilterMembers::effectOf(const Bitmap& plain, KeepEffect keep) {
+Bitmap ImageFilterMembers::effectOf(const Bitmap& plain, const NSSize& shown, KeepEffect keep) {
   if (dicFilterSettings_ == nullptr || plain == nullptr) return plain;
   Bitmap effect = cachedEffect();
   if (effect == nullptr) {
-    effect = image(plain, dFilterType_, dicFilterSettings_.get(), imageScissor_.get());
+    effect =
+        this->effect(plain, dFilterType_, dicFilterSettings_.get(), imageScissor_.get(), shown);
     usedEffect_ = effect;
   }
   if (keep == KeepEffect::always) imageEffect_ = effect;

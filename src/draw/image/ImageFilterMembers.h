@@ -42,6 +42,12 @@ class ImageFilterMembers {
                                                  int64_t withFilter, const NSDictionary* settings,
                                                  const NSObject* scissor);
 
+  /// What a draw of the size `shown` shows: the same, but where the draw is as the whole bitmap is,
+  /// not as the part inside a mask, that part lies on a transparent bitmap of the whole size.
+  static std::shared_ptr<NSBitmapImageRep> effect(const std::shared_ptr<NSBitmapImageRep>& plain,
+                                                  int64_t type, const NSDictionary* settings,
+                                                  const NSObject* scissor, const NSSize& shown);
+
   // ---- Properties.
   int64_t filterType() const { return dFilterType_; }
   std::string filterName() const { return nameOfFilterWithType(dFilterType_); }
@@ -63,10 +69,10 @@ class ImageFilterMembers {
   void initFilter(int64_t type, std::shared_ptr<NSObject> selection);
 
   enum class KeepEffect : uint8_t { always, whileUsed };
-  /// What a draw with that bitmap shows. A filtered bitmap is computed once and kept, until it is
-  /// dropped or only as long as somebody uses it.
+  /// What a draw with that bitmap shows in the size `shown`. A filtered bitmap is computed once and
+  /// kept, until it is dropped or only as long as somebody uses it.
   std::shared_ptr<NSBitmapImageRep> effectOf(const std::shared_ptr<NSBitmapImageRep>& plain,
-                                             KeepEffect keep);
+                                             const NSSize& shown, KeepEffect keep);
   /// The filtered bitmap if it is kept; null for a draw without settings.
   std::shared_ptr<NSBitmapImageRep> cachedEffect() const;
   void dropEffect();

@@ -246,15 +246,21 @@ TEST_F(Filters, PathsAsScissors) {
 
 TEST_F(Filters, MasksAsScissors) {
   const auto whole = shown("type 1");
-  const auto result = shown("blur in a mask");
   // Twenty by sixteen pixels of the lower left corner; four by six of them are not in the mask.
-  ASSERT_EQ(result->size(), NSMakeSize(20, 16));
-  for (int64_t y = 0; y < 16; ++y) {
-    for (int64_t x = 0; x < 20; ++x) {
-      const bool out = y >= 6 && y < 12 && x >= 8 && x < 12;
-      EXPECT_EQ(pixelAt(*result, x, y), out ? Pixel{} : pixelAt(*whole, x, 32 + y));
-    }
-  }
+  const auto inMask = [](int64_t x, int64_t y) {
+    return x < 20 && y >= 32 && !(y >= 38 && y < 44 && x >= 8 && x < 12);
+  };
+  const auto result = shown("blur in a mask");
+  ASSERT_EQ(result->size(), NSMakeSize(64, 48));
+  const auto expected = makeBitmap(
+      64, 48, [&](int64_t x, int64_t y) { return inMask(x, y) ? pixelAt(*whole, x, y) : Pixel{}; });
+  EXPECT_EQ(maxDifference(*result, *expected), 0);
+  // A draw of the part alone shows the part alone, in whatever size.
+  const auto part = titled("blur in a mask");
+  part->setBezierPath(NSBezierPath::bezierPathWithRect(NSMakeRect(5, 5, 40, 32)));
+  part->setFilterSettings(part->filterSettings().get());
+  const auto cropped = CropImage(expected, NSMakeRect(0, 0, 20, 16));
+  EXPECT_EQ(maxDifference(*part->imageForDrawing(), *cropped), 0);
   EXPECT_EQ(shown("blur in a mask outside"), nullptr);
   EXPECT_EQ(maxDifference(*shown("edges in a mask"), *shown("type 5")), 0);
   EXPECT_EQ(titled("scissor of another class")->imageScissor(), nullptr);
