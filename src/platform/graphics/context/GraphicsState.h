@@ -15,7 +15,7 @@ enum class NSImageInterpolation : uint8_t {
   automatic = 0,  ///< as high
   none = 1,       ///< the nearest pixel
   low = 2,        ///< bilinear
-  high = 3,       ///< the resampling filter; bilinear under rotation
+  high = 3,       ///< the resampling filter, turned pictures too
 };
 
 /// A drop shadow. The offset is in the canvas's own axes (x to the right, y up, canvas units),

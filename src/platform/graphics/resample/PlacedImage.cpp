@@ -32,7 +32,7 @@ class ReducedImageSource final : public RowSource {
   ReducedImageSource(std::shared_ptr<const NSBitmapImageRep> image, const ImagePlacement& placement)
       : image_(std::move(image)),
         pixels_(image_->pixels(), pixelsHolding(placement.part),
-                CGAffineTransformInvert(placement.toDevice), SamplingFilter::bilinear) {}
+                CGAffineTransformInvert(placement.toDevice), SamplingFilter::fourTap) {}
   const uint32_t* row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) override {
     return pixels_.row(x, y, n, buffer);
   }
@@ -67,9 +67,11 @@ std::unique_ptr<RowSource> sampledSource(const NSBitmapImageRep& image,
   if (quality == ImageQuality::filtered) {
     if (auto reduced = reducedSource(image, placement)) return reduced;
   }
-  return std::make_unique<TransformedImageSource>(
-      image.pixels(), pixelsHolding(placement.part), CGAffineTransformInvert(placement.toDevice),
-      quality == ImageQuality::nearest ? SamplingFilter::nearest : SamplingFilter::bilinear);
+  constexpr SamplingFilter kFilters[] = {SamplingFilter::nearest, SamplingFilter::bilinear,
+                                         SamplingFilter::fourTap};
+  return std::make_unique<TransformedImageSource>(image.pixels(), pixelsHolding(placement.part),
+                                                  CGAffineTransformInvert(placement.toDevice),
+                                                  kFilters[static_cast<size_t>(quality)]);
 }
 
 }  // namespace

@@ -17,7 +17,9 @@ struct ImagePlacement {
 enum class ImageQuality : uint8_t {
   nearest,   ///< the pixel that the centre of the device pixel falls on
   bilinear,  ///< between the four pixels around it
-  filtered,  ///< the resampling filter; when turned, bilinear on a bitmap reduced by that filter
+  /// The resampling filter; when turned, its four taps in either direction, on a bitmap that is
+  /// reduced before where it is seen reduced.
+  filtered,
 };
 
 /// A bitmap as paint. Pixels that lie outside the shown part repeat its edge.

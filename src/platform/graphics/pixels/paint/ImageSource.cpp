@@ -5,6 +5,7 @@
 
 #include "platform/foundation/Convert.h"
 #include "platform/graphics/pixels/PixelMath.h"
+#include "platform/graphics/pixels/paint/FourTapKernels.h"
 
 namespace {
 
@@ -34,6 +35,28 @@ Tap tapAt(double position, int32_t low, int32_t high) {
   const auto first = static_cast<int32_t>(inside);
   return {first, std::min(first + 1, high - 1),
           static_cast<uint32_t>(roundedHalfUp((inside - first) * 255))};
+}
+
+/// A sampling position in one direction: the pixel before it, and the steps from there.
+struct Place {
+  int32_t pixel;
+  int32_t steps;
+};
+
+Place placeAt(double position, int32_t low, int32_t high) {
+  const double inside = std::clamp<double>(position - 0.5, low, high - 1);
+  const auto pixel = static_cast<int32_t>(inside);
+  return {pixel, static_cast<int32_t>(roundedHalfUp((inside - pixel) * kFourTapSteps))};
+}
+
+/// The pixels around a position; those outside the part are its edge's. `room` holds sixteen.
+const uint32_t* edgeWindow(const PixelBuffer& image, const ImagePart& part, int32_t x, int32_t y,
+                           uint32_t* room) {
+  for (int32_t i = 0; i < 16; ++i) {
+    const int32_t column = std::clamp(x - 1 + i % 4, part.x0, part.x1 - 1);
+    room[i] = imageRow(image, std::clamp(y - 1 + i / 4, part.y0, part.y1 - 1))[column];
+  }
+  return room;
 }
 
 }  // namespace
@@ -113,10 +136,16 @@ TransformedImageSource::TransformedImageSource(const PixelBuffer& image, const I
 
 const uint32_t* TransformedImageSource::row(int32_t x, int32_t y, int32_t n, uint32_t* buffer) {
   const NSPoint start = CGPointApplyAffineTransform({x + 0.5, y + 0.5}, deviceToImage_);
-  if (filter_ == SamplingFilter::nearest) {
-    nearestRow(start, n, buffer);
-  } else {
-    bilinearRow(start, n, buffer);
+  switch (filter_) {
+    case SamplingFilter::nearest:
+      nearestRow(start, n, buffer);
+      break;
+    case SamplingFilter::bilinear:
+      bilinearRow(start, n, buffer);
+      break;
+    case SamplingFilter::fourTap:
+      fourTapRow(x, y, n, buffer);
+      break;
   }
   return buffer;
 }
@@ -137,5 +166,30 @@ void TransformedImageSource::bilinearRow(NSPoint position, int32_t n, uint32_t* 
     const uint32_t* const lower = imageRow(image_, v.second);
     out[i] = mixed(mixed(upper[u.first], upper[u.second], u.weight),
                    mixed(lower[u.first], lower[u.second], u.weight), v.weight);
+  }
+}
+
+// Positions are worked out from the row's own start: parts of a row show what the whole shows.
+void TransformedImageSource::fourTapRow(int32_t x, int32_t y, int32_t n, uint32_t* out) const {
+  constexpr int32_t kBatch = 64;
+  FourTapWindow windows[kBatch];
+  uint32_t edges[kBatch][16];
+  const NSPoint start = CGPointApplyAffineTransform({0.5, y + 0.5}, deviceToImage_);
+  const auto stride = static_cast<ptrdiff_t>(image_.width());
+  for (int32_t done = 0; done < n; done += kBatch) {
+    const int32_t count = std::min(kBatch, n - done);
+    for (int32_t i = 0; i < count; ++i) {
+      const double column = static_cast<double>(x) + done + i;
+      const Place u = placeAt(start.x + deviceToImage_.a * column, part_.x0, part_.x1);
+      const Place v = placeAt(start.y + deviceToImage_.b * column, part_.y0, part_.y1);
+      const bool isInside = u.pixel > part_.x0 && u.pixel + 2 < part_.x1 && v.pixel > part_.y0 &&
+                            v.pixel + 2 < part_.y1;
+      if (isInside) {
+        windows[i] = {imageRow(image_, v.pixel - 1) + u.pixel - 1, stride, u.steps, v.steps};
+      } else {
+        windows[i] = {edgeWindow(image_, part_, u.pixel, v.pixel, edges[i]), 4, u.steps, v.steps};
+      }
+    }
+    fourTapPixels(windows, count, out + done);
   }
 }

@@ -62,7 +62,7 @@ using ImagePart = PixelBox;
 /// what is added to a device position to get the image position.
 bool movesWholePixels(const CGAffineTransform& deviceToImage, int32_t* dx, int32_t* dy);
 
-enum class SamplingFilter : uint8_t { nearest, bilinear };
+enum class SamplingFilter : uint8_t { nearest, bilinear, fourTap };
 
 /// Part of a bitmap under any affine mapping, sampled at pixel centres. Positions outside the part
 /// show its edge pixels.
@@ -78,6 +78,7 @@ class TransformedImageSource final : public RowSource {
  private:
   void nearestRow(NSPoint position, int32_t n, uint32_t* out) const;
   void bilinearRow(NSPoint position, int32_t n, uint32_t* out) const;
+  void fourTapRow(int32_t x, int32_t y, int32_t n, uint32_t* out) const;
 
   const PixelBuffer& image_;
   ImagePart part_;
