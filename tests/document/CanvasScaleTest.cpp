@@ -244,7 +244,9 @@ TEST(CanvasScale, EnlargedIsTheDocumentWrittenLarger) {
       const auto written = PaintManager::initWithSize({200 * scale, 150 * scale});
       written->addDraw(larger[i]);
       const auto enlarged = document->composedImage(scale);
-      EXPECT_LE(maxDifference(*enlarged, *written->composedImage()), 1)
+      // A point halfway between lines of the grid may snap to either; strokes of draws with a
+      // shadow are painted twice.
+      EXPECT_LE(maxDifference(*enlarged, *written->composedImage()), 2)
           << own[i]->className() << " at " << scale;
     }
   }

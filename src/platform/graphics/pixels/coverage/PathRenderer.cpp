@@ -116,7 +116,8 @@ PixelBox fillBox(const PathData& path, const CGAffineTransform& toDevice, const 
 PixelBox strokeBox(const PathData& path, const StrokeStyle& style,
                    const CGAffineTransform& toDevice, const PixelBox& box) {
   StrokeGeometry stroke;
-  if (!stroke.prepare(path, style, toDevice, DeviceBounds(box), StrokeGeometry::Dashes::ignore)) {
+  if (!stroke.prepare(path, style, toDevice, DeviceBounds(box), StrokeGeometry::Dashes::ignore,
+                      Antialias::on)) {
     return {};
   }
   return pixelsTouched(stroke.deviceBounds(), box);
@@ -170,7 +171,8 @@ void PathRenderer::strokePath(const PathData& path, const StrokeStyle& style,
   bounds.grow(strokeReach(style, toDevice));
   const PixelBox box = pixelsTouched(bounds, clip.box());
   if (box.empty()) return;
-  if (!stroke_.prepare(path, style, toDevice, DeviceBounds(box), StrokeGeometry::Dashes::apply)) {
+  if (!stroke_.prepare(path, style, toDevice, DeviceBounds(box), StrokeGeometry::Dashes::apply,
+                       antialias)) {
     return;
   }
   if (antialias == Antialias::off && stroke_.deviceWidth() <= 1) {
@@ -190,7 +192,8 @@ PathData PathRenderer::strokeOutline(const PathData& path, const StrokeStyle& st
   const DeviceBounds everywhere(-HUGE_VAL, -HUGE_VAL, HUGE_VAL, HUGE_VAL);
   PathData outline;
   if (!std::isnormal(CGAffineTransformDeterminant(toDevice)) ||
-      !stroke_.prepare(path, style, toDevice, everywhere, StrokeGeometry::Dashes::ignore)) {
+      !stroke_.prepare(path, style, toDevice, everywhere, StrokeGeometry::Dashes::ignore,
+                       Antialias::on)) {
     return outline;
   }
   PathSink sink(CGAffineTransformInvert(toDevice), outline);

@@ -16,8 +16,9 @@ struct FlatPath {
   };
 
   std::vector<NSPoint> points;
-  /// Parallel to `points`: 1 where the point is the interior of a curve, 0 where it is a corner
-  /// or an end. Pens turn around the former without a join of their own.
+  /// Parallel to `points`: 1 where the point is the interior of a curve, or where a curve goes on
+  /// in the direction of its neighbour; 0 where it is a corner or an end. Pens turn around the
+  /// former without a join of their own.
   std::vector<uint8_t> smooth;
   std::vector<Subpath> subpaths;
 

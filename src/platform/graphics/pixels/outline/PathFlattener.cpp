@@ -21,6 +21,21 @@ double bend(NSPoint a, NSPoint b, NSPoint c) {
   return std::sqrt(x * x + y * y);
 }
 
+/// How an element leaves a point or comes to it; no direction where it has no length.
+struct Tangent {
+  NSPoint direction;
+  bool ofCurve = false;
+
+  /// Whether a curve and what meets it there go the same way, but for the rounding of archives.
+  static bool areOne(const Tangent& in, const Tangent& out) {
+    if (!in.ofCurve && !out.ofCurve) return false;
+    constexpr double kSameDirection = 1e-3;
+    const NSPoint a = in.direction, b = out.direction;
+    const double cosine = a.x * b.x + a.y * b.y;
+    return cosine > 0 && std::abs(a.x * b.y - a.y * b.x) <= kSameDirection * cosine;
+  }
+};
+
 class Flattener {
  public:
   Flattener(const PathData& path, const CGAffineTransform& toDevice, const FlattenOptions& options,
@@ -87,14 +102,49 @@ class Flattener {
       moveTo(end);
       return false;
     }
-    if (!open_) out_.add(current_, false);
+    if (!open_) {
+      isFirst_ = true;
+      first_ = out_.points.size();
+      out_.add(current_, false);
+    }
     open_ = true;
     return true;
   }
 
   void lineTo(NSPoint p) {
+    // A line without length is no corner.
+    if (p == current_) return;
+    leaveTowards(Tangent{vector(current_, p)});
     out_.add(p, false);
     current_ = p;
+  }
+
+  static NSPoint vector(NSPoint from, NSPoint to) { return {to.x - from.x, to.y - from.y}; }
+
+  /// Notes the direction of a line, or the first of a curve, from the current point: the point is
+  /// smooth when it goes on that of the element before.
+  void leaveTowards(const Tangent& tangent) {
+    if (isFirst_) {
+      departure_ = tangent;
+    } else if (Tangent::areOne(arrival_, tangent)) {
+      out_.smooth.back() = 1;
+    }
+    isFirst_ = false;
+    arrival_ = tangent;
+  }
+
+  /// The same where a closed subpath starts and ends.
+  void joinEnds(size_t first) {
+    if (isFirst_) return;
+    const NSPoint rest = vector(out_.points.back(), out_.points[first]);
+    const NSPoint p = out_.points[first];
+    constexpr double kNoLength = 1e-6;
+    const bool isShut = std::max(std::abs(rest.x), std::abs(rest.y)) <=
+                        kNoLength * std::max({1.0, std::abs(p.x), std::abs(p.y)});
+    if (!isShut) leaveTowards(Tangent{rest});
+    if (!Tangent::areOne(arrival_, departure_)) return;
+    out_.smooth[first] = 1;
+    if (isShut) out_.smooth.back() = 1;
   }
 
   void close() {
@@ -105,6 +155,7 @@ class Flattener {
   }
 
   void endSubpath(bool closed) {
+    if (open_ && closed) joinEnds(first_);
     if (open_) out_.endSubpath(closed);
     open_ = false;
   }
@@ -131,6 +182,8 @@ class Flattener {
   void cubicTo(NSPoint c1, NSPoint c2, NSPoint end) {
     const NSPoint p0 = current_;
     current_ = end;
+    leaveTowards({vector(p0, c1 != p0 ? c1 : c2 != p0 ? c2 : end), true});
+    arrival_.direction = vector(c2 != end ? c2 : c1 != end ? c1 : p0, end);
     const double distance = std::max(bend(p0, c1, c2), bend(c1, c2, end));
     const int n = steps(distance);
     if (n == 1) {
@@ -173,6 +226,10 @@ class Flattener {
   NSPoint current_;
   bool hasCurrent_ = false;
   bool open_ = false;
+  bool isFirst_ = false;  ///< the next element is the first of its subpath
+  size_t first_ = 0;      ///< index of the subpath's first point
+  Tangent departure_;     ///< of that point
+  Tangent arrival_;       ///< at the current point
   bool finite_ = true;
 };
 

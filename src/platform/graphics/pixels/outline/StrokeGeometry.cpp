@@ -12,6 +12,10 @@ namespace {
 /// Chords of centre lines and of round joins and caps leave their curve by this much at most.
 constexpr double kStrokeTolerance = 0.05;
 
+/// The same without antialiasing, where the least overhang paints a pixel: it is lost when the
+/// outline is snapped to the grid.
+constexpr double kCrispTolerance = 0.25 / static_cast<double>(grid::kOne);
+
 /// A pen that covers every bitmap from everywhere.
 constexpr double kWidestPen = 4e9;
 
@@ -97,21 +101,22 @@ bool StrokeGeometry::findSpace(const CGAffineTransform& toDevice, Space& space) 
   return true;
 }
 
-void StrokeGeometry::setPen(const StrokeStyle& style) {
+void StrokeGeometry::setPen(const StrokeStyle& style, Antialias antialias) {
   pen_ = Pen();
   pen_.halfWidth = penWidth(style, space_.scale) / 2;
   pen_.cap = style.cap;
   pen_.join = style.join;
   pen_.miterLimit = style.miterLimit;
-  pen_.tolerance = kStrokeTolerance;
+  const bool crisp = antialias == Antialias::off && deviceWidth() > 1;
+  pen_.tolerance = crisp ? kCrispTolerance : kStrokeTolerance;
   pen_.axis = space_.axis;
 }
 
 bool StrokeGeometry::prepare(const PathData& path, const StrokeStyle& style,
                              const CGAffineTransform& toDevice, const DeviceBounds& visible,
-                             Dashes dashes) {
+                             Dashes dashes, Antialias antialias) {
   if (!(style.width >= 0) || !findSpace(toDevice, space_)) return false;
-  setPen(style);
+  setPen(style, antialias);
   if (!(pen_.halfWidth > 0)) return false;
   const bool dashed = dashes == Dashes::apply && !style.dash.empty();
   DeviceBounds reached = visible;
@@ -119,8 +124,7 @@ bool StrokeGeometry::prepare(const PathData& path, const StrokeStyle& style,
   // Miters continue the directions of chords, so they are right where chords are as on the canvas.
   const double finest = style.join == LineJoin::miter ? std::min(1.0, style.canvasPixel) : 1;
   // Dashing needs the length of what is out of sight.
-  if (!flattenPath(path, toDevice, {kStrokeTolerance * finest, dashed ? nullptr : &reached},
-                   flat_)) {
+  if (!flattenPath(path, toDevice, {pen_.tolerance * finest, dashed ? nullptr : &reached}, flat_)) {
     return false;
   }
   if (!space_.isDevice) transformAll(flat_.points, space_.fromDevice);
@@ -172,6 +176,10 @@ DeviceBounds StrokeGeometry::deviceBounds() const {
   DeviceBounds bounds;
   for (const NSPoint& p : lines_->points) bounds.add(onDevice(p));
   bounds.grow(pen_.halfWidth * std::max(capReach(pen_.cap), longestMiter()));
+  // Curves are outlined by miters that long.
+  const bool isCurved =
+      std::find(lines_->smooth.begin(), lines_->smooth.end(), 1) != lines_->smooth.end();
+  if (isCurved) bounds.grow(pen_.tolerance);
   return bounds;
 }
 

@@ -21,11 +21,12 @@ class StrokeGeometry {
  public:
   enum class Dashes : uint8_t { apply, ignore };
 
-  /// Flattens and dashes `path`. Parts outside `visible` (device pixels) may be left out.
+  /// Flattens and dashes `path`. Parts outside `visible` (device pixels) may be left out. Without
+  /// antialiasing, pens wider than a pixel follow curves more closely.
   /// False when nothing is to be drawn: a width or a coordinate that cannot be, or a transform
   /// that squeezes the plane to a line.
   bool prepare(const PathData& path, const StrokeStyle& style, const CGAffineTransform& toDevice,
-               const DeviceBounds& visible, Dashes dashes);
+               const DeviceBounds& visible, Dashes dashes, Antialias antialias);
 
   /// Largest width of the prepared pen on the device.
   double deviceWidth() const { return 2 * pen_.halfWidth; }
@@ -51,7 +52,7 @@ class StrokeGeometry {
   };
 
   static bool findSpace(const CGAffineTransform& toDevice, Space& space);
-  void setPen(const StrokeStyle& style);
+  void setPen(const StrokeStyle& style, Antialias antialias);
   void dash(const StrokeStyle& style, const DeviceBounds& visible);
   double longestMiter() const;
   NSPoint onDevice(NSPoint p) const {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "platform/graphics/pixels/coverage/CoverageRaster.h"
 #include "platform/graphics/pixels/coverage/PathRenderer.h"
@@ -305,6 +306,130 @@ TEST(Stroke, WithoutAntialiasingWideLinesPaintTouchedPixels) {
       stroke(polyline({{10, 20.5}, {30, 20.5}}), pen(2), kBox, kIdentity, Antialias::off);
   EXPECT_EQ(raster.touchedPixels(), 60u);
   EXPECT_EQ(raster.area(), 60);
+}
+
+namespace {
+
+/// Squares of the distances of the pixels of a box from a path, sampled closely.
+std::vector<double> squaredDistances(const PathData& path, double reach, const PixelBox& box) {
+  constexpr double kStep = 0.05;
+  const auto columns = static_cast<size_t>(box.width());
+  std::vector<double> nearest(columns * static_cast<size_t>(box.height()), HUGE_VAL);
+  const auto add = [&](NSPoint p) {
+    const PixelBox near = pixelsTouched({p.x - reach, p.y - reach, p.x + reach, p.y + reach}, box);
+    for (int32_t y = near.y0; y < near.y1; ++y) {
+      for (int32_t x = near.x0; x < near.x1; ++x) {
+        const double dx = std::max({x - p.x, 0.0, p.x - x - 1});
+        const double dy = std::max({y - p.y, 0.0, p.y - y - 1});
+        double& d = nearest[static_cast<size_t>(y) * columns + static_cast<size_t>(x)];
+        d = std::min(d, dx * dx + dy * dy);
+      }
+    }
+  };
+  const auto addCubic = [&](NSPoint a, NSPoint b, NSPoint c, NSPoint d) {
+    const double length = std::hypot(b.x - a.x, b.y - a.y) + std::hypot(c.x - b.x, c.y - b.y) +
+                          std::hypot(d.x - c.x, d.y - c.y);
+    const int steps = static_cast<int>(length / kStep) + 1;
+    for (int i = 0; i <= steps; ++i) {
+      const double t = static_cast<double>(i) / steps, u = 1 - t;
+      const double wa = u * u * u, wb = 3 * u * u * t, wc = 3 * u * t * t, wd = t * t * t;
+      add({a.x * wa + b.x * wb + c.x * wc + d.x * wd, a.y * wa + b.y * wb + c.y * wc + d.y * wd});
+    }
+  };
+  NSPoint at, start = path.points[0];
+  const NSPoint* p = path.points.data();
+  for (const PathVerb verb : path.verbs) {
+    if (verb == PathVerb::cubic) addCubic(at, p[0], p[1], p[2]);
+    if (verb == PathVerb::line) addCubic(at, at, p[0], p[0]);
+    if (verb == PathVerb::close) addCubic(at, at, start, start);
+    p += pointCount(verb);
+    at = verb == PathVerb::close ? start : p[-1];
+  }
+  return nearest;
+}
+
+/// A rectangle whose corners are quarters of ellipses with the half-axes rx and ry.
+PathData roundedRect(const NSRect& r, double rx, double ry) {
+  constexpr double kArc = 0.5522847498307936;
+  const double x0 = NSMinX(r), x1 = NSMaxX(r), y0 = NSMinY(r), y1 = NSMaxY(r);
+  const double kx = rx * kArc, ky = ry * kArc;
+  PathData path;
+  path.move({x0 + rx, y0});
+  path.line({x1 - rx, y0});
+  path.cubic({x1 - rx + kx, y0}, {x1, y0 + ry - ky}, {x1, y0 + ry});
+  path.line({x1, y1 - ry});
+  path.cubic({x1, y1 - ry + ky}, {x1 - rx + kx, y1}, {x1 - rx, y1});
+  path.line({x0 + rx, y1});
+  path.cubic({x0 + rx - kx, y1}, {x0, y1 - ry + ky}, {x0, y1 - ry});
+  path.line({x0, y0 + ry});
+  path.cubic({x0, y0 + ry - ky}, {x0 + rx - kx, y0}, {x0 + rx, y0});
+  path.close();
+  return path;
+}
+
+PathData ellipse(const NSRect& r) {
+  return roundedRect(r, NSWidth(r) / 2, NSHeight(r) / 2);
+}
+
+/// Ellipses, rounded rectangles and curves, every other one on whole coordinates.
+PathData randomRound(std::minstd_rand& random) {
+  const double unit = random() % 2 == 0 ? 1 : 0.01;
+  const auto within = [&](double low, double high) {
+    const auto steps = static_cast<unsigned>((high - low) / unit) + 1;
+    return low + static_cast<double>(random() % steps) * unit;
+  };
+  const double x = within(10, 20), y = within(10, 20), w = within(1, 30);
+  const NSRect box{{x, y}, {w, random() % 4 == 0 ? w : within(1, 30)}};
+  const double rx = std::min(within(1, 12), w / 2), ry = std::min(within(1, 12), NSHeight(box) / 2);
+  switch (random() % 3) {
+    case 0:
+      return ellipse(box);
+    case 1:
+      return roundedRect(box, rx, ry);
+    default:
+      return curve({within(10, 50), y}, {x, within(10, 50)}, {within(10, 50), within(10, 50)},
+                   {x + w, x});
+  }
+}
+
+}  // namespace
+
+TEST(Stroke, WithoutAntialiasingThePixelsAreThoseOfTheExactArea) {
+  constexpr double kTolerance = 1.0 / 64;
+  constexpr PixelBox kSmall{0, 0, 64, 64};
+  std::minstd_rand random(1);
+  for (int shape = 0; shape < 400; ++shape) {
+    const PathData path = randomRound(random);
+    const double half = 0.51 + static_cast<double>(random() % 600) / 200;
+    const CoverageRaster raster = stroke(path, pen(2 * half, LineCap::round, LineJoin::round),
+                                         kSmall, kIdentity, Antialias::off);
+    const auto distances = squaredDistances(path, half + 1, kSmall);
+    for (int32_t y = 0; y < 64; ++y) {
+      for (int32_t x = 0; x < 64; ++x) {
+        const double d = std::sqrt(distances[static_cast<size_t>(y * 64 + x)]);
+        if (std::abs(d - half) <= kTolerance) continue;
+        ASSERT_EQ(raster.at(x, y), d < half ? 255 : 0)
+            << "shape " << shape << ", pixel " << x << ", " << y << ", " << d - half;
+      }
+    }
+  }
+}
+
+TEST(Stroke, WithoutAntialiasingEllipsesOnWholePixelsHaveNoSpurs) {
+  for (int w = 4; w < 60; w += 3) {
+    for (int h = 5; h < 60; h += 7) {
+      for (const int half : {1, 2, 5}) {
+        const CoverageRaster raster = stroke(ellipse(NSMakeRect(20, 30, w, h)), pen(2 * half), kBox,
+                                             kIdentity, Antialias::off);
+        const PixelBox exact{20 - half, 30 - half, 20 + w + half, 30 + h + half};
+        for (int32_t i = 0; i < 160 * 160; ++i) {
+          const int32_t x = i % 160, y = i / 160;
+          const bool isInside = x >= exact.x0 && x < exact.x1 && y >= exact.y0 && y < exact.y1;
+          ASSERT_TRUE(isInside || raster.at(x, y) == 0) << w << " " << h << " " << half;
+        }
+      }
+    }
+  }
 }
 
 TEST(Stroke, WithoutAntialiasingThinLinesAreOnePixelThin) {
