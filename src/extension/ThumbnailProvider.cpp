@@ -66,10 +66,13 @@ NSSize ThumbnailProvider::contextSize(NSSize canvas, NSSize maximumSize) {
 CGFloat ThumbnailProvider::composingScale(NSSize canvas, NSSize maximumSize) {
   constexpr double kComposedWhole = 1 << 21;
   constexpr double kSpare = 4;
+  // Small thumbnails are made as that of 256: fine edges add up in fewer pixels.
+  constexpr double kLeastSide = 1024;
   if (canvas.width * canvas.height <= kComposedWhole) return 1;
   const NSSize size = contextSize(canvas, maximumSize);
-  const double n =
-      std::floor(std::min(canvas.width / size.width, canvas.height / size.height) / kSpare);
+  const double n = std::floor(
+      std::min({canvas.width / (kSpare * size.width), canvas.height / (kSpare * size.height),
+                std::max(canvas.width, canvas.height) / kLeastSide}));
   return n > 1 ? 1 / n : 1;
 }
 

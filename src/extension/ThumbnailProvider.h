@@ -20,8 +20,8 @@ class PAINT_API ThumbnailProvider : public QLThumbnailProvider {
 
   /// The scale at which a canvas is composed for its thumbnail. Up to 2 megapixels that is 1. A
   /// larger one is reduced by the largest whole number that leaves its sides at least four times as
-  /// long as the thumbnail's: so its pixels fall on whole blocks, and time and memory do not grow
-  /// with it.
+  /// long as the thumbnail's, and the longer at least 1024: so its pixels fall on whole blocks, and
+  /// time and memory do not grow with it.
   static CGFloat composingScale(NSSize canvas, NSSize maximumSize);
 
   /// The picture of a document at composingScale; null when there is none.

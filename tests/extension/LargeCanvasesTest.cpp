@@ -95,15 +95,16 @@ TEST(LargeCanvases, HaveTheThumbnailsOfTheWhole) {
     enlarge(*document, 4.3);
     expectClose(*document, 128, file);
   }
-  for (const char* name : {"brushes", "fills", "clears", "filters", "curved text", "text boxes",
-                           "stored sprays", "masked by smaller background", "nested groups",
-                           "sheets/shadows", "sheets/reflections", "sheets/gradients"}) {
+  for (const char* name :
+       {"brushes", "fills", "clears", "filters", "curved text", "text boxes", "stored sprays",
+        "masked by smaller background", "nested groups", "lines", "pictures", "preset shapes",
+        "all classes", "sheets/shadows", "sheets/reflections", "sheets/gradients"}) {
     const auto document = madeDocument(name);
-    enlarge(*document, 3.1);
+    enlarge(*document, 4.3);
     expectClose(*document, 128, name);
   }
   for (unsigned seed = 1; seed <= 25; ++seed) {
-    expectClose(*randomDocument(seed, 4), 128, "random " + std::to_string(seed));
+    expectClose(*randomDocument(seed, 4.3), 128, "random " + std::to_string(seed));
   }
 }
 
