@@ -14,6 +14,8 @@ namespace {
 
 constexpr const char* kClassName = "DAKeyClassName";
 
+bool valuesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NSObject>& b);
+
 bool archivesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NSObject>& b) {
   try {
     const auto first = NSKeyedArchiver::archivedDataWithRootObject(a);
@@ -29,6 +31,16 @@ const T* as(const std::shared_ptr<NSObject>& object) {
   return dynamic_cast<const T*>(object.get());
 }
 
+/// The same pairs, in any order.
+bool dictionariesAreEqual(const NSDictionary& a, const NSDictionary& b) {
+  if (a.count() != b.count()) return false;
+  for (size_t i = 0; i < a.count(); ++i) {
+    const auto other = b.objectForKey(*a.allKeys()[i]);
+    if (other == nullptr || !valuesAreEqual(a.allValues()[i], other)) return false;
+  }
+  return true;
+}
+
 bool valuesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NSObject>& b) {
   if (!a->classInfo().isSubclassOf(b->classInfo()) &&
       !b->classInfo().isSubclassOf(a->classInfo())) {
@@ -40,6 +52,8 @@ bool valuesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NS
   if (const auto* g = as<NSGradient>(a)) return zt_isEqualWithGradient(g, as<NSGradient>(b));
   if (const auto* shadow = as<NSShadow>(a)) return zt_isEqualWithShadow(shadow, as<NSShadow>(b));
   if (const auto* font = as<NSFont>(a)) return zt_isEqualWithFont(font, as<NSFont>(b));
+  const auto *dictionary = as<NSDictionary>(a), *other = as<NSDictionary>(b);
+  if (dictionary != nullptr && other != nullptr) return dictionariesAreEqual(*dictionary, *other);
   return archivesAreEqual(a, b);
 }
 

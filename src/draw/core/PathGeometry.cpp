@@ -58,7 +58,8 @@ std::string GetDashArrayFromString(std::string_view text, double* dash, int* cou
   return normalizedText;
 }
 
-CGPath CreateCGPathFrom(const NSBezierPath& path) {
+std::optional<CGPath> CreateCGPathFrom(const NSBezierPath& path) {
+  if (path.elementCount() == 0) return std::nullopt;
   return CGPath(path.data());
 }
 

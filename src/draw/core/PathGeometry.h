@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,8 @@ inline constexpr int kMaxDashCount = 10;
 /// count into `count` (or null). Answers the normalised text, "" for a solid line.
 std::string GetDashArrayFromString(std::string_view text, double* dash, int* count);
 
-/// The path's geometry; nothing drawn gives an empty path.
-CGPath CreateCGPathFrom(const NSBezierPath& path);
+/// The path's geometry; nothing for a path without elements.
+std::optional<CGPath> CreateCGPathFrom(const NSBezierPath& path);
 /// Appends every element; a quadratic becomes a cubic whose control points are both its own.
 void AppendCGPathToBezierPath(NSBezierPath& path, const CGPath& source);
 

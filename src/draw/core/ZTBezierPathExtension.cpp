@@ -136,6 +136,35 @@ void appendPiece(NSBezierPath& out, const PathSegment& s, double from, double to
 
 }  // namespace
 
+NSPoint InterpolatePointOnPathElement(const NSBezierPath& path, int64_t elementIndex,
+                                      double fraction) {
+  NSPoint p[3];
+  if (elementIndex < 0 || elementIndex >= path.elementCount()) return NSZeroPoint;
+  path.elementAtIndex(elementIndex, p);
+  NSPoint found = p[0];
+  forEachSegment(path, [&](const PathSegment& s) {
+    if (s.element != elementIndex) return s.element < elementIndex;
+    found = s.curved ? GetCurvedBezierPoint(fraction, s.p[0], s.p[1], s.p[2], s.p[3])
+                     : InterpolateLineSegment(s.p[0], s.p[1], fraction);
+    return false;
+  });
+  return found;
+}
+
+std::optional<NSPoint> findPointClosestToPoint(const NSBezierPath& path, NSPoint point) {
+  std::optional<NSPoint> closest;
+  forEachSegment(path, [&](const PathSegment& s) {
+    const NSPoint p = s.curved
+                          ? GetPointOnCurveClosestToPoint(s.p[0], s.p[1], s.p[2], s.p[3], point)
+                          : GetPointOnLineClosestToPoint(s.p[0], s.p[1], point);
+    const bool isCloser =
+        !closest || DistanceBetweenTwoPoints(p, point) < DistanceBetweenTwoPoints(*closest, point);
+    if (isCloser) closest = p;
+    return true;
+  });
+  return closest;
+}
+
 float pathLineLength(const NSBezierPath& path) {
   float total = 0;
   forEachSegment(path, [&](const PathSegment& s) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/graphics/path/CGPath.h"
 #include "platform/graphics/path/NSBezierPath.h"
@@ -15,6 +16,14 @@ bool toggleClosePath(NSBezierPath& path);
 bool hasOddLineWidth(const NSBezierPath& path);
 /// The path without its last n elements.
 std::shared_ptr<NSBezierPath> removeLastElements(const NSBezierPath& path, int64_t n);
+
+/// The point at a fraction (0 to 1; a curve's parameter) of an element; of a move its point. Zero
+/// for an element that is not there.
+NSPoint InterpolatePointOnPathElement(const NSBezierPath& path, int64_t elementIndex,
+                                      double fraction);
+/// The point of the path that is nearest to a point, on curves within a sample step of kCurveSteps;
+/// nothing for a path that draws nothing.
+std::optional<NSPoint> findPointClosestToPoint(const NSBezierPath& path, NSPoint point);
 
 /// Total length, summed in single precision.
 float pathLineLength(const NSBezierPath& path);

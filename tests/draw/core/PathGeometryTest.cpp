@@ -138,16 +138,31 @@ TEST(PathGeometry, NearestPoints) {
             NSMakePoint(100, 0));
   EXPECT_EQ(GetPointOnCurveClosestToPoint({100, 0}, {100, k}, {k, 100}, {0, 100}, {-40, 110}),
             NSMakePoint(0, 100));
+
+  const auto path = NSBezierPath::bezierPath();
+  EXPECT_FALSE(findPointClosestToPoint(*path, {1, 1}));
+  path->moveToPoint({0, 0});
+  path->lineToPoint({10, 0});
+  path->curveToPoint({20, 0}, {10, 10}, {20, 10});
+  path->closePath();
+  EXPECT_EQ(findPointClosestToPoint(*path, {4, 3}), NSMakePoint(4, 0));
+  EXPECT_EQ(findPointClosestToPoint(*path, {15, 30}), NSMakePoint(15, 7.5));
+  EXPECT_EQ(findPointClosestToPoint(*path, {15, -3}), NSMakePoint(15, 0)) << "the closing line";
+  EXPECT_EQ(InterpolatePointOnPathElement(*path, 0, 0.5), NSMakePoint(0, 0));
+  EXPECT_EQ(InterpolatePointOnPathElement(*path, 1, 0.25), NSMakePoint(2.5, 0));
+  EXPECT_EQ(InterpolatePointOnPathElement(*path, 2, 0.5), NSMakePoint(15, 7.5));
+  EXPECT_EQ(InterpolatePointOnPathElement(*path, 3, 0.5), NSMakePoint(10, 0));
+  EXPECT_EQ(InterpolatePointOnPathElement(*path, 9, 0.5), NSZeroPoint);
 }
 
 TEST(PathGeometry, PathsTravelToTheDrawingLayerAndBack) {
   const auto path = NSBezierPath::bezierPath();
-  EXPECT_TRUE(CreateCGPathFrom(*path).isEmpty());
+  EXPECT_FALSE(CreateCGPathFrom(*path));
   path->moveToPoint({1, 2});
   path->lineToPoint({3, 4});
   path->curveToPoint({9, 10}, {5, 6}, {7, 8});
   path->closePath();
-  const CGPath made = CreateCGPathFrom(*path);
+  const CGPath made = CreateCGPathFrom(*path).value();
   EXPECT_EQ(made.boundingBox(), NSMakeRect(1, 2, 8, 8));
   CGPath expected;
   expected.moveToPoint({1, 2});
