@@ -5,13 +5,13 @@
 #include <numeric>
 
 #include "document/DrawGroup.h"
+#include "draw/core/PaintedBounds.h"
 #include "draw/image/DrawPDF.h"
 #include "draw/image/DrawSVG.h"
 #include "draw/raster/DrawBrushes.h"
 #include "draw/raster/DrawFill.h"
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectShape.h"
-#include "platform/graphics/context/NSShadow.h"
 
 namespace {
 
@@ -33,37 +33,10 @@ bool paintsAroundItsPath(const DrawBase& draw) {
                      [&](const NSClass* c) { return draw.isMemberOfClass(*c); });
 }
 
-/// How far joins, caps, heads, outlines and shifts to whole pixels reach beyond the path.
-CGFloat overhang(const DrawBase& draw) {
-  constexpr CGFloat kSquareCap = 1.5, kHead = 4, kShift = 2;
-  if (!draw.drawStroke() && !draw.hasStrokeOutline()) return kShift;
-  const NSBezierPath& path = *draw.bezierPath();
-  const CGFloat outline =
-      draw.enableStrokeOutline() ? std::max<CGFloat>(draw.strokeOutlineWidth(), 0) : 0;
-  const bool miters = path.lineJoinStyle() == LineJoin::miter || outline > 0;
-  const CGFloat reach = std::max(kSquareCap, miters ? path.miterLimit() : 0);
-  const CGFloat line = path.lineWidth() * std::max(reach / 2, draw.arrowStyle() != 0 ? kHead : 0);
-  return kShift + line + reach * outline;
-}
-
 /// Whether the draw may replace pixels by a layer, which does so all over the canvas.
 bool copiesLayers(const DrawBase& draw) {
   return draw.copyWhenComposite() && (draw.hasStrokeOutline() || draw.enableShadow() ||
                                       draw.enableInnerShadow() || draw.enableReflection());
-}
-
-/// What renderedRect leaves out: it takes lines with heads as they are before they are turned.
-NSRect turnedLine(const DrawBase& draw) {
-  if (draw.arrowStyle() == 0 || draw.rotateDegree() == 0) return NSZeroRect;
-  const auto path = draw.bezierPath()->copy();
-  path->transformUsingAffineTransform(draw.transform());
-  NSRect rect = path->bounds();
-  if (draw.enableShadow() && draw.shadow() != nullptr) {
-    const NSSize offset = draw.shadow()->shadowOffset();
-    const CGFloat blur = std::max<CGFloat>(draw.shadow()->shadowBlurRadius(), 0);
-    rect = NSInsetRect(rect, -std::fabs(offset.width) - blur, -std::fabs(offset.height) - blur);
-  }
-  return rect;
 }
 
 NSRect boundsOf(const std::vector<NSRect>& rects) {
@@ -103,9 +76,7 @@ std::optional<NSRect> DirtyRectangles::areaOf(const DrawBase& draw) {
   }
   if (copiesLayers(draw) || !paintsAroundItsPath(draw)) return std::nullopt;
   if (draw.bezierPath() == nullptr || draw.bezierPath()->isEmpty()) return NSZeroRect;
-  const NSRect rect = NSUnionRect(draw.renderedRect(), turnedLine(draw));
-  const CGFloat margin = overhang(draw);
-  const NSRect area = NSIntegralRect(NSInsetRect(rect, -margin, -margin));
+  const NSRect area = NSIntegralRect(paintedBounds(draw));
   const bool finite = std::isfinite(NSMinX(area)) && std::isfinite(NSMaxX(area)) &&
                       std::isfinite(NSMinY(area)) && std::isfinite(NSMaxY(area));
   return finite ? std::optional(area) : std::nullopt;

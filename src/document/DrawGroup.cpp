@@ -32,18 +32,24 @@ void DrawGroup::adopt(const std::shared_ptr<DrawBase>& draw) {
   draw->setGroup(this);
 }
 
+bool DrawGroup::isInside(const DrawBase* draw) const {
+  for (const DrawBase* holder = this; holder != nullptr; holder = holder->group()) {
+    if (holder == draw) return true;
+  }
+  return false;
+}
+
 void DrawGroup::setDraws(DrawArray draws) {
+  std::erase_if(draws, [this](const auto& draw) { return isInside(draw.get()); });
   for (const auto& draw : aryDraws_) draw->setGroup(nullptr);
   aryDraws_ = std::move(draws);
   for (const auto& draw : aryDraws_) adopt(draw);
 }
 
 bool DrawGroup::insertDraw(const std::shared_ptr<DrawBase>& draw, uint64_t index) {
-  if (draw == nullptr || index > aryDraws_.size() || indexOfDraw(draw.get()) != kNotFound) {
+  if (draw == nullptr || index > aryDraws_.size() || indexOfDraw(draw.get()) != kNotFound ||
+      isInside(draw.get())) {
     return false;
-  }
-  for (const DrawBase* holder = this; holder != nullptr; holder = holder->group()) {
-    if (holder == draw.get()) return false;
   }
   adopt(draw);
   aryDraws_.insert(aryDraws_.begin() + static_cast<std::ptrdiff_t>(index), draw);
@@ -72,7 +78,8 @@ size_t DrawGroup::indexOfDraw(const DrawBase* draw) const {
 
 bool DrawGroup::replaceDraw(const DrawBase* draw, std::shared_ptr<DrawBase> withDraw) {
   const size_t index = indexOfDraw(draw);
-  if (index == kNotFound || withDraw == nullptr || indexOfDraw(withDraw.get()) != kNotFound) {
+  if (index == kNotFound || withDraw == nullptr || indexOfDraw(withDraw.get()) != kNotFound ||
+      isInside(withDraw.get())) {
     return false;
   }
   aryDraws_[index]->setGroup(nullptr);

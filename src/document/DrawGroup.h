@@ -22,6 +22,7 @@ class PAINT_API DrawGroup : public DrawBase {
 
   const DrawArray& draws() const { return aryDraws_; }
   /// Draws that are in another group leave it, here and in the functions below.
+  /// The group itself and what holds it are left out of the list.
   void setDraws(DrawArray draws);
   /// Refuses null, a draw that is in the group already, the group itself and what holds it, and an
   /// index beyond the count.
@@ -30,6 +31,7 @@ class PAINT_API DrawGroup : public DrawBase {
   void removeAllDraws();
   /// kNotFound when the draw is not a direct sub-draw.
   size_t indexOfDraw(const DrawBase* draw) const;
+  /// Refuses what insertDraw refuses, and a draw to replace that is not in the group.
   bool replaceDraw(const DrawBase* draw, std::shared_ptr<DrawBase> withDraw);
 
   /// Some sub-draw is visible and not fully transparent.
@@ -57,6 +59,8 @@ class PAINT_API DrawGroup : public DrawBase {
   void encodeWithCoder(NSCoder& coder) const override;
 
  private:
+  /// Whether this group is that draw or inside of it.
+  bool isInside(const DrawBase* draw) const;
   void adopt(const std::shared_ptr<DrawBase>& draw);
   void drawSubDraws(NSBitmapImageRep* image);
 

@@ -1,6 +1,7 @@
 #include "document/PaintManager.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "document/DrawGroup.h"
 #include "draw/image/DrawImage2.h"
@@ -140,23 +141,19 @@ void PaintManager::respondToChangeOfDraws(std::span<const std::shared_ptr<DrawBa
     raiseRefreshControl(kRefreshFullImage, draws);
     return;
   }
-  std::vector<const DrawBase*> given;
-  for (const auto& draw : draws) given.push_back(draw.get());
-  std::sort(given.begin(), given.end());
-  const auto isGiven = [&](const std::shared_ptr<DrawBase>& draw) {
-    return std::binary_search(given.begin(), given.end(), draw.get());
-  };
-  // The top-level draws that changed: those given, and the groups of those given.
+  std::unordered_set<const DrawBase*> given, holders;
+  for (const auto& draw : draws) {
+    if (draw == nullptr) continue;
+    given.insert(draw.get());
+    for (const DrawBase* g = draw->group(); g != nullptr; g = g->group()) holders.insert(g);
+  }
+  // The top-level draws that changed: those given, and the groups of those given, however deep.
   DrawArray changed;
   bool listed = false;
   for (const auto& draw : aryDraw_) {
-    if (isGiven(draw)) {
-      changed.push_back(draw);
-      listed = true;
-    } else if (draw->isKindOfClass(DrawGroup::kClass)) {
-      const DrawArray& inside = static_cast<const DrawGroup&>(*draw).draws();
-      if (std::any_of(inside.begin(), inside.end(), isGiven)) changed.push_back(draw);
-    }
+    const bool isGiven = given.contains(draw.get());
+    if (isGiven || holders.contains(draw.get())) changed.push_back(draw);
+    listed = listed || isGiven;
   }
   const auto isTopmost = [this](const auto& draw) { return draw == aryDraw_.back(); };
   const bool onTop = !listed && std::all_of(changed.begin(), changed.end(), isTopmost);

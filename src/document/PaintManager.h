@@ -269,7 +269,7 @@ class PAINT_API PaintManager : public NSObject {
   std::shared_ptr<NSColor> _backgroundColor;
   std::shared_ptr<NSBitmapImageRep> image_;
   std::shared_ptr<NSBitmapImageRep> imageBuffer_;
-  int64_t _imageRefreshControl = kRebuildBuffer;
+  int64_t _imageRefreshControl = kImagesCurrent;
   DirtyRectangles areas_;
   ProgressHandler progressHandler_;
   PictureSession pictures_;

@@ -213,14 +213,21 @@ TEST_F(DrawList, LayerOrderIsThatOfTheDocument) {
 
 TEST_F(DrawList, ADrawHasOnePlace) {
   make("a(bc)d");
-  const auto control = document_.imageRefreshControl();
+  EXPECT_EQ(document_.imageRefreshControl(), kRefreshFullImage) << "only added to so far";
   EXPECT_TRUE(document_.addDraw(named_['b']));
   EXPECT_EQ(order(), "a(c)db");
   EXPECT_EQ(named_['b']->group(), nullptr);
   EXPECT_TRUE(document_.insertDraw(named_['c'], 0));
   EXPECT_EQ(order(), "ca()db");
-  EXPECT_EQ(document_.imageRefreshControl(), control);
+  EXPECT_EQ(document_.imageRefreshControl(), kRebuildBuffer);
   EXPECT_FALSE(groups_[0]->insertDraw(groups_[0], 0));
+  const auto inner = DrawGroup::initWithDraws({named_['f']});
+  EXPECT_TRUE(groups_[0]->insertDraw(inner, 0));
+  EXPECT_FALSE(inner->replaceDraw(named_['f'].get(), groups_[0])) << "it holds the group";
+  inner->setDraws({named_['f'], groups_[0], inner});
+  EXPECT_EQ(letters({groups_[0], inner}), "((f))(f)");
+  EXPECT_EQ(groups_[0]->draws().size(), 1U);
+  groups_[0]->removeDraw(inner.get());
   const auto other = DrawGroup::initWithDraws({named_['e']});
   EXPECT_TRUE(groups_[0]->insertDraw(named_['e'], 0));
   EXPECT_EQ(letters({groups_[0], other}), "(e)()");

@@ -32,8 +32,9 @@ std::shared_ptr<NSGradient> RandomDraws::gradient() {
 
 std::shared_ptr<NSShadow> RandomDraws::shadow() {
   auto shadow = std::make_shared<NSShadow>();
-  const double dx = below(21) - 10.0;
-  shadow->setShadowOffset({dx * unit_, (below(21) - 10.0) * unit_});
+  const unsigned most = oneIn(3) ? 50 : 10;
+  const double dx = static_cast<double>(below(2 * most + 1)) - most;
+  shadow->setShadowOffset({dx * unit_, (static_cast<double>(below(2 * most + 1)) - most) * unit_});
   shadow->setShadowBlurRadius(below(4) * 3.5 * unit_);
   shadow->setShadowColor(color());
   return shadow;
@@ -178,7 +179,7 @@ void RandomDraws::addEffects(DrawBase& draw) {
   if (oneIn(6)) {
     draw.setEnableReflection(true);
     draw.setReflection(static_cast<float>(below(15)) / 10);
-    draw.setReflectionDis(static_cast<float>((below(30) - 10.0) * unit_));
+    draw.setReflectionDis(static_cast<float>((below(201) - 100.0) * unit_));
   }
   if (oneIn(6)) {
     draw.setEnableStrokeOutline(true);

@@ -85,6 +85,7 @@ void DrawBase::setLineDashStyle(std::string_view pattern) {
   GetDashArrayFromString(pattern, dash, &count);
   for (int i = 0; i < count; ++i) dash[i] *= dashUnit(*bezierPath_);
   bezierPath_->setLineDash({dash, static_cast<size_t>(count)}, 0);
+  bezierPath_->roundToArchivedPrecision();
 }
 
 void DrawBase::copyCommonAttributesFrom(const DrawBase& other) {
@@ -147,7 +148,10 @@ NSAffineTransform DrawBase::invertTransform() const {
 }
 
 void DrawBase::applyRotationToBezierPath() {
-  if (bezierPath_ != nullptr) bezierPath_->transformUsingAffineTransform(transform());
+  if (bezierPath_ != nullptr) {
+    bezierPath_->transformUsingAffineTransform(transform());
+    bezierPath_->roundToArchivedPrecision();
+  }
   fRotateDegree_ = 0;
 }
 

@@ -148,6 +148,23 @@ class PAINT_API DrawBase : public NSObject {
   bool smooth() const { return bSmooth_; }
   void setSmooth(bool on) { bSmooth_ = on; }
 
+  // ---- Editing state, never archived.
+  bool isCreatingWithEvent() const { return bCreatingWithEvent_; }
+  void setCreatingWithEvent(bool on) { bCreatingWithEvent_ = on; }
+  /// A turn in progress; a group turns its sub-draws while it lasts.
+  bool isRotating() const { return bRotating_; }
+  void setRotating(bool on) { bRotating_ = on; }
+  bool isResizing() const { return bResizing_; }
+  void setResizing(bool on) { bResizing_ = on; }
+  bool isEditingStrokeGradient() const { return bEditingStrokeGradient_; }
+  void setEditingStrokeGradient(bool on) { bEditingStrokeGradient_ = on; }
+  bool isEditingFillGradient() const { return bEditingFillGradient_; }
+  void setEditingFillGradient(bool on) { bEditingFillGradient_ = on; }
+  bool isResizingByDragging() const { return bResizingByDragging_; }
+  virtual void setResizingByDragging(bool on) { bResizingByDragging_ = on; }
+  bool isAdjustingByDragging() const { return bAdjustingByDragging_; }
+  void setAdjustingByDragging(bool on) { bAdjustingByDragging_ = on; }
+
   /// Width of the path's line; 0 without a path.
   CGFloat lineWidth() const { return bezierPath_ ? bezierPath_->lineWidth() : 0; }
   /// Keeps the dash pattern in units of the new width.
@@ -193,6 +210,9 @@ class PAINT_API DrawBase : public NSObject {
   /// The whole draw. The image is unused by most draws and may be null.
   virtual void drawInImage(NSBitmapImageRep* image);
   void draw() { drawInImage(nullptr); }
+  /// The draw alone on a transparent bitmap as large as renderedRect; null when that is empty or
+  /// larger than any bitmap.
+  std::shared_ptr<NSBitmapImageRep> renderedImage();
   /// Fill, inner shadow and stroke of the rotated path, with the drop shadow unless this is a
   /// reflection.
   virtual void _draw(CastShadow cast);
@@ -235,6 +255,8 @@ class PAINT_API DrawBase : public NSObject {
   virtual bool canBeFliped() const { return visibleWithGroup(); }
   bool isPathClosed() const;
   bool canCreateBezierText() const;
+  /// Whether editing may add curves to the outline.
+  virtual bool canAddCurvedSegment() const { return classDrawBezierPath(); }
   virtual bool canAdjustOpacity() const;
   bool canCopyDrawAttributes() const;
 
@@ -256,10 +278,9 @@ class PAINT_API DrawBase : public NSObject {
   static std::shared_ptr<DrawBase> drawFromEncodedData(const std::shared_ptr<const NSData>& data);
 
  protected:
-  /// Strokes a path that is already rotated, with the draw's stroke paint. The heads and the clip
-  /// may be null.
+  /// Strokes a path that is already rotated, with the draw's stroke paint. The heads may be null.
   void _drawStrokeWithPath(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
-                           const NSBezierPath* clipPath, bool hasShadow) const;
+                           bool hasShadow) const;
   bool hasShadowInForce() const { return bEnableShadow_ && shadow_ != nullptr; }
   /// Sets the drop shadow in the current context, if there is one to be cast.
   void setShadowInForce(CastShadow cast) const;
@@ -298,7 +319,13 @@ class PAINT_API DrawBase : public NSObject {
   bool bEnableReflection_ = false;
   float fReflection_ = 0;
   float fReflectionDis_ = 0;
+  bool bCreatingWithEvent_ = false;
   bool bRotating_ = false;
+  bool bResizing_ = false;
+  bool bEditingStrokeGradient_ = false;
+  bool bEditingFillGradient_ = false;
+  bool bResizingByDragging_ = false;
+  bool bAdjustingByDragging_ = false;
   bool _enableStrokeOutline = false;
   float _strokeOutlineWidth = 0;
   std::shared_ptr<NSColor> _strokeOutlineColor;
@@ -324,6 +351,7 @@ class PAINT_API DrawBase : public NSObject {
   void drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool fillDrawn) const;
   void paintStrokeGradient(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
                            bool hasShadow) const;
+  void paintTranslucentArrow(const NSBezierPath& path, const ZTArrowPathInfo& arrowPathInfo) const;
   void _drawStrokeWithArrowAndOutline(const NSBezierPath& path, bool hasShadow) const;
   void drawStrokeOutline(const NSBezierPath& line, const ZTArrowPathInfo* info, bool translucent,
                          bool insideLayer) const;

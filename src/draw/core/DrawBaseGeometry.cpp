@@ -79,6 +79,7 @@ void DrawBase::mapGeometry(const AxisMap& map) {
   t.translateXBy(map.dx, map.dy);
   t.scaleXBy(map.xScale, map.yScale);
   bezierPath_->transformUsingAffineTransform(t);
+  bezierPath_->roundToArchivedPrecision();
 }
 
 void DrawBase::moveByX(CGFloat x, CGFloat y) {

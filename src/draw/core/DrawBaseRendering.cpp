@@ -6,6 +6,7 @@
 
 #include "draw/core/DrawBase.h"
 #include "draw/core/InnerShadow.h"
+#include "draw/core/PaintedBounds.h"
 #include "draw/core/ReflectionLimits.h"
 #include "draw/core/StrokeOutline.h"
 #include "draw/core/ZTArrowPathInfo.h"
@@ -73,6 +74,16 @@ void DrawBase::drawInImage(NSBitmapImageRep*) {
   port().setAlpha(appliesOpacity ? static_cast<CGFloat>(opacity()) / 100 : 1);
   if (bEnableReflection_ && fReflection_ > 0) drawReflection();
   _draw(CastShadow::yes);
+}
+
+std::shared_ptr<NSBitmapImageRep> DrawBase::renderedImage() {
+  const NSRect rect = renderedRect();
+  std::shared_ptr<NSBitmapImageRep> image;
+  if (NSIsEmptyRect(rect) || !InitImageRep(rect.size, &image)) return nullptr;
+  const ZTFocusScope focus(image);
+  port().concatenate(CGAffineTransformMakeTranslation(-NSMinX(rect), -NSMinY(rect)));
+  drawInImage(image.get());
+  return image;
 }
 
 void DrawBase::drawReflection() {
@@ -164,19 +175,19 @@ void DrawBase::drawStrokeOfPath(const NSBezierPath& path, bool hasShadow, bool f
   }
   if (!hasShadow || !fillDrawn) {
     if (hasShadow) shadow_->set();
-    return _drawStrokeWithPath(path, nullptr, nullptr, hasShadow);
+    return _drawStrokeWithPath(path, nullptr, hasShadow);
   }
   {
     // The stroke's shadow falls outside the filled shape only.
     const NSGraphicsStateScope state;
     shadow_->set();
-    const auto outside = NSBezierPath::bezierPathWithRect(renderedRect());
+    const auto outside = NSBezierPath::bezierPathWithRect(paintedBounds(*this));
     outside->appendBezierPath(path);
     outside->setWindingRule(WindingRule::evenOdd);
     outside->addClip();
-    _drawStrokeWithPath(path, nullptr, nullptr, true);
+    _drawStrokeWithPath(path, nullptr, true);
   }
-  _drawStrokeWithPath(path, nullptr, nullptr, false);
+  _drawStrokeWithPath(path, nullptr, false);
 }
 
 namespace {
@@ -228,64 +239,90 @@ void fillHeads(const ZTArrowPathInfo* info) {
   for (const NSBezierPath* head : heads(info)) head->fill();
 }
 
+/// Adds the heads to an outline of the line. Turning the same way as the outline, a head adds to it
+/// where they overlap.
+void appendTurnedHeads(NSBezierPath& outline, const ZTArrowPathInfo* info) {
+  const bool outlineTurnsLeft = signedArea(outline) > 0;
+  for (const NSBezierPath* head : heads(info)) {
+    const bool turnsLeft = signedArea(*head) > 0;
+    outline.appendBezierPath(turnsLeft == outlineTurnsLeft ? *head
+                                                           : *head->bezierPathByReversingPath());
+  }
+}
+
+/// Where stroking the path paints at most. Its outline has neither the miters nor the caps that
+/// dashes add.
+NSRect strokeArea(const NSBezierPath& path, const NSBezierPath& outline) {
+  constexpr CGFloat kSquareCap = 1.5;
+  const bool miters = path.lineJoinStyle() == LineJoin::miter;
+  const CGFloat reach =
+      path.lineWidth() / 2 * std::max(kSquareCap, miters ? path.miterLimit() : 0) + 1;
+  return NSInsetRect(outline.bounds(), -reach, -reach);
+}
+
 }  // namespace
 
 void DrawBase::_drawStrokeWithPath(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
-                                   const NSBezierPath* clipPath, bool hasShadow) const {
+                                   bool hasShadow) const {
   if (!drawStroke()) return;
   if (bStrokeWithGdt_) return paintStrokeGradient(path, arrowPathInfo, hasShadow);
+  if (arrowPathInfo != nullptr && colorStroke_->alphaComponent() < 1) {
+    return paintTranslucentArrow(path, *arrowPathInfo);
+  }
   colorStroke_->set();
   fillHeads(arrowPathInfo);
-  if (clipPath != nullptr && !clipPath->isEmpty()) clipPath->addClip();
   path.stroke();
+}
+
+/// Line and heads overlap: they are painted opaque, and their picture is made translucent.
+void DrawBase::paintTranslucentArrow(const NSBezierPath& path,
+                                     const ZTArrowPathInfo& arrowPathInfo) const {
+  const NSGraphicsStateScope state;
+  CGContext& context = port();
+  context.setAlpha(context.alpha() * colorStroke_->alphaComponent());
+  NSRect area = strokeArea(path, path);
+  for (const NSBezierPath* head : heads(&arrowPathInfo)) {
+    area = NSUnionRect(area, NSInsetRect(head->bounds(), -1, -1));
+  }
+  CGTransparencyLayerScope layer(context, area);
+  colorStroke_->colorWithAlphaComponent(1)->set();
+  fillHeads(&arrowPathInfo);
+  path.stroke();
+  layer.end();
 }
 
 void DrawBase::paintStrokeGradient(const NSBezierPath& path, const ZTArrowPathInfo* arrowPathInfo,
                                    bool hasShadow) const {
   const auto outline = strokeOutlinePath(path);
   if (outline->isEmpty()) return;
-  const bool dashed = !path.lineDash().empty();
+  appendTurnedHeads(*outline, arrowPathInfo);
+  // The outline knows neither dashes nor the pixels of a stroke without smoothing: these are
+  // stroked, and the gradient takes their place.
+  const bool takesPlace = !path.lineDash().empty() || !shouldAntialias();
+  const NSRect area = strokeArea(path, *outline);
   std::optional<CGTransparencyLayerScope> layer;
-  if (hasShadow || dashed) layer.emplace(port());
-  if (dashed) {
-    // The gradient lands on the dashes only.
+  if (hasShadow || takesPlace) layer.emplace(port(), area);
+  if (takesPlace) {
     NSColor::blackColor()->set();
     path.stroke();
     fillHeads(arrowPathInfo);
     NSGraphicsContext::currentContext()->setCompositingOperation(NSCompositingOperation::sourceIn);
   }
-  const bool outlineTurnsLeft = signedArea(*outline) > 0;
-  for (const NSBezierPath* head : heads(arrowPathInfo)) {
-    // Turning the same way as the outline, a head adds to it where they overlap.
-    const bool turnsLeft = signedArea(*head) > 0;
-    outline->appendBezierPath(turnsLeft == outlineTurnsLeft ? *head
-                                                            : *head->bezierPathByReversingPath());
-  }
+  const auto paint = [&](auto position) {
+    takesPlace ? gradientStroke_->drawInRect(area, *outline, position)
+               : gradientStroke_->drawInBezierPath(*outline, position);
+  };
   if (!bStrokeRadialGdt_) {
-    const float degrees = fStrokeGdtDegree_ + fRotateDegree_;
-    gradientStroke_->drawInBezierPath(*outline, static_cast<CGFloat>(degrees));
+    paint(static_cast<CGFloat>(fStrokeGdtDegree_ + fRotateDegree_));
+  } else if (ptStrokeGdtCenter_ == NSZeroPoint) {
+    paint(NSZeroPoint);
   } else {
-    const NSPoint center =
-        ptStrokeGdtCenter_ == NSZeroPoint
-            ? NSZeroPoint
-            : relativePosition(strokeGradientCenterPointWithScale(1), path.bounds());
-    gradientStroke_->drawInBezierPath(*outline, center);
+    paint(relativePosition(strokeGradientCenterPointWithScale(1), path.bounds()));
   }
   if (layer) layer->end();
 }
 
 namespace {
-
-/// Everything around the heads: where a translucent line may be painted so that it does not show
-/// through them.
-std::shared_ptr<NSBezierPath> clipAroundHeads(const NSBezierPath& path,
-                                              const ZTArrowPathInfo& info) {
-  const CGFloat width = path.lineWidth();
-  auto clip = NSBezierPath::bezierPathWithRect(NSInsetRect(path.bounds(), -width, -width));
-  appendHeads(*clip, &info);
-  clip->setWindingRule(WindingRule::evenOdd);
-  return clip;
-}
 
 /// Erases the area of the line and its heads.
 void eraseStroke(const NSBezierPath& path, const ZTArrowPathInfo* info) {
@@ -307,14 +344,11 @@ void DrawBase::_drawStrokeWithArrowAndOutline(const NSBezierPath& path, bool has
                                : colorStroke_ && colorStroke_->alphaComponent() < 1;
   const auto info = getArrowInfoWithStyle(path, arrowStyle());
   const NSBezierPath& line = info != nullptr ? *info->adjustedBezierPath() : path;
-  std::shared_ptr<NSBezierPath> clip;
-  if (info != nullptr && translucent) clip = clipAroundHeads(line, *info);
-
   const bool outlined = hasStrokeOutline();
   std::optional<CGTransparencyLayerScope> layer;
   if (outlined && (info != nullptr || translucent)) layer.emplace(port());
   if (outlined) drawStrokeOutline(line, info.get(), translucent, layer.has_value());
-  _drawStrokeWithPath(line, info.get(), clip.get(), hasShadow);
+  _drawStrokeWithPath(line, info.get(), hasShadow);
   if (layer) layer->end();
 }
 

@@ -1,6 +1,7 @@
 // Embedded bitmaps on the canvas.
 #include <algorithm>
 
+#include "draw/core/PaintedBounds.h"
 #include "draw/core/ZTBezierPathExtension.h"
 #include "draw/image/DrawImage2.h"
 #include "draw/image/PictureDrawing.h"
@@ -14,19 +15,11 @@ CGContext& port() {
   return *NSGraphicsContext::currentContext()->graphicsPort();
 }
 
-/// How far mitred corners and square caps reach beyond renderedRect.
-CGFloat lineOverhang(const NSBezierPath& path) {
-  constexpr CGFloat kSquareCap = 1.5;
-  const bool miters = path.lineJoinStyle() == LineJoin::miter;
-  return path.lineWidth() / 2 * std::max(kSquareCap, miters ? path.miterLimit() : 0);
-}
-
 }  // namespace
 
 void DrawImage2::drawInImage(NSBitmapImageRep* image) {
   // Cropped documents keep the pictures that fell outside; they are not decoded.
-  const CGFloat margin = drawStroke() && bezierPath_ != nullptr ? lineOverhang(*bezierPath_) : 0;
-  if (!mayShow(NSInsetRect(renderedRect(), -margin, -margin))) return;
+  if (!mayShow(paintedBounds(*this))) return;
   // A reflection draws the picture twice; it is made once.
   const auto shown = enableReflection() ? imageForDrawing() : nullptr;
   DrawRoundRectangle::drawInImage(image);
@@ -67,7 +60,7 @@ void DrawImage2::drawStrokeAround(CastShadow cast) {
     if (shouldApplyOpacityToStokeAndFill()) {
       port().setAlpha(static_cast<CGFloat>(opacity()) / 100);
     }
-    const auto outside = NSBezierPath::bezierPathWithRect(renderedRect());
+    const auto outside = NSBezierPath::bezierPathWithRect(paintedBounds(*this));
     outside->appendBezierPath(*bezierPath_);
     outside->setWindingRule(WindingRule::evenOdd);
     outside->addClip();
@@ -75,5 +68,5 @@ void DrawImage2::drawStrokeAround(CastShadow cast) {
     bezierPath_->stroke();
   }
   port().setShadow({});
-  _drawStrokeWithPath(*bezierPath_, nullptr, nullptr, false);
+  _drawStrokeWithPath(*bezierPath_, nullptr, false);
 }

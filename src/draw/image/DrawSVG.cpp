@@ -89,12 +89,12 @@ bool DrawSVG::fitsCachedImage() const {
 }
 
 void DrawSVG::respondToBoundsChangeFromOldBounds(const NSRect& oldBounds) {
-  if (isResizingByDragging_ && useSVGNative()) return;
+  if (bResizingByDragging_ && useSVGNative()) return;
   if (pathBounds().size != oldBounds.size && !fitsCachedImage()) setImage(nullptr);
 }
 
 void DrawSVG::setResizingByDragging(bool dragging) {
-  isResizingByDragging_ = dragging;
+  DrawImage2::setResizingByDragging(dragging);
   if (!dragging && !fitsCachedImage()) setImage(nullptr);
 }
 

@@ -31,8 +31,7 @@ class DrawSVG : public DrawImage2 {
   // A new size makes a new bitmap; while it is dragged, the old one is stretched.
   void setBezierPathWithBounds(NSRect bounds) override;
   void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
-  bool isResizingByDragging() const { return isResizingByDragging_; }
-  void setResizingByDragging(bool dragging);
+  void setResizingByDragging(bool dragging) override;
 
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;
@@ -52,5 +51,4 @@ class DrawSVG : public DrawImage2 {
   bool _flipVertical = false;
   mutable std::optional<bool> _useSVGNative;
   std::shared_ptr<NSData> _svgData;
-  bool isResizingByDragging_ = false;
 };

@@ -48,7 +48,7 @@ std::shared_ptr<DrawFill> DrawFill::initWithImageMask(std::shared_ptr<ImageMask>
   auto draw = std::make_shared<DrawFill>();
   draw->init();
   draw->mask_ = std::move(mask);
-  draw->resetPathToMask();
+  draw->resetPathTo(draw->mask_->maskRect());
   draw->useRectangleOfFullMask();
   draw->setPathStyle();
   draw->bezierPath_->setLineWidth(1);
@@ -71,17 +71,17 @@ void DrawFill::setPathStyle() {
   bezierPath_->setLineJoinStyle(LineJoin::miter);
 }
 
-void DrawFill::resetPathToMask() {
+void DrawFill::resetPathTo(const NSRect& rect) {
   if (bezierPath_ == nullptr) return;
   bezierPath_->removeAllPoints();
-  bezierPath_->appendBezierPathWithRect(mask_->maskRect());
+  bezierPath_->appendBezierPathWithRect(rect);
 }
 
 void DrawFill::useRectangleOfFullMask() {
   bool isPathOfLines = false;
   const auto path = mask_->bezierPathForFill(&isPathOfLines);
   if (path == nullptr || isPathOfLines) return;
-  resetPathToMask();
+  resetPathTo(mask_->maskRect());
   fillType_ = kPathFill;
   mask_ = nullptr;
 }
@@ -97,7 +97,28 @@ void DrawFill::setOpacity(uint64_t percent) {
 }
 
 void DrawFill::moveMaskToPath() {
-  if (mask_ != nullptr) mask_->setMaskStartPoint(pathBounds().origin);
+  if (mask_ == nullptr) return;
+  mask_->setMaskStartPoint(pathBounds().origin);
+  if (fillType_ != kMaskFill || !readsPathFromMask()) return;
+  // Files keep neither another size than the mask's nor, of a turned fill, where it lies within a
+  // pixel.
+  const NSRect path = pathBounds();
+  const NSRect rect = mask_->maskRect();
+  const NSSize difference = sizeDifference(path, rect);
+  const bool isScaled = difference.width >= 1 || difference.height >= 1;
+  if (!isScaled && !isTurned()) return;
+  auto scaled = isScaled ? mask_->imageMaskScaledByX(NSWidth(path) / NSWidth(rect),
+                                                     NSHeight(path) / NSHeight(rect))
+                         : mask_;
+  if (scaled == nullptr) return;
+  mask_ = std::move(scaled);
+  mask_->setMaskStartPoint(drawnOrigin(path));
+  resetPathTo(mask_->maskRect());
+}
+
+void DrawFill::setRotateDegree(float degrees) {
+  DrawBase::setRotateDegree(degrees);
+  moveMaskToPath();
 }
 
 void DrawFill::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
@@ -194,9 +215,9 @@ void DrawFill::upgradeDecoded(bool typeIsKnown) {
   if (!typeIsKnown) return useRectangleOfFullMask();
   if (fillType_ == kLineFill) {
     fillType_ = kMaskFill;
-    resetPathToMask();
+    resetPathTo(mask_->maskRect());
   } else if (fillType_ == kMaskFill) {
-    if (readsPathFromMask()) resetPathToMask();
+    if (readsPathFromMask()) resetPathTo(mask_->maskRect());
   }
 }
 
@@ -206,20 +227,6 @@ bool DrawFill::readsPathFromMask() const {
   constexpr CGFloat kNearly = 1.1;
   const NSSize difference = sizeDifference(pathBounds(), mask_->maskRect());
   return !isTurned() || difference.width < kNearly || difference.height < kNearly;
-}
-
-// The mask in the path's size, where the path will be lost. The draw keeps its own mask, which
-// comes back whole when the path does.
-std::shared_ptr<const ImageMask> DrawFill::maskToWrite() const {
-  const NSRect path = pathBounds();
-  const NSRect rect = mask_->maskRect();
-  const NSSize difference = sizeDifference(path, rect);
-  if (!readsPathFromMask() || (difference.width < 1 && difference.height < 1)) return mask_;
-  auto scaled =
-      mask_->imageMaskScaledByX(NSWidth(path) / NSWidth(rect), NSHeight(path) / NSHeight(rect));
-  if (scaled == nullptr) return mask_;
-  scaled->setMaskStartPoint(drawnOrigin(path));
-  return scaled;
 }
 
 bool DrawFill::initWithCoder(NSCoder& coder) {
@@ -239,7 +246,7 @@ void DrawFill::encodeWithCoder(NSCoder& coder) const {
   record.colorStroke_ = colorFill_;
   record.DrawBase::encodeWithCoder(coder);
   coder.encodeInteger(fillType_, kFillType);
-  if (fillType_ == kMaskFill && mask_ != nullptr) coder.encodeObject(maskToWrite(), kMask);
+  if (fillType_ == kMaskFill && mask_ != nullptr) coder.encodeObject(mask_, kMask);
 }
 
 void DrawClear::init() {

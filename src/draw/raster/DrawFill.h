@@ -41,7 +41,9 @@ class DrawFill : public DrawBase {
   /// Gives the fill colour that alpha.
   void setOpacity(uint64_t percent) override;
 
-  // The mask follows the path: it starts where the path's bounds start.
+  // The mask follows the path: it starts where the path's bounds start. Turned, both lie on whole
+  // pixels, as files have them.
+  void setRotateDegree(float degrees) override;
   void setBezierPathWithData(const std::shared_ptr<NSObject>& data) override;
   /// Mirrors the draw in place.
   void flip(bool horizontal);
@@ -65,9 +67,8 @@ class DrawFill : public DrawBase {
   void moveMaskToPath();
   void setPathStyle();
   void upgradeDecoded(bool typeIsKnown);
-  void resetPathToMask();
+  void resetPathTo(const NSRect& rect);
   bool readsPathFromMask() const;
-  std::shared_ptr<const ImageMask> maskToWrite() const;
   void useRectangleOfFullMask();
 
   int64_t fillType_ = kMaskFill;

@@ -189,6 +189,10 @@ bool DrawFreePolygon::initWithCoder(NSCoder& coder) {
   return true;
 }
 
+bool DrawFreePolygon::canAddCurvedSegment() const {
+  return _semgents != 3 && DrawBase::canAddCurvedSegment();
+}
+
 bool DrawBezierPath::classDrawBezierPathFill() const {
   return bezierPath_ != nullptr && ::isPathClosed(*bezierPath_);
 }
@@ -205,6 +209,18 @@ bool DrawBezierPath::resetSelectedElement() {
 void DrawBezierPath::setBezierPathWithData(const std::shared_ptr<NSObject>& data) {
   DrawArrowed::setBezierPathWithData(data);
   resetSelectedElement();
+}
+
+void DrawBezierPath::drawInImage(NSBitmapImageRep* image) {
+  if (!isBeingDragged() || bezierPath_ == nullptr || bezierPath_->isEmpty()) {
+    return DrawArrowed::drawInImage(image);
+  }
+  // Drawn as another draw, so that this one stays whole whatever happens on the way.
+  DrawBezierPath settled;
+  settled.copyCommonAttributesFrom(*this);
+  settled.arrowStyle_ = arrowStyle_;
+  settled.bezierPath_ = removeLastElements(*bezierPath_, 1);
+  settled.drawInImage(image);
 }
 
 std::string DrawBezierPath::name() const {

@@ -91,6 +91,8 @@ class DrawFreePolygon : public DrawBase {
   /// Number of sides while the draw is being created; not archived.
   int64_t semgents() const { return _semgents; }
   void setSemgents(int64_t count) { _semgents = count; }
+  /// A triangle in the making stays one.
+  bool canAddCurvedSegment() const override;
 
   void init() override;
   bool initWithCoder(NSCoder& coder) override;
@@ -106,8 +108,10 @@ class DrawBezierPath : public DrawArrowed {
   const NSClass& classInfo() const override { return kClass; }
   bool classDrawBezierPathFill() const override;
   bool hasStrokeOutline() const override;
-  bool hasBorder() const override { return true; }
+  bool hasBorder() const override { return !isBeingDragged(); }
   std::string name() const override;
+  /// While the path is created by dragging, without the element that follows the pointer.
+  void drawInImage(NSBitmapImageRep* image) override;
   static bool mustClosePath() { return false; }
   static bool canResizedWithRectangleKnobs() { return true; }
 
@@ -117,6 +121,9 @@ class DrawBezierPath : public DrawArrowed {
   /// The element that is being edited, -1 for none; not archived.
   int64_t focusElementIndex() const { return _focusElementIndex; }
   void setFocusElementIndex(int64_t index) { _focusElementIndex = index; }
+  /// The path's last element follows the pointer while the draw is being created; not archived.
+  bool isDraggingWhenInitDraw() const { return _isDraggingWhenInitDraw; }
+  void setDraggingWhenInitDraw(bool on) { _isDraggingWhenInitDraw = on; }
   /// Answers whether an element of the path was being edited.
   bool resetSelectedElement();
   /// No element is being edited afterwards.
@@ -126,6 +133,9 @@ class DrawBezierPath : public DrawArrowed {
   bool setDrawAttributes(const NSDictionary& attributes) override;
 
  private:
+  bool isBeingDragged() const { return bCreatingWithEvent_ && _isDraggingWhenInitDraw; }
+
   int64_t _focusElementIndex = -1;
+  bool _isDraggingWhenInitDraw = false;
   DrawBase* _master = nullptr;
 };

@@ -23,11 +23,21 @@ class DrawRectangle : public DrawBase {
   /// Bounds of the turned rectangle; zero without a path.
   NSRect controlBounds() const;
   NSPoint rotateCenter() const override;
+
+  // ---- For editors.
   virtual CGFloat width2HeightRatioForShift() const { return 1; }
+  virtual bool startFromCenterWhenCreating() const { return false; }
+  virtual bool acceptMouseMoveEventWhenInitDraw() const { return false; }
+  /// Whether the draw shows knobs to be resized by; not archived.
+  bool hasResizeControlKnob() const { return hasResizeControlKnob_; }
+  void setHasResizeControlKnob(bool on) { hasResizeControlKnob_ = on; }
 
  protected:
   /// Appends the outline of the class for a rectangle of at least 1 by 1.
   virtual void appendOutline(NSBezierPath& path, const NSRect& bounds) const;
+
+ private:
+  bool hasResizeControlKnob_ = true;
 };
 
 class DrawRoundRectangle : public DrawRectangle {
@@ -40,6 +50,7 @@ class DrawRoundRectangle : public DrawRectangle {
   float yRadius() const { return fYRadius_; }
   /// Ignored when either is negative; rebuilds the outline of a path that is not empty.
   void setXRadius(float xRadius, float yRadius);
+  bool hasRadiusControlKnob() const { return true; }
 
   bool initWithCoder(NSCoder& coder) override;
   void encodeWithCoder(NSCoder& coder) const override;

@@ -11,7 +11,10 @@
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectangle.h"
 #include "draw/text/DrawBezierText.h"
+#include "platform/foundation/values/NSData.h"
 #include "platform/foundation/values/NSString.h"
+#include "platform/graphics/context/NSGraphicsContext.h"
+#include "support/Bitmaps.h"
 
 namespace {
 
@@ -110,6 +113,19 @@ TEST(DrawAttributes, TravelFromDrawToDraw) {
   EXPECT_TRUE(IsEqualDrawAttributes(nullptr, nullptr));
   EXPECT_FALSE(IsEqualDrawAttributes(source->drawAttributes().get(), nullptr));
 
+  // Inner dictionaries are compared by their pairs, not by the order in which these were added.
+  const auto settings = [](int64_t angle, bool angleFirst) {
+    const auto inner = std::make_shared<NSMutableDictionary>();
+    if (angleFirst) inner->setObject(NSNumber::numberWithInteger(angle), "angle");
+    inner->setObject(NSNumber::numberWithInteger(3), "radius");
+    if (!angleFirst) inner->setObject(NSNumber::numberWithInteger(angle), "angle");
+    const auto attributes = std::make_shared<NSMutableDictionary>();
+    attributes->setObject(inner, "DAKeyFilterSettings");
+    return attributes;
+  };
+  EXPECT_TRUE(IsEqualDrawAttributes(settings(1, true).get(), settings(1, false).get()));
+  EXPECT_FALSE(IsEqualDrawAttributes(settings(1, true).get(), settings(2, false).get()));
+
   auto wrong = from("DrawCurve");
   wrong->setObject(NSString::stringWithString("2"), "DAKeyArrowStyle");
   const auto line = made<DrawLine>();
@@ -201,6 +217,53 @@ TEST(DrawAttributes, WhatEditorsAskAboutNewDraws) {
     EXPECT_FALSE(c.draw->canBeSelectedByClick());
   }
   EXPECT_TRUE(DrawGroup::treatAsOneObject());
+  const auto rounded = made<DrawRoundRectangle>();
+  EXPECT_TRUE(rounded->hasRadiusControlKnob());
+  EXPECT_FALSE(rounded->startFromCenterWhenCreating());
+  EXPECT_FALSE(rounded->acceptMouseMoveEventWhenInitDraw());
+  const auto polygon = made<DrawFreePolygon>();
+  EXPECT_TRUE(polygon->canAddCurvedSegment());
+  polygon->setSemgents(3);
+  EXPECT_FALSE(polygon->canAddCurvedSegment());
+}
+
+TEST(DrawAttributes, EditingStateIsNotWritten) {
+  const auto draw = made<DrawRectangle>();
+  const auto path = made<DrawBezierPath>();
+  const auto written = DrawBase::encodedDataWithDraws({draw, path});
+  draw->setCreatingWithEvent(true);
+  draw->setRotating(true);
+  draw->setResizing(true);
+  draw->setEditingStrokeGradient(true);
+  draw->setEditingFillGradient(true);
+  draw->setResizingByDragging(true);
+  draw->setAdjustingByDragging(true);
+  draw->setHasResizeControlKnob(false);
+  path->setDraggingWhenInitDraw(true);
+  EXPECT_TRUE(DrawBase::encodedDataWithDraws({draw, path})->isEqual(*written));
+  const auto read = std::dynamic_pointer_cast<DrawRectangle>(
+      DrawBase::drawFromEncodedData(DrawBase::encodedData(draw)));
+  EXPECT_FALSE(read->isCreatingWithEvent() || read->isRotating() || read->isResizing() ||
+               read->isEditingStrokeGradient() || read->isEditingFillGradient() ||
+               read->isResizingByDragging() || read->isAdjustingByDragging());
+  EXPECT_TRUE(read->hasResizeControlKnob());
+  EXPECT_FALSE(made<DrawBezierPath>()->isDraggingWhenInitDraw());
+}
+
+TEST(DrawAttributes, GroupsTurnWhatTheyHoldWhileTheyAreTurned) {
+  const auto bar = made<DrawRectangle>();
+  bar->setBezierPathWithBounds(NSMakeRect(10, 18, 20, 4));
+  const auto group = DrawGroup::initWithDraws({bar});
+  group->setBezierPath(NSBezierPath::bezierPathWithRect(NSMakeRect(10, 10, 20, 20)));
+  group->setRotateDegree(90);
+  for (const bool rotating : {false, true}) {
+    group->setRotating(rotating);
+    const auto bitmap = NSBitmapImageRep::create(40, 40);
+    const ZTFocusScope focus(bitmap);
+    group->drawInImage(bitmap.get());
+    EXPECT_EQ(pixelAt(*bitmap, 12, 18)[3], rotating ? 0 : 255);
+    EXPECT_EQ(pixelAt(*bitmap, 18, 12)[3], rotating ? 255 : 0);
+  }
 }
 
 TEST(DrawAttributes, ReflectionsFollowShadows) {

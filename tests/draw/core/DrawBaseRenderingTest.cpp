@@ -3,6 +3,9 @@
 
 #include <array>
 #include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectangle.h"
@@ -311,6 +314,76 @@ TEST(DrawBaseRendering, GradientStrokesAndDashes) {
   canvas = Canvas().draw(*plain);
   EXPECT_EQ(canvas.at(10, 50), kRed);
   EXPECT_EQ(canvas.at(30, 50), kClear);
+}
+
+TEST(DrawBaseRendering, GradientStrokesCoverWhatPlainStrokesCover) {
+  const auto curve = made<DrawCurve>();
+  curve->setStartPoint({10, 20}, {30, 95}, {60, -10}, {90, 70});
+  const auto arrow = line({12, 15}, {85, 77}, 1, nullptr);
+  arrow->setArrowStyle(2);
+  const auto rectangle = made<DrawRectangle>();
+  rectangle->setBezierPathWithBounds(NSMakeRect(20, 20, 55, 61));
+  const auto ellipse = made<DrawEllipse>();
+  ellipse->setBezierPathWithBounds(NSMakeRect(15, 25, 60, 45));
+  const auto yellow = NSColor::colorWithCalibratedRed(1, 1, 0.4, 1);
+  for (const auto& draw :
+       std::vector<std::shared_ptr<DrawBase>>{curve, arrow, rectangle, ellipse}) {
+    draw->setStrokeGradient(NSGradient::initWithStartingColor(yellow, NSColor::whiteColor()));
+    for (const double width : {1.0, 2.0, 5.0}) {
+      for (const auto& [dash, smooth] : {std::pair{"3:2", true}, {"3:2", false}, {"", false}}) {
+        for (const bool radial : {false, true}) {
+          draw->setLineWidth(width);
+          draw->setLineDashStyle(dash);
+          draw->setSmooth(smooth);
+          draw->setUseRadialStrokeGradient(radial);
+          draw->setStrokeColor(NSColor::blackColor());
+          draw->setUseGradualStroke(false);
+          const Canvas plain = Canvas().draw(*draw);
+          draw->setUseGradualStroke(true);
+          const Canvas gradient = Canvas().draw(*draw);
+          for (int i = 0; i < 10000; ++i) {
+            const Pixel p = gradient.at(i % 100, i / 100);
+            const int alpha = plain.at(i % 100, i / 100)[3];
+            const std::string what = std::string(draw->className()) + " " + dash + " " +
+                                     std::to_string(width) + " at " + std::to_string(i);
+            ASSERT_NEAR(p[3], alpha, 1) << what;
+            ASSERT_NEAR(p[0], alpha, 1) << what;
+            ASSERT_NEAR(p[1], alpha, 1) << what;
+            ASSERT_GE(p[2], 0.4 * alpha - 2) << what;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(DrawBaseRendering, TranslucentArrowsAreOnePicture) {
+  const auto curve = made<DrawCurve>();
+  curve->setStartPoint({10, 20}, {30, 95}, {60, -10}, {90, 70});
+  const auto straight = line({20, 50}, {80, 50}, 1, nullptr);
+  const auto slanted = line({20, 31}, {80, 75}, 1, nullptr);
+  for (const auto& draw : std::vector<std::shared_ptr<DrawArrowed>>{curve, straight, slanted}) {
+    for (const int style : {1, 2}) {
+      for (const double width : {1.0, 3.0, 7.5}) {
+        for (const bool smooth : {true, false}) {
+          for (const double alpha : {0.25, 0.9}) {
+            draw->setArrowStyle(style);
+            draw->setLineWidth(width);
+            draw->setSmooth(smooth);
+            draw->setStrokeColor(NSColor::blackColor());
+            const Canvas opaque = Canvas().draw(*draw);
+            draw->setStrokeColor(NSColor::colorWithCalibratedWhite(0, alpha));
+            const Canvas translucent = Canvas().draw(*draw);
+            for (int i = 0; i < 10000; ++i) {
+              const int x = i % 100, y = i / 100;
+              ASSERT_NEAR(translucent.at(x, y)[3], opaque.at(x, y)[3] * alpha, 1.5)
+                  << draw->className() << " " << style << " " << width << " " << x << " " << y;
+            }
+          }
+        }
+      }
+    }
+  }
 }
 
 TEST(DrawBaseRendering, ArrowsReplaceTheEndOfTheLine) {

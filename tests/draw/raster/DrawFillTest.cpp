@@ -257,7 +257,7 @@ TEST(DrawFill, TheMaskFollowsThePath) {
 }
 
 // In files, the path of such a fill is its mask's rectangle.
-TEST(DrawFill, ScaledMasksAreWrittenInTheirSize) {
+TEST(DrawFill, MasksAreScaledWithTheirPath) {
   const auto fill = fillOf(maskOf({"##.", "#.#"}, 2, 3));
   fill->scaleByX(3, 2, {1, 1}, ResizeLineWidth::no);
   const auto before = drawnOnWhite(*fill, 20, 20);
@@ -266,9 +266,9 @@ TEST(DrawFill, ScaledMasksAreWrittenInTheirSize) {
   const PixelRows rows{"######...", "######...", "###...###", "###...###"};
   EXPECT_EQ(rowsOf(*drawnOnWhite(*read, 20, 20), kRed), placedRows(20, 20, rows, 4, 5));
   EXPECT_EQ(maxDifference(*drawnOnWhite(*read, 20, 20), *before), 0);
-  // The draw itself keeps its mask, for when the path comes back.
-  EXPECT_EQ(fill->mask()->maskRect().size, NSMakeSize(3, 2));
-  fill->setRotateDegree(90);
+  EXPECT_EQ(fill->mask()->maskRect().size, NSMakeSize(9, 4));
+  fill->setRotateDegree(30);
+  fill->scaleByX(1.5, 1.5, {1, 1}, ResizeLineWidth::no);
   const auto turned = throughArchive(fill);
   EXPECT_EQ(turned->pathBounds(), fill->pathBounds()) << "turned fills keep their path";
 }

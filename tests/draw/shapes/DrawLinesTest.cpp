@@ -10,6 +10,7 @@
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSShadow.h"
 #include "platform/graphics/gradient/NSGradient.h"
+#include "support/Bitmaps.h"
 #include "support/Documents.h"
 #include "support/Draws.h"
 
@@ -139,6 +140,29 @@ TEST(DrawBezierPath, IsFilledExactlyWhenClosed) {
   EXPECT_EQ(path->name(), "Shape");
   EXPECT_TRUE(path->classDrawFill());
   EXPECT_FALSE(path->hasStrokeOutline());
+}
+
+TEST(DrawBezierPath, WhileItIsDraggedItsLastElementDoesNotShow) {
+  const auto path = made<DrawBezierPath>();
+  path->bezierPath()->moveToPoint({10, 10});
+  path->bezierPath()->lineToPoint({30, 10});
+  path->bezierPath()->lineToPoint({30, 40});
+  const auto isDrawnAt = [&](int64_t x, int64_t y) {
+    // Two wide, the picture starts at (9, 9).
+    const auto image = path->renderedImage();
+    return pixelAt(*image, x - 9, image->pixelsHigh() - 1 - (y - 9))[3] == 255;
+  };
+  EXPECT_TRUE(isDrawnAt(20, 10));
+  EXPECT_TRUE(isDrawnAt(30, 30));
+  EXPECT_TRUE(path->hasBorder());
+  path->setCreatingWithEvent(true);
+  EXPECT_TRUE(isDrawnAt(30, 30));
+  path->setDraggingWhenInitDraw(true);
+  EXPECT_TRUE(isDrawnAt(20, 10));
+  EXPECT_FALSE(isDrawnAt(30, 30));
+  EXPECT_FALSE(path->hasBorder());
+  EXPECT_EQ(path->bezierPath()->elementCount(), 3);
+  EXPECT_EQ(made<DrawBezierPath>()->renderedImage(), nullptr);
 }
 
 TEST(DrawBezierPath, ANewPathEndsEditingOfAnElement) {

@@ -291,7 +291,7 @@ TEST(DrawPresetShapes, ScalingTakesTheParametersAlong) {
   star->scaleByX(2, 3, NSZeroPoint, ResizeLineWidth::no);
   const NSRect after = star->drawRect();
   const CGFloat line = star->lineWidth();
-  EXPECT_NEAR(NSWidth(after) - line, 2 * (NSWidth(before) - line), 1e-9);
-  EXPECT_NEAR(NSHeight(after) - line, 3 * (NSHeight(before) - line), 1e-9);
-  EXPECT_NEAR(NSMidX(after), 2 * NSMidX(before), 1e-9);
+  EXPECT_NEAR(NSWidth(after) - line, 2 * (NSWidth(before) - line), 1e-5);
+  EXPECT_NEAR(NSHeight(after) - line, 3 * (NSHeight(before) - line), 1e-5);
+  EXPECT_NEAR(NSMidX(after), 2 * NSMidX(before), 1e-5);
 }

@@ -79,6 +79,7 @@ class CGContext {
   CGFloat scale() const { return grid_.scale; }
 
   void setAlpha(CGFloat alpha) { state_.alpha = alpha; }
+  CGFloat alpha() const { return state_.alpha; }
   void setOperation(NSCompositingOperation operation) { state_.operation = operation; }
   void setShadow(const ShadowStyle& shadow) { state_.shadow = shadow; }
   void setShouldAntialias(bool antialias) { state_.antialias = antialias; }

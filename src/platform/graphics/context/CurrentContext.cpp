@@ -76,3 +76,20 @@ void NSGradient::drawInBezierPath(const NSBezierPath& path, NSPoint relativeCent
                              relativeCenterPosition);
   }
 }
+
+void NSGradient::drawInRect(const NSRect& rect, const NSBezierPath& axisPath, CGFloat angle) const {
+  CGContext* const port = currentPort();
+  const auto axis = linearAxis(axisPath.data(), angle);
+  if (port != nullptr && axis) {
+    port->fill(pathOfRect(rect), WindingRule::nonZero, colorsOf(*this), *axis);
+  }
+}
+
+void NSGradient::drawInRect(const NSRect& rect, const NSBezierPath& axisPath,
+                            NSPoint relativeCenterPosition) const {
+  CGContext* const port = currentPort();
+  const auto axis = radialAxis(axisPath.data(), relativeCenterPosition);
+  if (port != nullptr && axis) {
+    port->fill(pathOfRect(rect), WindingRule::nonZero, colorsOf(*this), *axis);
+  }
+}

@@ -61,6 +61,11 @@ std::optional<RadialAxis> radialAxis(const NSRect& rect, NSPoint relativeCenter)
   return RadialAxis{start, 0, {start.x + dx, start.y + dy}, radius};
 }
 
+std::optional<RadialAxis> radialAxis(const PathData& path, NSPoint relativeCenter) {
+  const auto bounds = tightPathBounds(path);
+  return bounds ? radialAxis(*bounds, relativeCenter) : std::nullopt;
+}
+
 void drawGradientInRect(CGContext& context, const CGGradient& gradient, const NSRect& rect,
                         CGFloat angle) {
   if (const auto axis = linearAxis(rect, angle)) {
@@ -82,9 +87,7 @@ void drawGradientInBezierPath(CGContext& context, const CGGradient& gradient, co
 
 void drawGradientInBezierPath(CGContext& context, const CGGradient& gradient, const PathData& path,
                               WindingRule winding, NSPoint relativeCenterPosition) {
-  const auto bounds = tightPathBounds(path);
-  if (!bounds) return;
-  if (const auto axis = radialAxis(*bounds, relativeCenterPosition)) {
+  if (const auto axis = radialAxis(path, relativeCenterPosition)) {
     context.fill(path, winding, gradient, *axis);
   }
 }

@@ -21,6 +21,8 @@ std::optional<LinearAxis> linearAxis(const PathData& path, CGFloat angle);
 /// is moved from the middle by `relativeCenter` half sides; (1, 1) is the upper right corner.
 /// Positions are held within -1..1.
 std::optional<RadialAxis> radialAxis(const NSRect& rect, NSPoint relativeCenter);
+/// The same for the bounds of a path.
+std::optional<RadialAxis> radialAxis(const PathData& path, NSPoint relativeCenter);
 
 void drawGradientInRect(CGContext& context, const CGGradient& gradient, const NSRect& rect,
                         CGFloat angle);

@@ -41,6 +41,11 @@ class NSGradient : public NSObject {
   /// Fills the path from the middle of its bounds to a circle around the middle moved by the
   /// relative position (-1 to 1 of half the bounds), large enough to cover the bounds.
   void drawInBezierPath(const NSBezierPath& path, NSPoint relativeCenterPosition) const;
+  /// Fill the rectangle with the colours that drawInBezierPath gives its points: start and end are
+  /// those of `axisPath`.
+  void drawInRect(const NSRect& rect, const NSBezierPath& axisPath, CGFloat angle) const;
+  void drawInRect(const NSRect& rect, const NSBezierPath& axisPath,
+                  NSPoint relativeCenterPosition) const;
 
   /// Nil when no colours can be found.
   bool initWithCoder(NSCoder& coder) override;

@@ -204,6 +204,13 @@ void NSBezierPath::transformUsingAffineTransform(const NSAffineTransform& transf
   for (NSPoint& p : data_.points) p = transform.transformPoint(p);
 }
 
+void NSBezierPath::roundToArchivedPrecision() {
+  // Not in a loop over the points: g++ 12 leaves the last one of an odd number as it is.
+  PathData kept = pathFromSegments(segmentsOfPath(data_));
+  if (kept.verbs == data_.verbs) data_.points = std::move(kept.points);
+  for (CGFloat& length : dash_) length = static_cast<CGFloat>(static_cast<float>(length));
+}
+
 void NSBezierPath::setLineDash(std::span<const CGFloat> pattern, CGFloat phase) {
   dash_.assign(pattern.begin(), pattern.end());
   dashPhase_ = phase;

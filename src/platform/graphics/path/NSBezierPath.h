@@ -80,6 +80,9 @@ class NSBezierPath : public NSObject {
   std::shared_ptr<NSBezierPath> bezierPathByReversingPath() const;
   /// Maps the points; width and dash stay.
   void transformUsingAffineTransform(const NSAffineTransform& transform);
+  /// Makes coordinates and dashes what an archive keeps of them: single precision. For editing, so
+  /// that what is shown is what a file will show.
+  void roundToArchivedPrecision();
 
   // Settings.
   CGFloat lineWidth() const { return lineWidth_; }
