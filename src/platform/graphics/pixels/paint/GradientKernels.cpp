@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "platform/foundation/Convert.h"
-#include "platform/graphics/pixels/paint/GradientTable.h"
 #include "platform/machine/TargetClones.h"
 
 namespace {
@@ -12,37 +11,40 @@ namespace {
 /// vectorised.
 constexpr int32_t kBlock = 256;
 
-/// Clamped before the conversion, which is undefined outside the range of int; NaN gives 0, what
-/// lies before the first entry -1.
+/// Clamped before the conversion, which is undefined outside the range of int; NaN gives 0.
 inline int32_t entry(float location) {
   constexpr auto kLast = static_cast<float>(GradientTable::kSize - 1);
   const float low = location > 0 ? location : 0;
-  return static_cast<int32_t>(low < kLast ? low : kLast) - static_cast<int32_t>(location < 0);
+  return static_cast<int32_t>(low < kLast ? low : kLast);
 }
 
 /// Pixel i of the result is at `first` + i.
 template <class Location>
-ALWAYS_INLINE void lookUp(uint32_t* __restrict out, int32_t first, int32_t n,
-                          const uint32_t* __restrict table, Location locationAt) {
+ALWAYS_INLINE void lookUp(uint32_t* __restrict out, int32_t first, int32_t n, GradientEntries table,
+                          Location locationAt) {
+  const uint32_t* __restrict const pixels = table.first;
   int32_t entries[kBlock];
   for (int32_t done = 0; done < n; done += kBlock) {
     const int32_t count = n - done < kBlock ? n - done : kBlock;
     for (int32_t i = 0; i < count; ++i)
       entries[i] = entry(locationAt(static_cast<float>(first + done + i)));
-    for (int32_t i = 0; i < count; ++i) out[done + i] = table[entries[i]];
+    if (table.startsWithEdge) [[unlikely]] {
+      for (int32_t i = 0; i < count; ++i)
+        entries[i] -= locationAt(static_cast<float>(first + done + i)) < 0;
+    }
+    for (int32_t i = 0; i < count; ++i) out[done + i] = pixels[entries[i]];
   }
 }
 
 }  // namespace
 
 TARGET_CLONES void linearGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
-                                     const uint32_t* __restrict table, float start, float step) {
+                                     GradientEntries table, float start, float step) {
   lookUp(out, first, n, table, [=](float i) { return start + step * i; });
 }
 
 TARGET_CLONES void concentricGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
-                                         const uint32_t* __restrict table,
-                                         const ConcentricRow& row) {
+                                         GradientEntries table, const ConcentricRow& row) {
   lookUp(out, first, n, table, [r = row](float i) {
     const float x = r.x + r.dx * i;
     const float y = r.y + r.dy * i;
@@ -51,8 +53,7 @@ TARGET_CLONES void concentricGradientRow(uint32_t* __restrict out, int32_t first
 }
 
 TARGET_CLONES void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
-                                            const uint32_t* __restrict table,
-                                            const NestedCirclesRow& row) {
+                                            GradientEntries table, const NestedCirclesRow& row) {
   const float scale = static_cast<float>(GradientTable::kSize - 1) / row.a;
   const float b0 = row.startRadius * row.growth;
   const float c0 = row.startRadius * row.startRadius;

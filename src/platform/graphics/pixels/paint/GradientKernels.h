@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "platform/graphics/pixels/paint/GradientTable.h"
 #include "platform/graphics/pixels/paint/RGBAColor.h"
 
 /// Loops that turn positions along a row into pixels of a gradient table. Locations are in table
@@ -10,8 +11,8 @@
 /// on.
 
 /// Entry start + i step.
-void linearGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
-                       const uint32_t* __restrict table, float start, float step);
+void linearGradientRow(uint32_t* __restrict out, int32_t first, int32_t n, GradientEntries table,
+                       float start, float step);
 
 /// Entry offset + |(x + i dx, y + i dy)|.
 struct ConcentricRow {
@@ -22,7 +23,7 @@ struct ConcentricRow {
   float offset = 0;
 };
 void concentricGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
-                           const uint32_t* __restrict table, const ConcentricRow& row);
+                           GradientEntries table, const ConcentricRow& row);
 
 /// Circles that grow from (0, 0) with radius r0 by (moveX, moveY) and `growth` per location, each
 /// inside the next: entry 0.5 + t * (kSize - 1) of the larger solution t of
@@ -40,7 +41,7 @@ struct NestedCirclesRow {
   float a = 0;
 };
 void nestedCirclesGradientRow(uint32_t* __restrict out, int32_t first, int32_t n,
-                              const uint32_t* __restrict table, const NestedCirclesRow& row);
+                              GradientEntries table, const NestedCirclesRow& row);
 
 /// Colours between two stops of a gradient.
 struct GradientRamp {

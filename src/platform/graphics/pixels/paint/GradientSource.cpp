@@ -74,7 +74,7 @@ class LinearSource final : public RowSource {
 
   /// `start` is the location of the pixel 0.
   void fetchPiece(double start, int32_t first, int32_t n, uint32_t* out) const {
-    linearGradientRow(out, first, n, table_.pixels(), static_cast<float>(start * kLastEntry + 0.5),
+    linearGradientRow(out, first, n, table_.entries(), static_cast<float>(start * kLastEntry + 0.5),
                       static_cast<float>(field_.dx * kLastEntry));
     if (extent_ == GradientExtent::both) return;
     for (int32_t i = 0; i < n; ++i) {
@@ -148,7 +148,7 @@ class ConcentricSource final : public RowSource {
       const ConcentricRow row{static_cast<float>(start.x), static_cast<float>(start.y),
                               static_cast<float>(toEntries_.a), static_cast<float>(toEntries_.b),
                               static_cast<float>(offset_ + 0.5)};
-      concentricGradientRow(out, first, n, table_.pixels(), row);
+      concentricGradientRow(out, first, n, table_.entries(), row);
       return;
     }
     for (int32_t i = 0; i < n; ++i) out[i] = pixel(start, first + i);
@@ -205,7 +205,7 @@ class TwoCircleSource final : public RowSource {
   /// `start` is the place of the pixel 0.
   void fetchPiece(NSPoint start, int32_t first, int32_t n, uint32_t* out) const {
     if (nested_) {
-      nestedCirclesGradientRow(out, first, n, table_.pixels(), nestedRow(start));
+      nestedCirclesGradientRow(out, first, n, table_.entries(), nestedRow(start));
       return;
     }
     for (int32_t i = first; i < first + n; ++i) {

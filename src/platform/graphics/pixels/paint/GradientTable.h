@@ -19,6 +19,13 @@ struct GradientStop {
 /// location the last one counts from there on. Transparent without stops.
 RGBAColor interpolatedColor(std::span<const GradientStop> sortedStops, double location);
 
+/// What lookups take of a table: its first entry, before which stands the colour before the start,
+/// and whether that is another one, as it is where several stops are at 0.
+struct GradientEntries {
+  const uint32_t* first;
+  bool startsWithEdge;
+};
+
 /// A gradient sampled at kSize evenly spaced locations from 0 to 1, as premultiplied pixels.
 class GradientTable {
  public:
@@ -28,9 +35,8 @@ class GradientTable {
   /// colour's alpha is scaled by `alpha`.
   GradientTable(std::span<const GradientStop> stops, double alpha);
 
-  /// The entries; the one at -1 is the colour before the start, which the first entry does not have
-  /// where several stops are at 0.
   const uint32_t* pixels() const { return pixels_.data() + 1; }
+  GradientEntries entries() const { return {pixels(), pixels_[0] != pixels_[1]}; }
   /// The colour at any place, counted in entries from the first.
   uint32_t pixelAt(double entry) const {
     if (entry < -0.5) return pixels_.front();
@@ -41,6 +47,6 @@ class GradientTable {
  private:
   void sample(std::span<const GradientStop> sortedStops, double alpha);
 
-  std::array<uint32_t, kSize + 1> pixels_{};
+  std::array<uint32_t, kSize + 1> pixels_{};  // before the start, then the entries
   bool opaque_ = false;
 };
