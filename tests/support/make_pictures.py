@@ -357,6 +357,11 @@ def make_wide_tiff(folder, rows):
                 what = ["white is zero ", "grey ", "rgb ", "", "", "cmyk "][color]
                 what += "alpha " * (alpha > 0)
                 save(folder, what + name + kind, data, pixels)
+                if samples > 2 or color == 0:
+                    planes = [b"".join(packed([[p[c]] for p in stored], bits, W, big))
+                              for c in range(samples)]
+                    tags.update({284: ("H", [2]), 278: ("H", [H])})
+                    save(folder, what + name + "planes " + kind, tiff(planes, tags, big), pixels)
 
 
 def make_translucent_cmyk(folder, rows):

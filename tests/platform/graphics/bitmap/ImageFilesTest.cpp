@@ -61,7 +61,7 @@ TEST(ImageDecoder, EveryFormOfPNG) {
 }
 
 TEST(ImageDecoder, EveryFormOfTIFF) {
-  expectPictures("exact/tiff", 70, 0);
+  expectPictures("exact/tiff", 120, 0);
 }
 
 TEST(ImageDecoder, ProfilesAreConvertedToSRGB) {

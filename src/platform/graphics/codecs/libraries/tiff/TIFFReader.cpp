@@ -20,6 +20,14 @@ constexpr uint64_t kLargestPiece = uint64_t{64} << 20;
 /// Colours, alpha, and some that nobody knows.
 constexpr size_t kMaxSamples = 16;
 
+TIFFSampleLayout planeOf(const TIFFSampleLayout& layout) {
+  TIFFSampleLayout plane = layout;
+  plane.color = TIFFColor::blackIsZero;
+  plane.samples = 1;
+  plane.alpha = TIFFAlpha::none;
+  return plane;
+}
+
 class TIFFReader {
  public:
   TIFFReader(std::span<const uint8_t> file, PictureTarget& target)
@@ -39,12 +47,16 @@ class TIFFReader {
   TIFFAlpha alphaKind() const;
   std::optional<TIFFSampleLayout> sampleLayout() const;
   std::optional<TIFFColor> color() const;
+  bool hasPlanes() const;
+  bool canReadPlanes(const TIFFSampleLayout& layout) const;
   bool readPalette(TIFFSampleLayout& layout) const;
   bool piecesFit(const TIFFSampleLayout& layout, bool tiled) const;
   void onFailure();
   void describe(const TIFFSampleLayout& layout);
   void readStrips(const TIFFSampleLayout& layout, uint8_t* pixels);
   void readTiles(const TIFFSampleLayout& layout, uint8_t* pixels);
+  void readPlanes(const TIFFSampleLayout& layout, uint8_t* pixels);
+  int64_t readPlane(const TIFFSampleLayout& plane, uint16_t sample, uint8_t* out);
   void finish(int64_t first, int64_t end);
   void readThroughLibrary();
 
@@ -121,14 +133,26 @@ bool canUnpack(const TIFFSampleLayout& layout) {
   return layout.samples >= layout.colorSamples() && layout.samples <= kMaxSamples;
 }
 
+bool TIFFReader::hasPlanes() const {
+  return field<uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_SEPARATE;
+}
+
+/// Planes that the library would not show, where each is one byte of the pixels. A single one is
+/// nothing special.
+bool TIFFReader::canReadPlanes(const TIFFSampleLayout& layout) const {
+  if (!layout.isFloat && layout.bits <= 16) return false;
+  if (layout.samples == 1) return true;
+  if (TIFFIsTiled(tiff_.get()) != 0) return false;
+  return layout.color == TIFFColor::rgb ||
+         (layout.color == TIFFColor::cmyk && layout.alpha == TIFFAlpha::none);
+}
+
 /// The layout of rows that are unpacked here; nothing for the rarer forms.
 std::optional<TIFFSampleLayout> TIFFReader::sampleLayout() const {
   const auto whatColor = color();
   const auto format = field<uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-  const auto planes = field<uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
   const bool isFloat = format == SAMPLEFORMAT_IEEEFP;
-  if (!whatColor || planes != PLANARCONFIG_CONTIG ||
-      (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_VOID && !isFloat)) {
+  if (!whatColor || (format != SAMPLEFORMAT_UINT && format != SAMPLEFORMAT_VOID && !isFloat)) {
     return std::nullopt;
   }
   TIFFSampleLayout layout;
@@ -138,6 +162,7 @@ std::optional<TIFFSampleLayout> TIFFReader::sampleLayout() const {
   layout.samples = field<uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
   if (!canUnpack(layout)) return std::nullopt;
   if (layout.samples > layout.colorSamples()) layout.alpha = alphaKind();
+  if (hasPlanes() && !canReadPlanes(layout)) return std::nullopt;
   if (layout.color == TIFFColor::palette && !readPalette(layout)) return std::nullopt;
   return layout;
 }
@@ -206,6 +231,36 @@ void TIFFReader::readTiles(const TIFFSampleLayout& layout, uint8_t* pixels) {
     }
     finish(top, bottom);
   }
+}
+
+/// A plane's bytes to every fourth byte from `out` on. Answers how many rows are there.
+int64_t TIFFReader::readPlane(const TIFFSampleLayout& plane, uint16_t sample, uint8_t* out) {
+  const auto width = static_cast<size_t>(picture_.width);
+  std::vector<uint8_t> packed(static_cast<size_t>(TIFFScanlineSize64(tiff_.get())));
+  std::vector<uint8_t> grays(width * 4);
+  for (int64_t y = 0; y < picture_.height; ++y, out += width * 4) {
+    if (TIFFReadScanline(tiff_.get(), packed.data(), static_cast<uint32_t>(y), sample) < 0) {
+      onFailure();
+      return y;
+    }
+    unpackRow(plane, packed.data(), width, grays.data(), nullptr);
+    for (size_t x = 0; x < width; ++x) out[x * 4] = grays[x * 4];
+  }
+  return picture_.height;
+}
+
+/// One plane after the other, each as a grey picture.
+void TIFFReader::readPlanes(const TIFFSampleLayout& layout, uint8_t* pixels) {
+  const TIFFSampleLayout plane = planeOf(layout);
+  const size_t count = layout.colorSamples() + (layout.alpha == TIFFAlpha::none ? 0 : 1);
+  const size_t size = static_cast<size_t>(picture_.width * picture_.height) * 4;
+  for (size_t i = 3; count == 3 && i < size; i += 4) pixels[i] = 255;
+  int64_t whole = picture_.height;
+  for (uint16_t sample = 0; sample < count; ++sample) {
+    whole = std::min(whole, readPlane(plane, sample, pixels + sample));
+  }
+  std::fill(pixels + static_cast<size_t>(picture_.width * whole) * 4, pixels + size, uint8_t{0});
+  if (whole > 0) finish(0, whole);
 }
 
 /// The forms that are not unpacked here, as the library shows them.
@@ -281,11 +336,14 @@ void TIFFReader::decode() {
     readThroughLibrary();
     return;
   }
-  if (!piecesFit(*layout, tiled)) return;
+  const bool planes = hasPlanes() && layout->samples > 1;
+  if (!piecesFit(planes ? planeOf(*layout) : *layout, tiled)) return;
   describe(*layout);
   uint8_t* const pixels = target_.begin(picture_);
   if (pixels == nullptr) return;
-  if (tiled) {
+  if (planes) {
+    readPlanes(*layout, pixels);
+  } else if (tiled) {
     readTiles(*layout, pixels);
   } else {
     readStrips(*layout, pixels);
