@@ -83,7 +83,8 @@ ROOMS = {
     "platform/text/layout": """platform/foundation platform/foundation/collections
         platform/foundation/values platform/text platform/text/fonts""",
     "platform/text/fonts": """platform/foundation platform/foundation/collections
-        platform/foundation/values platform/machine platform/text""",
+        platform/foundation/values platform/graphics/pixels/outline platform/machine
+        platform/text""",
     "platform/text": "platform/graphics/pixels/outline platform/machine",
     "platform/text/libraries": "platform/foundation platform/machine platform/text",
 

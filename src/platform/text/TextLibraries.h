@@ -106,6 +106,7 @@ struct BidiLevels {
 };
 
 enum class BaseDirection : uint8_t { natural, leftToRight, rightToLeft };
+enum class Normalization : uint8_t { composed, decomposed };
 
 /// The libraries themselves. Every function may be called from any thread and throws std::bad_alloc
 /// when memory is lacking.
@@ -135,6 +136,11 @@ class TextLibraries {
   virtual BidiLevels bidiLevels(std::u16string_view text, BaseDirection base) const = 0;
   /// ISO 15924 code of the character's script, big-endian packed ("Zyyy" common, "Zinh" inherited).
   virtual uint32_t scriptOf(char32_t character) const = 0;
+  /// Codes, packed likewise, of the scripts that a common or inherited character is used with;
+  /// empty when it is used with any.
+  virtual std::vector<uint32_t> scriptExtensions(char32_t character) const = 0;
+  /// The text with its letters and marks put together, or taken apart (canonical forms C and D).
+  virtual std::u16string normalized(std::u16string_view text, Normalization form) const = 0;
   /// Drawn as a picture unless a variation selector asks for text.
   virtual bool hasEmojiPresentation(char32_t character) const = 0;
   /// Invisible by itself: joiners, variation selectors, marks of direction.

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/text/fonts/FontRegistry.h"
 #include "platform/text/layout/TextLayout.h"
@@ -16,9 +17,12 @@ inline constexpr const char* kBoxFont = "Box-Regular";
 inline constexpr const char* kTallFont = "BoxTall-Regular";
 
 /// Makes the generated fonts, and nothing that happens to be installed, the fonts of the program.
-inline void useBoxFonts() {
-  FontRegistry::useFontFiles(
-      {sourcePath("tests/fixtures/fonts/Box.ttf"), sourcePath("tests/fixtures/fonts/BoxTall.ttf")});
+inline void useBoxFonts(const std::vector<std::string>& names = {"Box", "BoxTall"}) {
+  std::vector<std::string> files;
+  for (const std::string& name : names) {
+    files.push_back(sourcePath("tests/fixtures/fonts/" + name + ".ttf"));
+  }
+  FontRegistry::useFontFiles(std::move(files));
 }
 
 class BoxFontTest : public testing::Test {

@@ -1,10 +1,15 @@
 #include "platform/text/fonts/FontRegistry.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <new>
+#include <numeric>
+#include <tuple>
+#include <utility>
 
+#include "platform/graphics/pixels/outline/PathBounds.h"
 #include "platform/machine/AddressSpace.h"
 
 namespace {
@@ -30,15 +35,74 @@ int styleDistance(const FontFaceInfo& face, const FontStyle& wanted) {
          (has.narrow() != wanted.narrow() ? kOtherWidth : 0);
 }
 
+/// How far letters with marks and letters with tails reach from the baseline, font units.
+void includeInk(const FontFace& face, FaceMetrics& m) {
+  for (const char32_t c : U"\u00c5\u00c9\u00d1\u00d6dlgpqyj\u00c7,") {
+    const uint32_t glyph = c == 0 ? 0 : face.glyphForCharacter(c);
+    if (glyph == 0 || face.hasColorBitmaps()) continue;
+    const auto box = tightPathBounds(face.outline(glyph));
+    if (!box) continue;
+    m.ascent = std::max(m.ascent, static_cast<int32_t>(std::ceil(NSMaxY(*box))));
+    m.descent = std::max(m.descent, static_cast<int32_t>(std::ceil(-NSMinY(*box))));
+  }
+}
+
+/// Some fonts tell heights that their own capitals with accents do not keep to. What these need
+/// more is taken from the space between lines.
 HostMetrics ownMetrics(const FontFace* face) {
   if (face == nullptr) return {0.8, 0.2, 0};
-  const FaceMetrics& m = face->metrics();
+  FaceMetrics m = face->metrics();
+  const int32_t told = m.ascent + m.descent;
+  includeInk(*face, m);
+  m.leading = std::max(0, m.leading - (m.ascent + m.descent - told));
   const double em = m.unitsPerEm;
   return {m.ascent / em, m.descent / em, m.leading / em};
 }
 
+auto styleOrder(const FontFaceInfo& face) {
+  return std::tuple(face.weight, face.width, face.italic);
+}
+
+/// A total order of faces by what they are, not by where they were found.
+bool precedes(const FontFaceInfo& a, const FontFaceInfo& b) {
+  const auto key = [](const FontFaceInfo& f) {
+    return std::tuple(std::string_view(f.family), styleOrder(f), std::string_view(f.postScriptName),
+                      -static_cast<int64_t>(f.version), std::string_view(f.file), f.index);
+  };
+  return key(a) < key(b);
+}
+
+std::optional<size_t> nearestOf(const std::vector<FontFaceInfo>& faces,
+                                const std::vector<size_t>& members, const FontStyle& wanted) {
+  std::optional<size_t> best;
+  int bestDistance = 0;
+  for (const size_t face : members) {
+    const int distance = styleDistance(faces[face], wanted);
+    const bool better = !best || distance < bestDistance ||
+                        (distance == bestDistance && precedes(faces[face], faces[*best]));
+    if (!better) continue;
+    best = face;
+    bestDistance = distance;
+  }
+  return best;
+}
+
 HostMetrics metricsOf(const HostFamily* family, const FontFace* face) {
   return family != nullptr && family->metrics.known() ? family->metrics : ownMetrics(face);
+}
+
+/// The characters of a character's script in its part of the code space, for which a face of that
+/// script has glyphs too.
+std::vector<char32_t> charactersAround(char32_t character) {
+  constexpr char32_t kPart = 128;
+  const TextLibraries& libraries = *textLibraries();
+  const uint32_t script = libraries.scriptOf(character);
+  std::vector<char32_t> around;
+  const char32_t first = character / kPart * kPart;
+  for (char32_t c = first; c < first + kPart; ++c) {
+    if (libraries.scriptOf(c) == script) around.push_back(c);
+  }
+  return around;
 }
 
 /// Whether a file could be mapped, if it is there.
@@ -76,21 +140,40 @@ void FontRegistry::useFontFiles(std::vector<std::string> files) {
 FontRegistry::FontRegistry(std::shared_ptr<const FontIndex> index) : index_(std::move(index)) {
   if (index_ == nullptr) return;
   const std::vector<FontFaceInfo>& faces = index_->faces();
+  for (size_t i = 0; i < faces.size(); ++i) keepBestOf(byName_[faces[i].postScriptName], i);
   for (size_t i = 0; i < faces.size(); ++i) {
-    const auto [entry, isNew] = byName_.try_emplace(faces[i].postScriptName, i);
-    // The same face in several packages: the newest file, and only that, counts.
-    if (!isNew && faces[i].version > faces[entry->second].version) entry->second = i;
+    const std::vector<size_t>& kept = byName_.at(faces[i].postScriptName);
+    if (std::find(kept.begin(), kept.end(), i) != kept.end()) {
+      byFamily_[faces[i].family].push_back(i);
+    }
   }
-  for (size_t i = 0; i < faces.size(); ++i) {
-    if (byName_.at(faces[i].postScriptName) == i) byFamily_[faces[i].family].push_back(i);
+}
+
+/// The same face in several packages: the newest file, and only that, counts.
+void FontRegistry::keepBestOf(std::vector<size_t>& sameName, size_t face) const {
+  const std::vector<FontFaceInfo>& faces = index_->faces();
+  const auto same = std::find_if(sameName.begin(), sameName.end(), [&](size_t other) {
+    return styleOrder(faces[other]) == styleOrder(faces[face]);
+  });
+  if (same == sameName.end()) {
+    sameName.push_back(face);
+  } else if (precedes(faces[face], faces[*same])) {
+    *same = face;
   }
+}
+
+std::optional<size_t> FontRegistry::faceNamed(std::string_view postScriptName) const {
+  const auto found = byName_.find(postScriptName);
+  if (found == byName_.end()) return std::nullopt;
+  if (found->second.size() == 1) return found->second.front();
+  const FontStyle wanted = fontStyleNamed(splitPostScriptName(postScriptName).style);
+  return nearestOf(index_->faces(), found->second, wanted);
 }
 
 std::shared_ptr<const ResolvedFont> FontRegistry::resolve(std::string_view postScriptName,
                                                           double size) {
   const HostFaceMatch host = hostFaceNamed(postScriptName);
-  const auto installed = byName_.find(postScriptName);
-  if (installed != byName_.end()) return makeInstalled(installed->second, host.family);
+  if (const auto face = faceNamed(postScriptName)) return makeInstalled(*face, host.family);
   if (host) return makeStandIn(*host.family, fontStyleNamed(host.face->style), size);
   return makeStandIn(hostFamilyLike(postScriptName),
                      fontStyleNamed(splitPostScriptName(postScriptName).style), size);
@@ -103,6 +186,7 @@ std::shared_ptr<const ResolvedFont> FontRegistry::makeInstalled(size_t position,
   font->face = open(position);
   font->metrics = metricsOf(family, font->face.get());
   font->style = fontStyleOf(info.weight, info.width, info.italic, info.fixedPitch);
+  font->faceName = info.postScriptName;
   if (family != nullptr) font->legacyLeading = family->legacyLeading;
   return font;
 }
@@ -110,16 +194,24 @@ std::shared_ptr<const ResolvedFont> FontRegistry::makeInstalled(size_t position,
 std::shared_ptr<const ResolvedFont> FontRegistry::makeStandIn(const HostFamily& family,
                                                               const FontStyle& wanted,
                                                               double size) {
-  auto font = std::make_shared<ResolvedFont>();
-  font->style = wanted;
   std::optional<StandIn> found = standIn(family, wanted, size);
   if (!found) found = anyFace(wanted);
+  return makeStandIn(family, wanted, found);
+}
+
+std::shared_ptr<const ResolvedFont> FontRegistry::makeStandIn(const HostFamily& family,
+                                                              const FontStyle& wanted,
+                                                              const std::optional<StandIn>& found) {
+  auto font = std::make_shared<ResolvedFont>();
+  font->style = wanted;
   if (found) {
     const FontFaceInfo& info = index_->faces()[found->face];
+    if (found->weight != 0) font->style.weight = found->weight;
     font->face = open(found->face);
+    font->faceName = info.postScriptName;
     font->xScale = found->xScale;
     if (wanted.italic() && !info.italic) font->slant = kSyntheticSlant;
-    if (wanted.weight >= kSyntheticBoldFrom && info.weight < kSyntheticBoldFrom) {
+    if (font->style.weight >= kSyntheticBoldFrom && info.weight < kSyntheticBoldFrom) {
       font->bold = SyntheticBold::yes;
     }
   }
@@ -129,89 +221,97 @@ std::shared_ptr<const ResolvedFont> FontRegistry::makeStandIn(const HostFamily& 
 }
 
 std::optional<FontRegistry::StandIn> FontRegistry::standIn(const HostFamily& family,
-                                                           const FontStyle& wanted,
-                                                           double size) const {
+                                                           const FontStyle& wanted, double size,
+                                                           const ClusterForms* cluster) const {
   for (const HostSubstitute& s : family.substitutes) {
     if (wanted.weight < s.minimumWeight || wanted.weight > s.maximumWeight) continue;
     if (size < s.minimumSize) continue;
+    FontStyle style = wanted;
+    if (s.weight != 0) style.weight = s.weight;
     std::optional<size_t> face;
     // Some families have their condensed faces in one of their own.
-    if (wanted.narrow()) face = nearest(std::string(s.family) + " Narrow", wanted);
-    if (!face) face = nearest(s.family, wanted);
-    if (face) return StandIn{*face, s.xScale};
+    if (wanted.narrow()) face = nearest(std::string(s.family) + " Narrow", style);
+    if (!face) face = nearest(s.family, style);
+    if (!face || (cluster != nullptr && !covers(*face, *cluster))) continue;
+    return StandIn{*face, s.xScale, s.weight};
   }
   return std::nullopt;
 }
 
 std::optional<FontRegistry::StandIn> FontRegistry::anyFace(const FontStyle& wanted) const {
   for (const std::string_view family : kCommonFamilies) {
-    if (const auto face = nearest(family, wanted)) return StandIn{*face, 1};
+    if (const auto face = nearest(family, wanted)) return StandIn{*face};
   }
   if (index_ == nullptr || index_->faces().empty()) return std::nullopt;
-  return StandIn{0, 1};
+  std::vector<size_t> all(index_->faces().size());
+  std::iota(all.begin(), all.end(), size_t{0});
+  return StandIn{*nearestOf(index_->faces(), all, wanted)};
 }
 
 std::optional<size_t> FontRegistry::nearest(std::string_view family,
                                             const FontStyle& wanted) const {
   const auto members = byFamily_.find(family);
   if (members == byFamily_.end()) return std::nullopt;
-  std::optional<size_t> best;
-  int bestDistance = 0;
-  for (const size_t face : members->second) {
-    const int distance = styleDistance(index_->faces()[face], wanted);
-    if (best && distance >= bestDistance) continue;
-    best = face;
-    bestDistance = distance;
-  }
-  return best;
+  return nearestOf(index_->faces(), members->second, wanted);
 }
 
-std::optional<size_t> FontRegistry::covering(char32_t character, const FontStyle& wanted) const {
+bool FontRegistry::covers(size_t face, const ClusterForms& cluster) const {
+  return cluster.coveredBy([&](char32_t c) { return index_->covers(face, c); });
+}
+
+std::optional<size_t> FontRegistry::covering(const FallbackQuery& query) const {
   for (const std::string_view family : kCommonFamilies) {
-    const auto face = nearest(family, wanted);
-    if (face && index_->covers(*face, character)) return face;
+    const auto face = nearest(family, query.wanted);
+    if (face && covers(*face, query.cluster)) return face;
   }
+  const std::vector<char32_t> around = charactersAround(query.cluster.composed().front());
   std::optional<size_t> best;
-  int bestDistance = 0;
+  std::pair<int, int> bestRank;
   const std::vector<FontFaceInfo>& faces = index_->faces();
   for (size_t i = 0; i < faces.size(); ++i) {
-    const int distance = styleDistance(faces[i], wanted);
-    if (best && distance >= bestDistance) continue;
-    if (!index_->covers(i, character)) continue;
+    if (!covers(i, query.cluster)) continue;
+    const auto has = std::count_if(around.begin(), around.end(),
+                                   [&](char32_t c) { return index_->covers(i, c); });
+    // Letters of one script should come from one face: quarters of it count before the style.
+    const int quarters = static_cast<int>(4 * has / static_cast<ptrdiff_t>(around.size()));
+    const std::pair rank{-quarters, styleDistance(faces[i], query.wanted)};
+    if (best && (rank > bestRank || (rank == bestRank && !precedes(faces[i], faces[*best])))) {
+      continue;
+    }
     best = i;
-    bestDistance = distance;
+    bestRank = rank;
   }
   return best;
 }
 
-std::shared_ptr<const ResolvedFont> FontRegistry::fallback(char32_t character,
-                                                           const FontStyle& wanted,
-                                                           std::string_view language) {
-  const FallbackKey key{character, wanted.italic(), wanted.weight, std::string(language)};
+std::shared_ptr<const ResolvedFont> FontRegistry::fallback(const FallbackQuery& query) {
+  if (query.cluster.empty()) return nullptr;
+  const FallbackKey key{query.cluster.composed(), query.wanted.italic(), query.wanted.weight,
+                        query.script, std::string(query.language)};
   {
     const std::lock_guard lock(mutex_);
     const auto known = fallbacks_.find(key);
     if (known != fallbacks_.end()) return known->second;
   }
-  std::shared_ptr<const ResolvedFont> font = findFallback(character, wanted, language);
+  std::shared_ptr<const ResolvedFont> font = findFallback(query);
+  if (font == nullptr && query.cluster.composed().size() > 1) {
+    const ClusterForms base = query.cluster.base();
+    font = findFallback({base, query.wanted, query.script, query.language});
+  }
   const std::lock_guard lock(mutex_);
   if (fallbacks_.size() >= kMaxFallbacks) fallbacks_.clear();
   return fallbacks_.emplace(key, std::move(font)).first->second;
 }
 
-std::shared_ptr<const ResolvedFont> FontRegistry::findFallback(char32_t character,
-                                                               const FontStyle& wanted,
-                                                               std::string_view language) {
+std::shared_ptr<const ResolvedFont> FontRegistry::findFallback(const FallbackQuery& query) {
   if (index_ == nullptr) return nullptr;
-  const std::string_view hostFace =
-      hostFaceForScript(textLibraries()->scriptOf(character), language);
-  if (const HostFaceMatch host = hostFaceNamed(hostFace)) {
-    const auto found = standIn(*host.family, wanted, 0);
-    if (found && index_->covers(found->face, character)) {
-      return shareFallback(found->face, host.family, makeStandIn(*host.family, wanted, 0));
+  if (const HostFaceMatch host = hostFaceNamed(hostFaceForScript(query.script, query.language))) {
+    if (const auto found = standIn(*host.family, query.wanted, 0, &query.cluster)) {
+      return shareFallback(found->face, host.family,
+                           makeStandIn(*host.family, query.wanted, found));
     }
   }
-  const auto face = covering(character, wanted);
+  const auto face = covering(query);
   return face ? shareFallback(*face, nullptr, makeInstalled(*face, nullptr)) : nullptr;
 }
 
@@ -242,8 +342,8 @@ std::shared_ptr<const FontFace> FontRegistry::open(size_t face) {
 }
 
 const FontFaceInfo* FontRegistry::installedFace(std::string_view postScriptName) const {
-  const auto found = byName_.find(postScriptName);
-  return found == byName_.end() ? nullptr : &index_->faces()[found->second];
+  const auto face = faceNamed(postScriptName);
+  return face ? &index_->faces()[*face] : nullptr;
 }
 
 std::vector<const FontFaceInfo*> FontRegistry::installedFamily(std::string_view family) const {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/text/TextLibraries.h"
+#include "platform/text/fonts/ClusterForms.h"
 #include "platform/text/fonts/FontStyle.h"
 #include "platform/text/fonts/HostFonts.h"
 
@@ -25,6 +26,15 @@ struct ResolvedFont {
   HostMetrics metrics;  ///< per em; those of the host's font where they are known
   LegacyLeading legacyLeading = LegacyLeading::none;
   FontStyle style;
+  std::string faceName;  ///< PostScript name of the face; empty without one
+};
+
+/// A cluster that the font of its text lacks, and what decides which other font it takes.
+struct FallbackQuery {
+  const ClusterForms& cluster;
+  FontStyle wanted;
+  uint32_t script = 0;  ///< of the cluster or of its surroundings
+  std::string_view language = {};
 };
 
 /// The fonts of this process. Built at the first text and immutable from then on, but for caches
@@ -40,10 +50,10 @@ class FontRegistry {
   /// The face for a PostScript name: the one installed under that name, else the best stand-in.
   std::shared_ptr<const ResolvedFont> resolve(std::string_view postScriptName, double size);
 
-  /// A font with a glyph for the character, for text in `wanted` that lacks it: the host's choice
-  /// for the character's script, else any face that has it, nearest in style. Null when none has.
-  std::shared_ptr<const ResolvedFont> fallback(char32_t character, const FontStyle& wanted,
-                                               std::string_view language);
+  /// A font with glyphs for the whole cluster: the host's choice for the script, else the face that
+  /// has most of the characters around it, and of those the nearest in style. When no face has the
+  /// whole, one for its first character; null when there is none either.
+  std::shared_ptr<const ResolvedFont> fallback(const FallbackQuery& query);
   /// The coloured emoji font; null when there is none.
   std::shared_ptr<const ResolvedFont> emoji();
 
@@ -57,12 +67,14 @@ class FontRegistry {
 
   struct StandIn {
     size_t face;
-    double xScale;
+    double xScale = 1;
+    int weight = 0;  ///< that stands for the wanted one; 0: the same
   };
   struct FallbackKey {
-    char32_t character;
+    std::u32string cluster;
     bool italic;
     int weight;
+    uint32_t script;
     std::string language;
     auto operator<=>(const FallbackKey&) const = default;
   };
@@ -75,22 +87,28 @@ class FontRegistry {
     auto operator<=>(const FallbackFont&) const = default;
   };
 
-  std::optional<StandIn> standIn(const HostFamily& family, const FontStyle& wanted,
-                                 double size) const;
+  void keepBestOf(std::vector<size_t>& sameName, size_t face) const;
+  std::optional<size_t> faceNamed(std::string_view postScriptName) const;
+  /// The first stand-in that is installed and, with a cluster, covers it.
+  std::optional<StandIn> standIn(const HostFamily& family, const FontStyle& wanted, double size,
+                                 const ClusterForms* cluster = nullptr) const;
   std::optional<StandIn> anyFace(const FontStyle& wanted) const;
   std::optional<size_t> nearest(std::string_view family, const FontStyle& wanted) const;
-  std::optional<size_t> covering(char32_t character, const FontStyle& wanted) const;
-  std::shared_ptr<const ResolvedFont> findFallback(char32_t character, const FontStyle& wanted,
-                                                   std::string_view language);
+  bool covers(size_t face, const ClusterForms& cluster) const;
+  std::optional<size_t> covering(const FallbackQuery& query) const;
+  std::shared_ptr<const ResolvedFont> findFallback(const FallbackQuery& query);
   std::shared_ptr<const ResolvedFont> shareFallback(
       size_t face, const HostFamily* family, const std::shared_ptr<const ResolvedFont>& font);
   std::shared_ptr<const ResolvedFont> makeInstalled(size_t face, const HostFamily* family);
   std::shared_ptr<const ResolvedFont> makeStandIn(const HostFamily& family, const FontStyle& wanted,
                                                   double size);
+  std::shared_ptr<const ResolvedFont> makeStandIn(const HostFamily& family, const FontStyle& wanted,
+                                                  const std::optional<StandIn>& found);
   std::shared_ptr<const FontFace> open(size_t face);
 
   std::shared_ptr<const FontIndex> index_;
-  std::unordered_map<std::string_view, size_t> byName_;
+  /// Faces of a name: some variable fonts give one to faces of several styles.
+  std::unordered_map<std::string_view, std::vector<size_t>> byName_;
   std::unordered_map<std::string_view, std::vector<size_t>> byFamily_;
 
   std::mutex mutex_;  // of what follows

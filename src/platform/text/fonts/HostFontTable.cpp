@@ -49,8 +49,11 @@ constexpr HostSubstitute kSlab[] = {{"Roboto Slab"}, {"URW Bookman"}, {"Liberati
 constexpr HostSubstitute kTypewriter[] = {
     {"Courier Prime"}, {"Nimbus Mono PS"}, {"Liberation Mono"}};
 constexpr HostSubstitute kLikeCopperplate[] = {{"Linux Libertine O"}, {"Liberation Serif"}};
-constexpr HostSubstitute kLikeImpact[] = {
-    {"Bebas Neue"}, {"Nimbus Sans Narrow"}, {"Liberation Sans Narrow"}, {"Liberation Sans"}};
+// Their plain faces are as heavy as the stand-ins' bold ones.
+constexpr HostSubstitute kLikeImpact[] = {{"Bebas Neue", 1, 0, 1000, 0, 700},
+                                          {"Nimbus Sans Narrow", 1, 0, 1000, 0, 700},
+                                          {"Liberation Sans Narrow", 1, 0, 1000, 0, 700},
+                                          {"Liberation Sans", 0.85, 0, 1000, 0, 700}};
 constexpr HostSubstitute kHeavyDisplay[] = {{"Inter"}, {"Nimbus Sans"}, {"Liberation Sans"}};
 constexpr HostSubstitute kLikeComicSans[] = {{"Comic Neue", 1.1}, {"DejaVu Sans"}};
 constexpr HostSubstitute kChalk[] = {{"Comic Neue"}, {"DejaVu Sans"}};

@@ -29,6 +29,7 @@ struct HostSubstitute {
   int minimumWeight = 0;  ///< serves wanted weights of this range only
   int maximumWeight = 1000;
   double minimumSize = 0;  ///< serves sizes from this on
+  int weight = 0;          ///< to take instead of the wanted one; 0: the wanted one
 };
 
 enum class HostFontKind : uint8_t { ordinary, fixedPitch };

@@ -12,6 +12,13 @@ namespace {
 constexpr std::u16string_view kHyphen = u"-";
 constexpr char16_t kDecimalPoint = u'.';
 
+/// Longest item: keeps the cost of shaping again around a line break bounded. Looked at for its end
+/// is what lies before the last characters, whose shapes depend on what follows.
+constexpr size_t kMaxItemUnits = 512;
+constexpr size_t kContextUnits = 64;
+/// Where no glyph up to here stands for itself, the item is cut at a character.
+constexpr size_t kMaxSearchedUnits = 4096;
+
 /// Running x position along a line with tabs.
 class LineCursor {
  public:
@@ -42,20 +49,56 @@ class LineCursor {
 
 }  // namespace
 
-LineFitter::LineFitter(std::u16string_view text, size_t start, size_t end, ParagraphItems items,
+LineFitter::LineFitter(TextItemizer& itemizer, std::u16string_view text, size_t start, size_t end,
                        const NSParagraphStyle& style)
-    : text_(text),
+    : itemizer_(itemizer),
+      text_(text),
       start_(start),
       end_(end),
-      items_(std::move(items)),
+      items_(itemizer.itemize(start, end)),
       style_(style),
       position_(start) {}
 
 ShapedItem LineFitter::take() {
-  if (ready_.empty()) return shapeItem(items_.items[next_++], text_, start_, end_);
-  ShapedItem item = std::move(ready_.front());
-  ready_.pop_front();
-  return item;
+  if (!ready_.empty()) {
+    ShapedItem item = std::move(ready_.front());
+    ready_.pop_front();
+    return item;
+  }
+  if (items_.items[next_].length > kMaxItemUnits) return takePart(items_.items[next_]);
+  return shapeItem(items_.items[next_++], text_, start_, end_);
+}
+
+ShapedItem LineFitter::takePart(TextItem& rest) {
+  TextItem part = rest;
+  ShapedItem shaped;
+  size_t end = 0;
+  for (size_t units = kMaxItemUnits; end == 0; units *= 2) {
+    part.length = std::min(units, rest.length);
+    shaped = shapeItem(part, text_, start_, end_);
+    if (part.length == rest.length) {
+      ++next_;
+      return shaped;
+    }
+    end = safeEnd(shaped);
+    if (end != 0 || units < kMaxSearchedUnits) continue;
+    for (end = part.end() - kContextUnits; !isBoundary(end);) --end;
+  }
+  rest.length = rest.end() - end;
+  rest.start = end;
+  return splitItem(std::move(shaped), end, text_, start_, end_).before;
+}
+
+size_t LineFitter::safeEnd(const ShapedItem& part) const {
+  size_t end = 0;
+  for (const ItemGlyph& glyph : part.glyphs) {
+    const size_t unit = part.item.start + glyph.cluster;
+    if (glyph.unsafeToBreak || glyph.cluster == 0 || unit + kContextUnits > part.item.end()) {
+      continue;
+    }
+    if (unit > end && isBoundary(unit)) end = unit;
+  }
+  return end;
 }
 
 bool LineFitter::wraps() const {
@@ -115,7 +158,7 @@ size_t LineFitter::breakBefore(const FittedLine& line, size_t unit, double limit
   for (size_t u = unit; u > line.start; --u) {
     if (u - start_ >= breaks_.size() || breaks_[u - start_] == 0) continue;
     if (text_[u - 1] != kSoftHyphen) return u;
-    const double hyphen = shapeInserted(line.items.back().item, kHyphen).width;
+    const double hyphen = hyphenBehind(line.items.back().item).width;
     const double x =
         u - line.start < positions_.size() ? positions_[u - line.start] : positions_.back();
     if (x + hyphen <= limit + kPositionTolerance) return u;
@@ -134,10 +177,14 @@ void LineFitter::cut(FittedLine& line, size_t unit) {
   ready_.push_front(std::move(split.after));
 }
 
+ShapedItem LineFitter::hyphenBehind(const TextItem& last) const {
+  return shapeInserted(itemizer_.insertedItem(last, kHyphen), kHyphen);
+}
+
 void LineFitter::addHyphen(FittedLine& line) const {
   const TextItem last = line.items.back().item;
   if (last.kind == ItemKind::text && text_[last.end() - 1] == kSoftHyphen) {
-    line.items.push_back(shapeInserted(last, kHyphen));
+    line.items.push_back(hyphenBehind(last));
   }
 }
 

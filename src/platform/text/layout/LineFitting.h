@@ -20,9 +20,15 @@ struct FittedLine {
 /// Breaks one paragraph into lines, one at a time: what no line asks for is never shaped.
 class LineFitter {
  public:
-  /// `items` are those of the units [start, end) of `text`.
-  LineFitter(std::u16string_view text, size_t start, size_t end, ParagraphItems items,
+  /// The itemizer's paragraph of the units [start, end) of `text`.
+  LineFitter(TextItemizer& itemizer, std::u16string_view text, size_t start, size_t end,
              const NSParagraphStyle& style);
+
+  TextDirection direction() const { return items_.direction; }
+  /// Whether a user-perceived character begins at the unit, or the paragraph ends there.
+  bool isBoundary(size_t unit) const {
+    return unit >= end_ || items_.clusterStarts[unit - start_] != 0;
+  }
 
   /// Whether everything has been handed out. A paragraph without characters still has one line.
   bool done() const { return done_; }
@@ -33,14 +39,20 @@ class LineFitter {
 
  private:
   ShapedItem take();
+  /// The beginning of an item that is too long to be shaped again around a line break. It ends
+  /// where the glyphs on either side do not depend on each other.
+  ShapedItem takePart(TextItem& rest);
+  size_t safeEnd(const ShapedItem& part) const;
   bool exhausted() const { return ready_.empty() && next_ == items_.items.size(); }
   /// Cuts the line before the unit and keeps the rest for the next one.
   void cut(FittedLine& line, size_t unit);
   /// Where to break a line whose character at `unit` does not fit.
   size_t breakBefore(const FittedLine& line, size_t unit, double limit);
+  ShapedItem hyphenBehind(const TextItem& last) const;
   void addHyphen(FittedLine& line) const;
   bool wraps() const;
 
+  TextItemizer& itemizer_;
   std::u16string_view text_;
   size_t start_;
   size_t end_;

@@ -113,11 +113,7 @@ ShapedItem shapeInserted(const TextItem& item, std::u16string_view characters) {
   ShapingRun run = shapingRun(item);
   run.paragraph = characters;
   run.length = characters.size();
-  ShapedItem shaped = shape(item, run);
-  shaped.item.kind = ItemKind::text;
-  shaped.item.start = item.end();
-  shaped.item.length = 0;
-  return shaped;
+  return shape(item, run);
 }
 
 SplitItem splitItem(ShapedItem shaped, size_t unit, std::u16string_view text, size_t paragraphStart,

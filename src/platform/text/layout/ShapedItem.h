@@ -30,8 +30,7 @@ struct ShapedItem {
 ShapedItem shapeItem(const TextItem& item, std::u16string_view text, size_t paragraphStart,
                      size_t paragraphEnd);
 
-/// Glyphs for characters that are not in the text (a hyphen, an ellipsis), in the style of `item`.
-/// The result covers no units.
+/// Glyphs of an inserted item: for characters that are not in the text (a hyphen, an ellipsis).
 ShapedItem shapeInserted(const TextItem& item, std::u16string_view characters);
 
 /// Horizontal scale of advances and outlines of a style set in a face.

@@ -58,13 +58,39 @@ BaseDirection baseDirection(NSWritingDirection direction) {
   return BaseDirection::natural;
 }
 
-/// Which of the ideographic languages a paragraph is in, by the letters that only one of them has.
+/// Which of the ideographic languages a text is in, by the letters that only one of them has; empty
+/// when it has none of those.
 std::string_view ideographLanguage(std::u16string_view text) {
   for (const char16_t c : text) {
     if (c >= 0x3040 && c < 0x3100) return "ja";
     if ((c >= 0x1100 && c < 0x1200) || (c >= 0xac00 && c < 0xd7a4)) return "ko";
+    if (c >= 0x3105 && c < 0x3130) return "zh-Hant";
   }
-  return "zh-Hans";
+  return {};
+}
+
+bool isSpecific(uint32_t script) {
+  return script != kCommon && script != kInherited;
+}
+
+bool contains(const std::vector<uint32_t>& scripts, uint32_t script) {
+  return std::find(scripts.begin(), scripts.end(), script) != scripts.end();
+}
+
+/// Longest cluster: what is longer is no character that anybody reads, and the time that shaping
+/// takes grows with the square of the length.
+constexpr size_t kMaxClusterUnits = 64;
+
+/// Makes long clusters several.
+void cutLongClusters(std::vector<uint8_t>& starts) {
+  size_t length = 0;
+  for (uint8_t& start : starts) {
+    if (start != 0 || length == kMaxClusterUnits) {
+      start = 1;
+      length = 0;
+    }
+    ++length;
+  }
 }
 
 /// Emoji fonts have empty glyphs for the digits that keycaps are made of.
@@ -90,6 +116,12 @@ struct TextItemizer::Paragraph {
   std::vector<uint8_t> levels;  // empty: all of it runs left to right
   size_t run;                   // style run of the cluster to be added
   uint32_t script = kCommon;    // of the cluster before
+  size_t nextSpecific = 0;      // first unit behind it of a character of one script
+  uint32_t nextScript = kCommon;
+  /// The face that the last cluster without a glyph in its own font took.
+  const ResolvedFont* ownFont = nullptr;
+  const ResolvedFont* neighbour = nullptr;
+  uint32_t neighbourScript = kCommon;
   ParagraphItems result;
 };
 
@@ -108,7 +140,8 @@ ParagraphItems TextItemizer::itemize(size_t start, size_t end) {
     paragraph.script = kLatin;
   } else {
     libraries_->findClusters(paragraph.text, starts);
-    paragraph.ideographLanguage = ideographLanguage(paragraph.text);
+    cutLongClusters(starts);
+    paragraph.ideographLanguage = languageOf(paragraph.text);
   }
   findDirections(paragraph);
   for (size_t i = 0; i < paragraph.text.size();) {
@@ -118,6 +151,15 @@ ParagraphItems TextItemizer::itemize(size_t start, size_t end) {
     i = next;
   }
   return std::move(paragraph.result);
+}
+
+/// Paragraphs of ideographs alone are in the language of those around them.
+std::string_view TextItemizer::languageOf(std::u16string_view paragraph) {
+  const std::string_view own = ideographLanguage(paragraph);
+  if (!own.empty()) return language_ = own;
+  if (language_.empty()) language_ = ideographLanguage(text_.text);
+  if (language_.empty()) language_ = "zh-Hans";
+  return language_;
 }
 
 void TextItemizer::findDirections(Paragraph& paragraph) const {
@@ -143,7 +185,7 @@ void TextItemizer::addCluster(Paragraph& paragraph, size_t start, size_t end) {
   item.level = paragraph.levels.empty() ? uint8_t{0} : paragraph.levels[start];
   item.script = paragraph.script = scriptOf(paragraph, cluster);
   if (isIdeographic(item.script)) item.language = paragraph.ideographLanguage;
-  item.font = item.kind == ItemKind::text ? fontFor(paragraph, cluster, *item.style)
+  item.font = item.kind == ItemKind::text ? fontFor(paragraph, cluster, item)
                                           : item.style->font->resolved().get();
   std::vector<TextItem>& items = paragraph.result.items;
   if (items.empty() || !joins(items.back(), item)) {
@@ -160,26 +202,47 @@ bool TextItemizer::joins(const TextItem& last, const TextItem& next) const {
   const bool sameWords = !decoratesByWord(*next.style) ||
                          hangs(text_.text[last.start]) == hangs(text_.text[next.start]);
   return last.style == next.style && last.font == next.font && last.level == next.level &&
-         (last.script == next.script || last.script == kCommon) && sameWords &&
-         last.length + next.length <= kMaxItemUnits;
+         (last.script == next.script || last.script == kCommon) && sameWords;
 }
 
-uint32_t TextItemizer::scriptOf(const Paragraph& paragraph, std::u16string_view cluster) const {
+/// Characters of no script of their own are of the script before them, or of the one behind where
+/// they are used with that only.
+uint32_t TextItemizer::scriptOf(Paragraph& paragraph, std::u16string_view cluster) const {
   if (paragraph.latin1) return kLatin;
-  const uint32_t script = libraries_->scriptOf(characterAt(cluster, 0).character);
-  return script == kCommon || script == kInherited ? paragraph.script : script;
+  const char32_t first = characterAt(cluster, 0).character;
+  const uint32_t script = libraries_->scriptOf(first);
+  if (isSpecific(script)) return script;
+  const std::vector<uint32_t> used = libraries_->scriptExtensions(first);
+  if (used.empty() && paragraph.script != kCommon) return paragraph.script;
+  if (contains(used, paragraph.script)) return paragraph.script;
+  const size_t behind = static_cast<size_t>(cluster.data() - paragraph.text.data());
+  const uint32_t next = specificScriptFrom(paragraph, behind);
+  return used.empty() || contains(used, next) ? next : paragraph.script;
 }
 
-const ResolvedFont* TextItemizer::fontFor(const Paragraph& paragraph, std::u16string_view cluster,
-                                          const TextStyle& style) {
-  const ResolvedFont* own = style.font->resolved().get();
+uint32_t TextItemizer::specificScriptFrom(Paragraph& paragraph, size_t unit) const {
+  size_t& at = paragraph.nextSpecific;
+  if (at > unit || (at == unit && isSpecific(paragraph.nextScript))) return paragraph.nextScript;
+  paragraph.nextScript = kCommon;
+  for (at = unit; at < paragraph.text.size();) {
+    const auto [c, units] = characterAt(paragraph.text, at);
+    paragraph.nextScript = libraries_->scriptOf(c);
+    if (isSpecific(paragraph.nextScript)) return paragraph.nextScript;
+    at += units;
+  }
+  return paragraph.nextScript = kCommon;
+}
+
+const ResolvedFont* TextItemizer::fontFor(Paragraph& paragraph, std::u16string_view cluster,
+                                          const TextItem& item) {
+  const ResolvedFont* own = item.style->font->resolved().get();
   if (own->face == nullptr || libraries_ == nullptr) return own;
-  char32_t missing = 0;
+  bool missing = false;
   bool emoji = false;
   bool asText = false;
   for (size_t i = 0; i < cluster.size();) {
     const auto [c, units] = characterAt(cluster, i);
-    if (missing == 0 && !has(*own->face, c) && !libraries_->isDefaultIgnorable(c)) missing = c;
+    missing |= !has(*own->face, c) && !libraries_->isDefaultIgnorable(c);
     emoji |= c == kEmojiSelector || c == kKeycap || c == kZeroWidthJoiner || isSkinTone(c);
     asText |= c == kTextSelector;
     i += units;
@@ -192,9 +255,42 @@ const ResolvedFont* TextItemizer::fontFor(const Paragraph& paragraph, std::u16st
       return font;
     }
   }
-  if (missing == 0) return own;
-  auto other = registry_->fallback(missing, own->style, paragraph.ideographLanguage);
-  return other == nullptr ? own : keep(std::move(other));
+  return missing ? fallbackFor(paragraph, cluster, item) : own;
+}
+
+bool TextItemizer::covers(const ResolvedFont& font, const ClusterForms& cluster) {
+  return font.face != nullptr &&
+         cluster.coveredBy([&font](char32_t c) { return has(*font.face, c); });
+}
+
+const ResolvedFont* TextItemizer::fallbackFor(Paragraph& paragraph, std::u16string_view cluster,
+                                              const TextItem& item) {
+  const ResolvedFont* own = item.style->font->resolved().get();
+  const ClusterForms forms(cluster);
+  if (covers(*own, forms)) return own;
+  const bool sameText = paragraph.ownFont == own && paragraph.neighbourScript == item.script;
+  if (sameText && covers(*paragraph.neighbour, forms)) return paragraph.neighbour;
+  auto other = registry_->fallback({forms, own->style, item.script, paragraph.ideographLanguage});
+  if (other == nullptr) return own;
+  paragraph.ownFont = own;
+  paragraph.neighbourScript = item.script;
+  return paragraph.neighbour = keep(std::move(other));
+}
+
+TextItem TextItemizer::insertedItem(const TextItem& beside, std::u16string_view characters) {
+  TextItem item = beside;
+  item.kind = ItemKind::text;
+  item.start = beside.end();
+  item.length = 0;
+  const ClusterForms forms(characters);
+  const ResolvedFont* own = beside.style->font->resolved().get();
+  if (own->face == nullptr || libraries_ == nullptr || covers(*own, forms)) {
+    item.font = own;
+  } else if (!covers(*beside.font, forms)) {
+    auto other = registry_->fallback({forms, own->style, beside.script, beside.language});
+    item.font = other == nullptr ? own : keep(std::move(other));
+  }
+  return item;
 }
 
 const ResolvedFont* TextItemizer::emojiFont() {

@@ -47,11 +47,15 @@ class TextItemizer {
   /// Units [start, end) are one paragraph without the characters that end it.
   ParagraphItems itemize(size_t start, size_t end);
 
+  /// An item of no units for characters that are not in the text, next to one that is, in the
+  /// text's own font where it has them.
+  TextItem insertedItem(const TextItem& beside, std::u16string_view characters);
+
+  /// Whether the font draws these characters.
+  static bool covers(const ResolvedFont& font, const ClusterForms& cluster);
+
   /// The fonts of all items that are not the styles' own.
   const std::vector<std::shared_ptr<const ResolvedFont>>& fallbackFonts() const { return kept_; }
-
-  /// Longest item: keeps the cost of shaping again around a line break bounded.
-  static constexpr size_t kMaxItemUnits = 256;
 
  private:
   struct Paragraph;
@@ -59,10 +63,16 @@ class TextItemizer {
   void findDirections(Paragraph& paragraph) const;
   void addCluster(Paragraph& paragraph, size_t start, size_t end);
   bool joins(const TextItem& last, const TextItem& next) const;
-  const ResolvedFont* fontFor(const Paragraph& paragraph, std::u16string_view cluster,
-                              const TextStyle& style);
+  std::string_view languageOf(std::u16string_view paragraph);
+  const ResolvedFont* fontFor(Paragraph& paragraph, std::u16string_view cluster,
+                              const TextItem& item);
+  /// For a cluster that some character of is missing in the text's own font.
+  const ResolvedFont* fallbackFor(Paragraph& paragraph, std::u16string_view cluster,
+                                  const TextItem& item);
   const ResolvedFont* emojiFont();
-  uint32_t scriptOf(const Paragraph& paragraph, std::u16string_view cluster) const;
+  uint32_t scriptOf(Paragraph& paragraph, std::u16string_view cluster) const;
+  /// Script of the first character from the unit on that has one of its own.
+  uint32_t specificScriptFrom(Paragraph& paragraph, size_t unit) const;
   const ResolvedFont* keep(std::shared_ptr<const ResolvedFont> font);
 
   const StyledText& text_;
@@ -70,4 +80,5 @@ class TextItemizer {
   const TextLibraries* libraries_;
   std::vector<std::shared_ptr<const ResolvedFont>> kept_;
   std::optional<const ResolvedFont*> emoji_;
+  std::string_view language_;  ///< of the last ideographs
 };

@@ -92,14 +92,13 @@ class Typesetter {
 bool Typesetter::setParagraph(const ParagraphRange& range) {
   const NSParagraphStyle& style = *styled_.styleAt(range.start).paragraph;
   if (range.start > 0) gap_ += layoutLength(style.paragraphSpacingBefore());
-  ParagraphItems items = itemizer_.itemize(range.start, range.end);
-  const LineSetting setting{style.alignment(), items.direction};
-  LineFitter fitter(text_, range.start, range.end, std::move(items), style);
+  LineFitter fitter(itemizer_, text_, range.start, range.end, style);
+  const LineSetting setting{style.alignment(), fitter.direction()};
   double indent = layoutLength(style.firstLineHeadIndent());
   while (!fitter.done()) {
     const double limit = limitOf(style);
     FittedLine line = fitter.next(indent, limit);
-    truncateLine(line, style.lineBreakMode(), limit - indent, text_);
+    truncateLine(line, {style.lineBreakMode(), limit - indent, text_, itemizer_, fitter});
     resolveTabs(line, style, indent, text_);
     const LineMetrics metrics = metricsOf(line);
     const size_t start = line.start;

@@ -39,6 +39,14 @@ class Libraries : public TextLibraries {
     return hb_script_to_iso15924_tag(hb_unicode_script(hb_unicode_funcs_get_default(), character));
   }
 
+  std::vector<uint32_t> scriptExtensions(char32_t character) const override {
+    return findScriptExtensions(character);
+  }
+
+  std::u16string normalized(std::u16string_view text, Normalization form) const override {
+    return normalizeText(text, form);
+  }
+
   bool hasEmojiPresentation(char32_t character) const override {
     return u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_EMOJI_PRESENTATION) != 0;
   }

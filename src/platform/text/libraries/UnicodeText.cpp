@@ -1,7 +1,10 @@
 #include "platform/text/libraries/UnicodeText.h"
 
+#include <hb.h>
 #include <unicode/ubidi.h>
 #include <unicode/ubrk.h>
+#include <unicode/unorm2.h>
+#include <unicode/uscript.h>
 
 #include <algorithm>
 #include <new>
@@ -67,6 +70,38 @@ void findLineStarts(std::u16string_view text, std::vector<uint8_t>& breaks) {
   static auto& pool = *new ObjectPool<BreakIterator>;
   const auto iterator = pool.take([] { return openIterator(UBRK_LINE); });
   markBoundaries(iterator.get(), text, breaks);
+}
+
+std::vector<uint32_t> findScriptExtensions(char32_t character) {
+  constexpr int32_t kMost = 64;  // no character has half as many
+  UScriptCode codes[kMost];
+  UErrorCode status = U_ZERO_ERROR;
+  const int32_t count =
+      uscript_getScriptExtensions(static_cast<UChar32>(character), codes, kMost, &status);
+  std::vector<uint32_t> scripts;
+  if (U_FAILURE(status)) return scripts;
+  for (int32_t i = 0; i < count; ++i) {
+    if (codes[i] == USCRIPT_COMMON || codes[i] == USCRIPT_INHERITED) continue;
+    const char* name = uscript_getShortName(codes[i]);
+    scripts.push_back(hb_script_to_iso15924_tag(hb_script_from_string(name, -1)));
+  }
+  return scripts;
+}
+
+std::u16string normalizeText(std::u16string_view text, Normalization form) {
+  requireAddressSpace(kLibraryTables);
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* normalizer = form == Normalization::composed ? unorm2_getNFCInstance(&status)
+                                                                   : unorm2_getNFDInstance(&status);
+  // No canonical form is longer than four times the text.
+  std::u16string result(4 * text.size(), u'\0');
+  const int32_t length =
+      unorm2_normalize(normalizer, text.data(), static_cast<int32_t>(text.size()), result.data(),
+                       static_cast<int32_t>(result.size()), &status);
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  if (U_FAILURE(status)) return std::u16string(text);
+  result.resize(static_cast<size_t>(length));
+  return result;
 }
 
 BidiLevels findBidiLevels(std::u16string_view text, BaseDirection base) {

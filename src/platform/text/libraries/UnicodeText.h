@@ -6,4 +6,6 @@
 
 void findClusterStarts(std::u16string_view text, std::vector<uint8_t>& starts);
 void findLineStarts(std::u16string_view text, std::vector<uint8_t>& breaks);
+std::vector<uint32_t> findScriptExtensions(char32_t character);
+std::u16string normalizeText(std::u16string_view text, Normalization form);
 BidiLevels findBidiLevels(std::u16string_view text, BaseDirection base);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "platform/text/TextSupport.h"
@@ -35,8 +36,7 @@ TEST_F(FontRegistryTest, AnyFaceStandsInWhenThereIsNoBetterOne) {
 }
 
 TEST_F(FontRegistryTest, CondensedFacesHaveCondensedStandIns) {
-  const std::string folder = sourcePath("tests/fixtures/fonts/");
-  FontRegistry::useFontFiles({folder + "NimbusSans.ttf", folder + "NimbusSansNarrow.ttf"});
+  useBoxFonts({"NimbusSans", "NimbusSansNarrow"});
   const auto registry = FontRegistry::shared();
   const auto face = [&](const char* name) { return registry->resolve(name, 12)->face; };
   EXPECT_EQ(face("HelveticaNeue-CondensedBold"), face("NimbusSansNarrow-Bold"));
@@ -48,12 +48,52 @@ TEST_F(FontRegistryTest, CondensedFacesHaveCondensedStandIns) {
 TEST_F(FontRegistryTest, FallbackFindsTheFaceThatHasTheCharacter) {
   const auto registry = FontRegistry::shared();
   const FontStyle regular;
-  const auto hebrew = registry->fallback(0x5d0, regular, "");
+  const auto fallback = [&](std::u16string_view cluster) {
+    return registry->fallback({ClusterForms(cluster), regular});
+  };
+  const auto hebrew = fallback(u"\u05d0");
   ASSERT_NE(hebrew, nullptr);
   EXPECT_EQ(hebrew->face, registry->resolve(kBoxFont, 10)->face);
-  EXPECT_EQ(registry->fallback(0x5d1, regular, ""), hebrew) << "one font for a run of characters";
-  EXPECT_EQ(registry->fallback(0x10330, regular, ""), nullptr);
+  EXPECT_EQ(fallback(u"\u05d1"), hebrew) << "one font for a run of characters";
+  EXPECT_EQ(fallback(u"\U00010330"), nullptr);
   EXPECT_EQ(registry->emoji(), nullptr);
+}
+
+TEST_F(FontRegistryTest, LettersWithAccentsFitIntoTheLinesOfStandIns) {
+  useBoxFonts({"Low"});
+  const HostMetrics unknown = FontRegistry::shared()->resolve("BookmanOldStyle", 10)->metrics;
+  EXPECT_NEAR(unknown.ascent, 0.9, 1e-9) << "more than the 0.6 that the font tells";
+  EXPECT_NEAR(unknown.descent + unknown.leading, 0.2, 1e-9) << "the line is as high as it was";
+  EXPECT_NEAR(FontRegistry::shared()->resolve("Helvetica", 10)->metrics.ascent, 0.77, 0.0005);
+  useBoxFonts();
+}
+
+TEST_F(FontRegistryTest, ChoicesDoNotDependOnTheOrderOfFiles) {
+  std::vector<std::string> names{"FewTamil", "Tamil", "TwinItalic", "TwinRoman"};
+  do {
+    useBoxFonts(names);
+    const auto registry = FontRegistry::shared();
+    // One name for an upright and a slanted face.
+    EXPECT_EQ(registry->resolve(".SFNSText", 10)->slant, 0);
+    EXPECT_FALSE(registry->resolve("Inter-Regular", 10)->style.italic());
+    const auto slanted = registry->resolve(".SFNSText-Italic", 10);
+    EXPECT_EQ(slanted->slant, 0) << "it needs no slant of ours";
+    EXPECT_NE(slanted->face, registry->resolve(".SFNSText", 10)->face);
+    // Both faces have the letter, one has the letter with its mark and the letters around it too.
+    for (const char16_t* cluster : {u"\u0baa", u"\u0baa\u0bcd"}) {
+      EXPECT_EQ(registry->fallback({ClusterForms(cluster), {}})->faceName, "Tamil-Regular");
+    }
+  } while (std::next_permutation(names.begin(), names.end()));
+  useBoxFonts();
+}
+
+TEST_F(FontRegistryTest, NamedFacesOfHeavyFamiliesAreBold) {
+  useBoxFonts({"NimbusSansNarrow"});
+  const auto impact = FontRegistry::shared()->resolve("Impact", 10);
+  EXPECT_EQ(impact->style.weight, 700);
+  EXPECT_EQ(impact->bold, SyntheticBold::no);
+  useBoxFonts();
+  EXPECT_EQ(FontRegistry::shared()->resolve("Haettenschweiler", 10)->faceName, kBoxFont);
 }
 
 TEST_F(FontRegistryTest, OutlinesAndMetricsOfAFace) {

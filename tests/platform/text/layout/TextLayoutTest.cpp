@@ -50,6 +50,10 @@ void PrintTo(const LayoutCase& c, std::ostream* out) {
 
 using Style = NSMutableParagraphStyle;
 
+bool isLow(char16_t unit) {
+  return unit >= 0xdc00 && unit < 0xe000;
+}
+
 }  // namespace
 
 class TextLayoutLines : public testing::TestWithParam<LayoutCase> {
@@ -456,6 +460,96 @@ TEST_F(TextLayoutTest, TruncationLeavesTheNamedPart) {
   EXPECT_EQ(starts(NSLineBreakMode::byTruncatingMiddle), (Pieces{{0, 2}, {2, 0}, {6, 2}}));
 }
 
+TEST_F(TextLayoutTest, TruncationKeepsCharactersWholeAndLinesInTheirBoxes) {
+  useBoxFonts({"Box", "BoxTall", "Composed"});
+  TextStyle style = boxStyle();
+  struct Case {
+    const char* font;
+    std::u16string text;
+  };
+  const Case cases[] = {
+      {kBoxFont, u"a\u0301b\u0301c\u0301d\u0301e\u0301f\u0301"},
+      {kBoxFont, u"fifififififi"},
+      {kBoxFont, u"\u05d0\u05d1\u05d2 ab \u05d3\u05d4\u05d5"},
+      {kBoxFont, u"\U0001f468\u200d\U0001f469\u200d\U0001f467ab\U0001f468\u200d\U0001f469cd"},
+      {kTallFont, u"ABCDEFGHIJ"},  // without an ellipsis of its own
+  };
+  for (const Case& c : cases) {
+    for (int mode = 3; mode <= 5; ++mode) {
+      for (double width = 0; width < 29; width += 1.5) {
+        SCOPED_TRACE(std::string(c.font) + std::to_string(c.text[0]) + " mode " +
+                     std::to_string(mode) + " width " + std::to_string(width));
+        NSMutableParagraphStyle paragraph;
+        paragraph.setLineBreakMode(static_cast<NSLineBreakMode>(mode));
+        style.font = std::make_shared<NSFont>(c.font, 10);
+        style.paragraph = std::make_shared<NSMutableParagraphStyle>(paragraph);
+        const TextLayout layout = layoutText(styledText({{c.text, style}}), {{width, 100}, 0});
+        ASSERT_EQ(layout.lines.size(), 1u);
+        EXPECT_LE(layout.used.size.width, width + 1e-6);
+        size_t ellipses = 0;
+        for (const PlacedRun& run : layout.runs) {
+          if (run.length == 0) {
+            ++ellipses;
+            EXPECT_EQ(run.font->faceName, kBoxFont) << "it has an ellipsis";
+          }
+          // No run starts or ends inside a character.
+          for (const size_t unit : {run.start, run.start + run.length}) {
+            if (unit == 0 || unit >= c.text.size()) continue;
+            EXPECT_TRUE(c.text[unit] != 0x301 && c.text[unit] != 0x200d && !isLow(c.text[unit]));
+            EXPECT_NE(c.text[unit - 1], 0x200d);
+          }
+        }
+        EXPECT_EQ(ellipses, width < 5 ? 0u : 1u);
+      }
+    }
+  }
+  useBoxFonts();
+}
+
+TEST_F(TextLayoutTest, LongTextsHaveTheGlyphsOfShapingThemWhole) {
+  std::u16string text;
+  for (int i = 0; i < 3000; ++i) text += i % 7 == 3 ? u"AVf" : u"fi";
+  const TextLayout layout = layoutBoxes(text, 1e300);
+  const auto face = FontRegistry::shared()->resolve(kBoxFont, 10)->face;
+  std::vector<ShapedGlyph> whole;
+  ShapingRun run;
+  run.paragraph = text;
+  run.length = text.size();
+  run.script = 'L' << 24 | 'a' << 16 | 't' << 8 | 'n';
+  face->shape(run, whole);
+  EXPECT_GT(layout.runs.size(), 1u) << "it is shaped in parts";
+  ASSERT_EQ(layout.glyphs.size(), whole.size());
+  for (size_t i = 0; i < whole.size(); ++i) ASSERT_EQ(layout.glyphs[i].glyph, whole[i].glyph) << i;
+}
+
+TEST_F(TextLayoutTest, FacesFollowTheClusterAndItsSurroundings) {
+  useBoxFonts({"Box", "Composed", "CJKjp", "CJKsc", "Arabic"});
+  struct Case {
+    const char* font;
+    std::u16string text;
+    std::vector<std::string> faces;  // of the runs
+  };
+  const Case cases[] = {
+      {"Composed-Regular", u"e\u0301e", {"Composed-Regular"}},
+      {"Composed-Regular", u"\u00e9e", {"Composed-Regular"}},
+      {kBoxFont, u"\u300c\u65e5\u672c\u300d\u3002", {"CJKsc-Regular"}},
+      {kBoxFont, u"\u300c\u65e5\u3042\u300d\u3002", {"CJKjp-Regular", "CJKjp-Regular"}},
+      // The second paragraph is in the language of the first, and the first in that of the second.
+      {kBoxFont, u"\u3042\n\u65e5\u672c\u3002", {"CJKjp-Regular", "CJKjp-Regular"}},
+      {kBoxFont, u"\u65e5\n\u3042", {"CJKjp-Regular", "CJKjp-Regular"}},
+      {kBoxFont, u"\u0627\u060c\u0627", {"Arabic-Regular"}},
+  };
+  for (const Case& c : cases) {
+    TextStyle style = boxStyle();
+    style.font = std::make_shared<NSFont>(c.font, 10);
+    std::vector<std::string> faces;
+    const TextLayout layout = layoutText(styledText({{c.text, style}}), {{1e300, 1e300}, 0});
+    for (const PlacedRun& run : layout.runs) faces.push_back(run.font->faceName);
+    EXPECT_EQ(faces, c.faces) << testing::PrintToString(c.text);
+  }
+  useBoxFonts();
+}
+
 // Texts that would take minutes or gigabytes if the work for a line depended on the whole text.
 TEST_F(TextLayoutTest, HugeTextsAreSetInBoundedTime) {
   constexpr size_t kUnits = size_t{1} << 17;
@@ -469,7 +563,7 @@ TEST_F(TextLayoutTest, HugeTextsAreSetInBoundedTime) {
   EXPECT_EQ(lines(std::u16string(kUnits, u'a'), 50), kUnits / 10 + 1);
   EXPECT_EQ(lines(std::u16string(kUnits, u'\u0628'), 50), kUnits / 10 + 1);
   EXPECT_EQ(lines(std::u16string(kUnits, u'\n'), 50), kUnits + 1);
-  EXPECT_EQ(lines(u"a" + std::u16string(kUnits - 1, u'\u0301'), 50), 1u);
+  EXPECT_EQ(lines(u"a" + std::u16string(limits::kMaxLaidOutUnits - 1, u'\u0301'), 50), 1u);
   EXPECT_EQ(lines(std::u16string(kUnits, u'\t'), 50, [](Style& s) { s.setTabStops({}); }), kUnits);
   NSParagraphStyle::TabStops million;
   for (int i = 0; i < 1000000; ++i) {
