@@ -17,7 +17,9 @@ class NSFont;
 class NSMutableParagraphStyle;
 class NSParagraphStyle;
 class NSTextStorage;
+struct TextLayout;
 struct ZTModifyTextAction;
+enum class TextDirection : uint8_t;
 
 /// What is made a bitmap of: the text, or only the outlines of its glyphs.
 enum class TextImageOption : uint8_t { text = 1, outline = 2 };
@@ -200,7 +202,10 @@ class DrawText : public DrawRoundRectangle {
   bool imageIsCurrent() const;
   void dropImages() const;
   bool isTooLargeToKeep() const;
-  TextArea areaFor(const NSTextStorage& text, const NSSize& box) const;
+  TextArea areaFor(NSTextStorage& text, const NSSize& box) const;
+  NSTextAlignment sideOfGrowth(TextDirection direction) const;
+  static NSRect imageRectOf(const TextLayout& layout, const TextArea& area, const NSSize& box,
+                            size_t length);
   void drawText(const TextTarget& target, CastShadow cast) const;
   bool hasGradient() const { return _useGradualText && _textGradient != nullptr; }
   void drawGradientText(const TextTarget& target) const;

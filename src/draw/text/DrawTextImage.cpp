@@ -10,6 +10,7 @@
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/OffscreenCanvas.h"
 #include "platform/text/TextCharacters.h"
+#include "platform/text/drawing/TextDrawing.h"
 #include "platform/text/fonts/NSFontManager.h"
 #include "platform/text/host/NSTextStorage.h"
 #include "platform/text/layout/TextRanges.h"
@@ -61,21 +62,49 @@ struct DrawText::TextArea {
   NSSize size;
 };
 
-DrawText::TextArea DrawText::areaFor(const NSTextStorage& text, const NSSize& box) const {
+/// The side of the box that the text stays at when it needs more room: left, right or centre.
+NSTextAlignment DrawText::sideOfGrowth(TextDirection direction) const {
+  const NSTextAlignment alignment = textAlignment();
+  const bool isNatural =
+      alignment == NSTextAlignment::natural || alignment == NSTextAlignment::justified;
+  if (!isNatural) return alignment;
+  return direction == TextDirection::rightToLeft ? NSTextAlignment::right : NSTextAlignment::left;
+}
+
+DrawText::TextArea DrawText::areaFor(NSTextStorage& text, const NSSize& box) const {
   TextArea area{0, box};
   if (!isAutoResize() || text.length() > kLongestLabel) return area;
-  const NSSize natural = drawSizeForAttributedString(text, NSTextContainer::kUnlimited);
+  TextLayoutScope unlimited(text, {NSTextContainer::kUnlimited, NSTextContainer::kUnlimited});
+  const TextLayout& layout = unlimited.manager().layout();
+  const NSSize natural = layout.used.size;
   const CGFloat extra = std::ceil(natural.width) - box.width;
   if (extra > 0 && extra <= kWidestStandIn * box.width) {
     area.size.width += extra;
-    if (textAlignment() == NSTextAlignment::right) area.left = -extra;
-    if (textAlignment() == NSTextAlignment::center) area.left = -std::floor(extra / 2);
+    const NSTextAlignment side = sideOfGrowth(layout.direction);
+    if (side == NSTextAlignment::right) area.left = -extra;
+    if (side == NSTextAlignment::center) area.left = -std::floor(extra / 2);
   }
   const CGFloat height = std::ceil(natural.height);
   if (height <= (1 + kWidestStandIn) * box.height) {
     area.size.height = std::max(box.height, height);
   }
   return area;
+}
+
+/// Of an area in a box, from the box's lower left corner: with the ink of letters that reach beyond
+/// the first and the last line. A text that goes on below its box is cut there.
+NSRect DrawText::imageRectOf(const TextLayout& layout, const TextArea& area, const NSSize& box,
+                             size_t length) {
+  const InkOverflow ink = inkBeyondLines(layout);
+  NSRect rect{{area.left, box.height - area.size.height}, area.size};
+  rect.size.height += std::ceil(ink.above);
+  const CGFloat bottom = layout.lines.empty() ? 0 : layout.lines.back().bottom();
+  const CGFloat below = std::ceil(bottom + ink.below - area.size.height);
+  if (layout.end == length && bottom <= area.size.height && below > 0) {
+    rect.origin.y -= below;
+    rect.size.height += below;
+  }
+  return rect;
 }
 
 std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
@@ -92,7 +121,7 @@ std::optional<ConvertTextToImageResult> DrawText::convertTextToImageWithOption(
   const NSRange glyphs = layout.glyphRange();
   if (glyphs.length == 0) return {};
   ConvertTextToImageResult result;
-  result.textDrawRect = {{area.left, box.height - area.size.height}, area.size};
+  result.textDrawRect = imageRectOf(layout.manager().layout(), area, box, text->length());
   const OffscreenCanvas canvas(result.textDrawRect, wanted.grid, wanted.part);
   canvas.context().setShouldAntialias(bSmooth_);
   canvas.context().concatenate({1, 0, 0, -1, area.left, box.height});

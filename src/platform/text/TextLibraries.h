@@ -141,6 +141,8 @@ class TextLibraries {
   virtual std::vector<uint32_t> scriptExtensions(char32_t character) const = 0;
   /// The text with its letters and marks put together, or taken apart (canonical forms C and D).
   virtual std::u16string normalized(std::u16string_view text, Normalization form) const = 0;
+  /// Whether the character alone has another form than its own.
+  virtual bool hasCanonicalDecomposition(char32_t character) const = 0;
   /// Drawn as a picture unless a variation selector asks for text.
   virtual bool hasEmojiPresentation(char32_t character) const = 0;
   /// Invisible by itself: joiners, variation selectors, marks of direction.

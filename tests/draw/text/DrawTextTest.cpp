@@ -244,6 +244,48 @@ TEST_F(DrawTextTest, BoxesThatFollowTheirTextMakeRoomForWiderLetters) {
   EXPECT_EQ(r.at(108, 42), kBlack);
 }
 
+// 110 wide in a box of 100: the text keeps the edge that it is set from.
+TEST_F(DrawTextTest, BoxesGrowAwayFromTheEdgeOfTheirText) {
+  const std::string latin(11, 'a');
+  std::string hebrew;
+  for (int i = 0; i < 11; ++i) hebrew += "\u05d0";
+  struct Case {
+    const std::string& text;
+    NSTextAlignment alignment;
+    double left;
+  };
+  const Case cases[] = {
+      {latin, NSTextAlignment::left, 0},       {latin, NSTextAlignment::right, -10},
+      {latin, NSTextAlignment::center, -5},    {latin, NSTextAlignment::justified, 0},
+      {latin, NSTextAlignment::natural, 0},    {hebrew, NSTextAlignment::left, 0},
+      {hebrew, NSTextAlignment::right, -10},   {hebrew, NSTextAlignment::center, -5},
+      {hebrew, NSTextAlignment::natural, -10}, {hebrew, NSTextAlignment::justified, -10},
+  };
+  for (const Case& c : cases) {
+    const auto draw = made({{10, 20}, {100, 20}}, boxText(c.text));
+    draw->setTextAligment(c.alignment);
+    draw->setAutoResize(true);
+    draw->setBezierPathWithBounds({{10, 20}, {100, 20}});
+    draw->convertTextToImage();
+    EXPECT_EQ(draw->textDrawRect(), NSMakeRect(c.left, 0, 110, 20))
+        << c.text << static_cast<int>(c.alignment);
+  }
+}
+
+TEST_F(DrawTextTest, LettersBeyondTheFirstLineAreSeen) {
+  FontRegistry::useFontFiles({sourcePath("tests/fixtures/fonts/Low.ttf")});
+  // Letters of 36 above a baseline 29 below the top: the picture begins 7 higher.
+  auto attributes = std::make_shared<NSMutableDictionary>();
+  attributes->setObject(std::make_shared<NSFont>("Palatino-Roman", 40), NSFontAttributeName);
+  const auto draw = made({{10, 20}, {100, 40}}, NSAttributedString("A\u00c9\nA\nA", attributes));
+  const DrawnDraw p(*draw);
+  EXPECT_EQ(draw->textDrawRect(), NSMakeRect(0, 0, 100, 47));
+  EXPECT_EQ(p.at(15, 33), kBlack);
+  EXPECT_EQ(p.at(15, 32), kNone);
+  EXPECT_EQ(p.at(15, 80), kNone) << "what does not fit below is cut";
+  useBoxFont();
+}
+
 TEST_F(DrawTextTest, AutoResizingKeepsTheUpperLeftCorner) {
   const auto draw = made({{10, 20}, {100, 50}}, boxText("aaa\na"));
   EXPECT_EQ(draw->pathBounds(), NSMakeRect(10, 20, 100, 50));

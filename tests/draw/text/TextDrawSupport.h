@@ -27,6 +27,9 @@ class BoxTextTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     registerDocumentClasses();
+    useBoxFont();
+  }
+  static void useBoxFont() {
     FontRegistry::useFontFiles({sourcePath("tests/fixtures/fonts/Box.ttf")});
   }
 };

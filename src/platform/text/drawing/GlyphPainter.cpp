@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <unordered_map>
 
 #include "platform/graphics/bitmap/ImageFiles.h"
 #include "platform/graphics/color/NSColor.h"
@@ -205,4 +206,34 @@ NSRect glyphBounds(const TextLayout& layout, const PlacedRun& run) {
     all = NSUnionRect(all, CGRectApplyAffineTransform(*box, place));
   }
   return NSIsEmptyRect(all) ? all : NSInsetRect(all, -reach, -reach);
+}
+
+std::optional<InkHeight> inkHeight(const TextLayout& layout, const PlacedRun& run) {
+  if (run.font->face == nullptr) return std::nullopt;
+  const FontFace& face = *run.font->face;
+  const CGAffineTransform transform = glyphTransform(*run.font, *run.style);
+  double reach = strokeWidth(*run.style) / 2;
+  if (run.font->bold == SyntheticBold::yes) {
+    reach = std::max(reach, run.style->font->pointSize() * kBoldWidth / 2);
+  }
+  std::unordered_map<uint32_t, std::optional<Extent>> known;
+  const auto extentOf = [&](uint32_t glyph) -> std::optional<Extent> {
+    if (!face.hasColorBitmaps()) {
+      return pathExtentAlong(face.outline(glyph), {transform.b, transform.d});
+    }
+    const auto bitmap = face.colorBitmap(glyph);
+    if (!bitmap) return std::nullopt;
+    const NSRect box = CGRectApplyAffineTransform(bitmap->rect, transform);
+    return Extent{NSMinY(box), NSMaxY(box)};
+  };
+  std::optional<InkHeight> all;
+  for (const PlacedGlyph& g : std::span(layout.glyphs).subspan(run.firstGlyph, run.glyphCount)) {
+    const auto [entry, isNew] = known.try_emplace(g.glyph);
+    if (isNew) entry->second = extentOf(g.glyph);
+    if (!entry->second) continue;
+    const double y = static_cast<double>(g.y);
+    const InkHeight ink{reach + y - entry->second->min, reach - y + entry->second->max};
+    all = all ? InkHeight{std::max(all->above, ink.above), std::max(all->below, ink.below)} : ink;
+  }
+  return all;
 }

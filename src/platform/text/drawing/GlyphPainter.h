@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -56,3 +57,11 @@ class GlyphPainter {
 /// The box around a run's glyphs with their strokes, y down from the start of its baseline; empty
 /// when it shows nothing.
 NSRect glyphBounds(const TextLayout& layout, const PlacedRun& run);
+
+/// How far a run's glyphs with their strokes reach above and below its baseline, points; negative
+/// where they do not reach it. Nothing for a run that shows nothing.
+struct InkHeight {
+  double above = 0;
+  double below = 0;
+};
+std::optional<InkHeight> inkHeight(const TextLayout& layout, const PlacedRun& run);

@@ -184,3 +184,21 @@ NSRect drawnBounds(const TextLayout& layout) {
   }
   return all;
 }
+
+InkOverflow inkBeyondLines(const TextLayout& layout) {
+  InkOverflow over;
+  if (layout.lines.empty()) return over;
+  const PlacedLine& first = layout.lines.front();
+  for (const PlacedRun& run : runsOf(layout, first)) {
+    const auto ink = inkHeight(layout, run);
+    if (!ink || run.style->paragraph->maximumLineHeight() > 0) continue;
+    over.above = std::max(over.above, ink->above + run.rise - (first.top + first.baseline));
+  }
+  const PlacedLine& last = layout.lines.back();
+  for (const PlacedRun& run : runsOf(layout, last)) {
+    const auto ink = inkHeight(layout, run);
+    if (!ink) continue;
+    over.below = std::max(over.below, ink->below - run.rise - (last.height - last.baseline));
+  }
+  return over;
+}

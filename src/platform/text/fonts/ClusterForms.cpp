@@ -19,8 +19,13 @@ std::u32string drawnCharacters(std::u16string_view cluster, const TextLibraries&
 
 ClusterForms::ClusterForms(std::u16string_view cluster) {
   const TextLibraries* libraries = textLibraries();
-  if (libraries == nullptr) {
+  if (libraries == nullptr || cluster.empty()) {
     forms_.emplace_back();
+    return;
+  }
+  const auto [first, units] = characterAt(cluster, 0);
+  if (units == cluster.size() && !libraries->hasCanonicalDecomposition(first)) {
+    forms_.push_back(drawnCharacters(cluster, *libraries));
     return;
   }
   const auto add = [&](std::u16string_view form) {

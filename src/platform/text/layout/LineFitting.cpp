@@ -17,7 +17,11 @@ constexpr char16_t kDecimalPoint = u'.';
 constexpr size_t kMaxItemUnits = 512;
 constexpr size_t kContextUnits = 64;
 /// Where no glyph up to here stands for itself, the item is cut at a character.
-constexpr size_t kMaxSearchedUnits = 4096;
+constexpr size_t kMaxSearchedUnits = 1024;
+
+bool endsWithSeparator(const FittedLine& line) {
+  return !line.items.empty() && line.items.back().item.kind == ItemKind::lineSeparator;
+}
 
 /// Running x position along a line with tabs.
 class LineCursor {
@@ -73,7 +77,8 @@ ShapedItem LineFitter::takePart(TextItem& rest) {
   TextItem part = rest;
   ShapedItem shaped;
   size_t end = 0;
-  for (size_t units = kMaxItemUnits; end == 0; units *= 2) {
+  const size_t most = searchFailed_ == next_ ? 0 : kMaxSearchedUnits;
+  for (size_t units = kMaxItemUnits; end == 0 && units <= most; units *= 2) {
     part.length = std::min(units, rest.length);
     shaped = shapeItem(part, text_, start_, end_);
     if (part.length == rest.length) {
@@ -81,12 +86,18 @@ ShapedItem LineFitter::takePart(TextItem& rest) {
       return shaped;
     }
     end = safeEnd(shaped);
-    if (end != 0 || units < kMaxSearchedUnits) continue;
-    for (end = part.end() - kContextUnits; !isBoundary(end);) --end;
+  }
+  if (end != 0) {
+    shaped = splitItem(std::move(shaped), end, text_, start_, end_).before;
+  } else {
+    searchFailed_ = next_;
+    for (end = rest.start + kMaxItemUnits - kContextUnits; !isBoundary(end);) --end;
+    part.length = end - rest.start;
+    shaped = shapeItem(part, text_, start_, end_);
   }
   rest.length = rest.end() - end;
   rest.start = end;
-  return splitItem(std::move(shaped), end, text_, start_, end_).before;
+  return shaped;
 }
 
 size_t LineFitter::safeEnd(const ShapedItem& part) const {
@@ -106,6 +117,21 @@ bool LineFitter::wraps() const {
          style_.lineBreakMode() == NSLineBreakMode::byCharWrapping;
 }
 
+/// Whether what follows is going to be left out for an ellipsis: it need not be shaped.
+bool LineFitter::losesTail(const TextItem& last, double x, double limit) const {
+  return style_.lineBreakMode() == NSLineBreakMode::byTruncatingTail &&
+         !(last.style->kern.value_or(0) < 0) && x > limit + kPositionTolerance;
+}
+
+void LineFitter::skipToLineEnd(FittedLine& line) {
+  const auto separates = [](const TextItem& i) { return i.kind == ItemKind::lineSeparator; };
+  const auto rest = items_.items.begin() + static_cast<ptrdiff_t>(next_);
+  const auto end = std::find_if(rest, items_.items.end(), separates);
+  next_ = static_cast<size_t>(end - items_.items.begin());
+  if (end != items_.items.end()) line.items.push_back(take());
+  line.end = end == items_.items.end() ? end_ : line.items.back().item.end();
+}
+
 FittedLine LineFitter::next(double indent, double limit) {
   FittedLine line;
   line.start = position_;
@@ -113,7 +139,9 @@ FittedLine LineFitter::next(double indent, double limit) {
   LineCursor pen(indent);
   std::optional<size_t> overflow;
   bool tabEndsLine = false;
-  while (!overflow && !tabEndsLine && !exhausted()) {
+  bool hasTab = false;
+  bool lostTail = false;
+  while (!overflow && !tabEndsLine && !lostTail && !exhausted()) {
     line.items.push_back(take());
     const ShapedItem& shaped = line.items.back();
     const TextItem& item = shaped.item;
@@ -123,6 +151,7 @@ FittedLine LineFitter::next(double indent, double limit) {
       const auto stop = tabStopAfter(style_, pen.x());
       if (stop) pen.tab(*stop);
       tabEndsLine = !stop && wraps();
+      hasTab = true;
       continue;
     }
     for (size_t u = item.start; u < item.end(); ++u) {
@@ -135,14 +164,16 @@ FittedLine LineFitter::next(double indent, double limit) {
       positions_.push_back(pen.x());
       pen.move(advance, text_[u]);
     }
+    lostTail = !hasTab && losesTail(item, pen.x(), limit);
   }
   if (overflow) {
     cut(line, breakBefore(line, *overflow, limit));
     addHyphen(line);
   }
-  line.end = position_ = line.items.empty() ? line.start : line.items.back().item.end();
-  const bool separated =
-      !line.items.empty() && line.items.back().item.kind == ItemKind::lineSeparator;
+  line.end = line.items.empty() ? line.start : line.items.back().item.end();
+  if (lostTail) skipToLineEnd(line);
+  position_ = line.end;
+  const bool separated = endsWithSeparator(line);
   if (separated) line.reason = LineEnd::lineSeparator;
   if (!separated && !exhausted()) line.reason = LineEnd::wrapped;
   done_ = !separated && exhausted();

@@ -51,6 +51,8 @@ class LineFitter {
   ShapedItem hyphenBehind(const TextItem& last) const;
   void addHyphen(FittedLine& line) const;
   bool wraps() const;
+  bool losesTail(const TextItem& last, double x, double limit) const;
+  void skipToLineEnd(FittedLine& line);
 
   TextItemizer& itemizer_;
   std::u16string_view text_;
@@ -59,10 +61,11 @@ class LineFitter {
   ParagraphItems items_;
   const NSParagraphStyle& style_;
   size_t next_ = 0;
-  std::deque<ShapedItem> ready_;   // shaped, and before items_[next_]
-  std::vector<uint8_t> breaks_;    // of the paragraph, found when the first line overflows
-  std::vector<double> positions_;  // x at each unit of the current line
-  size_t position_;                // first unit of the next line
+  size_t searchFailed_ = SIZE_MAX;  ///< the item that has no safe place to be cut at
+  std::deque<ShapedItem> ready_;    // shaped, and before items_[next_]
+  std::vector<uint8_t> breaks_;     // of the paragraph, found when the first line overflows
+  std::vector<double> positions_;   // x at each unit of the current line
+  size_t position_;                 // first unit of the next line
   bool done_ = false;
 };
 

@@ -94,6 +94,7 @@ bool Typesetter::setParagraph(const ParagraphRange& range) {
   if (range.start > 0) gap_ += layoutLength(style.paragraphSpacingBefore());
   LineFitter fitter(itemizer_, text_, range.start, range.end, style);
   const LineSetting setting{style.alignment(), fitter.direction()};
+  if (range.start == 0) layout_.direction = fitter.direction();
   double indent = layoutLength(style.firstLineHeadIndent());
   while (!fitter.done()) {
     const double limit = limitOf(style);

@@ -52,6 +52,8 @@ struct TextLayout {
   std::vector<PlacedRun> runs;  ///< of each line from left to right
   std::vector<PlacedGlyph> glyphs;
   std::vector<std::shared_ptr<const ResolvedFont>> fallbackFonts;
+  /// Of the first paragraph.
+  TextDirection direction = TextDirection::leftToRight;
   /// Units [0, end) have a place; the rest is below the area or beyond what one text may hold.
   size_t end = 0;
   /// From the leftmost line start to the rightmost end, and from 0 to the last line's bottom.

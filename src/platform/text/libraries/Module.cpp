@@ -47,6 +47,11 @@ class Libraries : public TextLibraries {
     return normalizeText(text, form);
   }
 
+  bool hasCanonicalDecomposition(char32_t character) const override {
+    return u_getIntPropertyValue(static_cast<UChar32>(character), UCHAR_DECOMPOSITION_TYPE) ==
+           U_DT_CANONICAL;
+  }
+
   bool hasEmojiPresentation(char32_t character) const override {
     return u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_EMOJI_PRESENTATION) != 0;
   }

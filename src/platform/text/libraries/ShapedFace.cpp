@@ -136,9 +136,21 @@ std::optional<GlyphBitmap> ShapedFace::colorBitmap(uint32_t glyph) const {
   return bitmap;
 }
 
-void ShapedFace::shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const {
-  // Tables are read at their first use, and left out without memory.
+/// Tables are read at the first use of a script or a feature, and left out without memory.
+void ShapedFace::requireTables(const ShapingRun& run) const {
+  const ShapingKind kind{run.script, run.direction, run.kerning, run.ligatures,
+                         std::string(run.language)};
+  {
+    const std::shared_lock lock(shapedMutex_);
+    if (shaped_.contains(kind)) return;
+  }
   requireAddressSpace(kLibraryTables);
+  const std::unique_lock lock(shapedMutex_);
+  shaped_.insert(kind);
+}
+
+void ShapedFace::shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const {
+  requireTables(run);
   const auto lease = shapingBuffers().take([] { return HbBuffer(hb_buffer_create()); });
   hb_buffer_t* buffer = lease.get();
   hb_buffer_clear_contents(buffer);

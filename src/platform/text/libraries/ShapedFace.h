@@ -1,6 +1,9 @@
 #pragma once
 
+#include <set>
 #include <shared_mutex>
+#include <string>
+#include <tuple>
 #include <unordered_map>
 
 #include "platform/text/libraries/FontFile.h"
@@ -18,9 +21,14 @@ class ShapedFace : public FontFace {
   void shape(const ShapingRun& run, std::vector<ShapedGlyph>& glyphs) const override;
 
  private:
+  using ShapingKind = std::tuple<uint32_t, TextDirection, Kerning, Ligatures, std::string>;
+  void requireTables(const ShapingRun& run) const;
+
   HbFont font_;
   FaceMetrics metrics_;
   bool hasColorBitmaps_;
   mutable std::shared_mutex outlinesMutex_;
   mutable std::unordered_map<uint32_t, PathData> outlines_;
+  mutable std::shared_mutex shapedMutex_;
+  mutable std::set<ShapingKind> shaped_;  ///< what runs were shaped as before
 };

@@ -46,6 +46,22 @@ void markBoundaries(UBreakIterator* iterator, std::u16string_view text,
   }
 }
 
+const UNormalizer2* openNormalizer(Normalization form) {
+  // The library reads its data here.
+  requireAddressSpace(kLibraryTables);
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* normalizer = form == Normalization::composed ? unorm2_getNFCInstance(&status)
+                                                                   : unorm2_getNFDInstance(&status);
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  return normalizer;
+}
+
+const UNormalizer2* normalizerTo(Normalization form) {
+  static const UNormalizer2* const composing = openNormalizer(Normalization::composed);
+  static const UNormalizer2* const decomposing = openNormalizer(Normalization::decomposed);
+  return form == Normalization::composed ? composing : decomposing;
+}
+
 UBiDiLevel requestedLevel(BaseDirection base) {
   switch (base) {
     case BaseDirection::leftToRight:
@@ -89,10 +105,8 @@ std::vector<uint32_t> findScriptExtensions(char32_t character) {
 }
 
 std::u16string normalizeText(std::u16string_view text, Normalization form) {
-  requireAddressSpace(kLibraryTables);
+  const UNormalizer2* normalizer = normalizerTo(form);
   UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* normalizer = form == Normalization::composed ? unorm2_getNFCInstance(&status)
-                                                                   : unorm2_getNFDInstance(&status);
   // No canonical form is longer than four times the text.
   std::u16string result(4 * text.size(), u'\0');
   const int32_t length =

@@ -506,6 +506,18 @@ TEST_F(TextLayoutTest, TruncationKeepsCharactersWholeAndLinesInTheirBoxes) {
   useBoxFonts();
 }
 
+TEST_F(TextLayoutTest, EachLineOfATruncatedParagraphLosesItsOwnTail) {
+  const TextLayout layout =
+      layoutBoxes(u"abcdefgh\u2028abc \u05d0\u05d1 defgh\u2028ab", 26,
+                  [](Style& s) { s.setLineBreakMode(NSLineBreakMode::byTruncatingTail); });
+  ASSERT_EQ(layout.lines.size(), 3u);
+  for (const size_t i : {0, 1, 2})
+    EXPECT_EQ(layout.lines[i].start, (i == 0 ? 0u : i == 1 ? 9u : 22u));
+  EXPECT_NEAR(layout.lines[1].usedWidth, 22.5, 1e-9) << "three letters, a blank, the ellipsis";
+  EXPECT_NEAR(layout.lines[2].usedWidth, 10, 1e-9);
+  EXPECT_EQ(layout.end, 24u);
+}
+
 TEST_F(TextLayoutTest, LongTextsHaveTheGlyphsOfShapingThemWhole) {
   std::u16string text;
   for (int i = 0; i < 3000; ++i) text += i % 7 == 3 ? u"AVf" : u"fi";
