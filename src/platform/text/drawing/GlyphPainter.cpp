@@ -5,10 +5,10 @@
 #include <span>
 #include <unordered_map>
 
-#include "platform/graphics/bitmap/ImageFiles.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/color/PaintComponents.h"
 #include "platform/graphics/pixels/outline/PathBounds.h"
+#include "platform/graphics/pixels/paint/SpanKernels.h"
 #include "platform/text/drawing/RecordedGlyphs.h"
 #include "platform/text/layout/ShapedItem.h"
 
@@ -18,8 +18,6 @@ namespace {
 constexpr double kBoldWidth = 1.0 / 24;
 /// The platform's limit for the corners of outlined text.
 constexpr double kMiterLimit = 10;
-/// Pictures kept while one text is painted; more are decoded at each occurrence.
-constexpr size_t kMaxPictures = 256;
 
 RGBAColor colorOr(const NSColor* color, const RGBAColor& other) {
   return color == nullptr ? other : paintComponents(*color);
@@ -98,13 +96,10 @@ void GlyphPainter::paint(const TextLayout& layout, const PlacedRun& run, NSPoint
       return paintMasks(glyphs, pen, origin);
     }
   }
+  if (face.hasColorBitmaps()) return paintPictures(face, glyphs, pen, origin);
   for (const PlacedGlyph& g : glyphs) {
     const NSPoint at{origin.x + static_cast<double>(g.x), origin.y - static_cast<double>(g.y)};
-    if (face.hasColorBitmaps()) {
-      paintPicture(face, g.glyph, pen, at);
-    } else {
-      paintOutline(face.outline(g.glyph), pen, at);
-    }
+    paintOutline(face.outline(g.glyph), pen, at);
   }
 }
 
@@ -159,21 +154,59 @@ void GlyphPainter::paintOutline(const PathData& outline, const GlyphPaint& pen, 
   }
 }
 
-const GlyphPainter::Picture& GlyphPainter::picture(const FontFace& face, uint32_t glyph) {
-  const auto known = pictures_.find({&face, glyph});
-  if (known != pictures_.end()) return known->second;
-  if (pictures_.size() >= kMaxPictures) pictures_.clear();
-  Picture made;
-  if (const auto found = face.colorBitmap(glyph)) {
-    made = {decodeImage(found->png), found->rect};
+void GlyphPainter::paintPictures(const FontFace& face, Glyphs glyphs, const GlyphPaint& pen,
+                                 NSPoint origin) {
+  if (!(pen.pictureAlpha > 0)) return;
+  const CGAffineTransform device = context_.deviceTransform();
+  const bool nearest = context_.state().interpolation == NSImageInterpolation::none;
+  std::vector<GlyphPictures::Placed> placed;
+  for (const PlacedGlyph& g : glyphs) {
+    const NSPoint at{origin.x + static_cast<double>(g.x), origin.y - static_cast<double>(g.y)};
+    CGAffineTransform place = pen.transform;
+    place.tx = at.x;
+    place.ty = at.y;
+    const auto small = nearest
+                           ? std::nullopt
+                           : pictures_.place(face, g.glyph, CGAffineTransformConcat(place, device),
+                                             context_.state().interpolation);
+    if (small) {
+      placed.push_back(*small);
+    } else {
+      paintPicture(face, g.glyph, pen, at);
+    }
   }
-  return pictures_.emplace(std::pair{&face, glyph}, std::move(made)).first->second;
+  const CGContextStateScope state(context_);
+  context_.setAlpha(context_.state().alpha * pen.pictureAlpha);
+  const bool opaque = context_.state().alpha >= 1 &&
+                      context_.state().operation == NSCompositingOperation::sourceOver;
+  if (opaque) return paintTogether(placed);
+  // Where glyphs overlap, translucent ones show twice.
+  for (const GlyphPictures::Placed& p : placed) context_.drawInDeviceSpace(*p.bitmap, p.x, p.y);
+}
+
+/// In one operation, for what is inside the clip.
+void GlyphPainter::paintTogether(std::span<const GlyphPictures::Placed> placed) {
+  PixelBox all;
+  for (const GlyphPictures::Placed& p : placed) all = unionBox(all, p.box());
+  all = intersection(all, context_.state().clip.box());
+  if (all.empty()) return;
+  const auto together = NSBitmapImageRep::create(all.width(), all.height());
+  if (together == nullptr) return;
+  for (const GlyphPictures::Placed& p : placed) {
+    const PixelBox box = intersection(p.box(), all);
+    for (int32_t y = box.y0; y < box.y1; ++y) {
+      auto* to = reinterpret_cast<uint32_t*>(together->writableRows(y - all.y0, y - all.y0 + 1)) +
+                 (box.x0 - all.x0);
+      const auto* from = reinterpret_cast<const uint32_t*>(p.bitmap->row(y - p.y)) + (box.x0 - p.x);
+      overRow(to, static_cast<int32_t>(box.width()), from, 255);
+    }
+  }
+  context_.drawInDeviceSpace(*together, all.x0, all.y0);
 }
 
 void GlyphPainter::paintPicture(const FontFace& face, uint32_t glyph, const GlyphPaint& pen,
                                 NSPoint at) {
-  if (!(pen.pictureAlpha > 0)) return;
-  const Picture& shown = picture(face, glyph);
+  const GlyphPictures::Picture& shown = pictures_.picture(face, glyph);
   if (shown.bitmap == nullptr) return;
   CGAffineTransform place = pen.transform;
   place.tx = at.x;

@@ -1,18 +1,15 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "platform/graphics/context/CGContext.h"
 #include "platform/text/drawing/GlyphMasks.h"
+#include "platform/text/drawing/GlyphPictures.h"
 #include "platform/text/layout/TextLayout.h"
-
-class NSBitmapImageRep;
 
 /// Paints the glyphs of laid-out runs. The context's user space has y running down, as laid-out
 /// text has: a context is y up, so the caller turns it over first.
@@ -29,20 +26,17 @@ class GlyphPainter {
   void paint(const TextLayout& layout, const PlacedRun& run, NSPoint origin);
 
  private:
-  /// A picture in a font, decoded once for all its occurrences.
-  struct Picture {
-    std::shared_ptr<NSBitmapImageRep> bitmap;  ///< null when there is none
-    NSRect rect;                               ///< font units, y up from the baseline
-  };
   struct GlyphPaint;
 
   using Glyphs = std::span<const PlacedGlyph>;
 
   /// Small filled glyphs, through masks.
   void paintMasks(Glyphs glyphs, const GlyphPaint& pen, NSPoint origin);
+  /// Coloured glyphs, small ones through pictures of their size.
+  void paintPictures(const FontFace& face, Glyphs glyphs, const GlyphPaint& pen, NSPoint origin);
+  void paintTogether(std::span<const GlyphPictures::Placed> placed);
   void paintPicture(const FontFace& face, uint32_t glyph, const GlyphPaint& pen, NSPoint at);
   void paintOutline(const PathData& outline, const GlyphPaint& pen, NSPoint at);
-  const Picture& picture(const FontFace& face, uint32_t glyph);
 
   void record(const TextLayout& layout, const PlacedRun& run, NSPoint origin);
 
@@ -51,7 +45,7 @@ class GlyphPainter {
   const TextLayout* recordedFrom_ = nullptr;
   GlyphMasks masks_;
   std::vector<GlyphMasks::Placed> placed_;
-  std::map<std::pair<const FontFace*, uint32_t>, Picture> pictures_;
+  GlyphPictures pictures_;
 };
 
 /// The box around a run's glyphs with their strokes, y down from the start of its baseline; empty

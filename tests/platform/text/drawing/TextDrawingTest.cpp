@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <filesystem>
+#include <span>
 
 #include "platform/foundation/values/NSNumber.h"
+#include "platform/graphics/bitmap/ImageFiles.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/NSGraphicsContext.h"
 #include "platform/graphics/context/NSShadow.h"
@@ -326,6 +328,27 @@ TEST_F(RealFontTest, EmojiArePicturesAsOpaqueAsTheirText) {
   TextStyle outlined = style(40);
   outlined.strokeWidth = 3;
   EXPECT_EQ(Picture({{u"\U0001F600", outlined}}).at(25, 20), middle) << "it has no outline";
+}
+
+TEST_F(RealFontTest, SmallEmojiAreTheirPicturesScaled) {
+  for (const double size : {8.0, 20.0, 40.0}) {
+    const TextLayout layout =
+        layoutText(styledText({{u"\U0001F680\U0001F680", style(size)}}), {{500, 500}, 0});
+    const ResolvedFont& font = *layout.runs[0].font;
+    const auto shown = font.face->colorBitmap(layout.glyphs[1].glyph);
+    const double points = size / font.face->metrics().unitsPerEm;
+    const auto expected = NSBitmapImageRep::create(kSide, kSide);
+    CGContext context(expected);
+    // The device's rows count from the top; positions are rounded to quarters of a pixel.
+    for (const PlacedGlyph& glyph : std::span(layout.glyphs).first(2)) {
+      const CGContextStateScope state(context);
+      const double x = std::round(static_cast<double>(glyph.x) * 4) / 4;
+      context.concatenate({points, 0, 0, points, x, kSide - layout.lines[0].baseline});
+      context.draw(*decodeImage(shown->png), shown->rect);
+    }
+    const Picture p({{u"\U0001F680\U0001F680", style(size)}});
+    EXPECT_LE(maxDifference(*p.bitmap, *expected), 2) << size;
+  }
 }
 
 TEST_F(RealFontTest, JoinedSymbolsAreEmoji) {
