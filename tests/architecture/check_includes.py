@@ -28,8 +28,9 @@ ROOMS = {
         platform/foundation/values platform/graphics/color platform/graphics/gradient
         platform/graphics/path platform/graphics/pixels/outline""",
     "draw/text": """draw/core draw/shapes platform/foundation platform/foundation/values
-        platform/graphics/bitmap platform/graphics/color platform/graphics/context
-        platform/graphics/gradient platform/text platform/text/drawing platform/text/fonts
+        platform/graphics/bitmap platform/graphics/codecs platform/graphics/color
+        platform/graphics/context platform/graphics/gradient platform/text
+        platform/text/drawing platform/text/fonts
         platform/text/host platform/text/layout""",
     "draw/raster": """draw/core draw/shapes platform/foundation platform/foundation/values
         platform/graphics/bitmap platform/graphics/color platform/graphics/context

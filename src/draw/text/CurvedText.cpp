@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "draw/core/ZTBezierPathExtension.h"
+#include "platform/foundation/Limits.h"
 #include "platform/graphics/context/CGContext.h"
 #include "platform/text/TextCharacters.h"
 #include "platform/text/drawing/TextDrawing.h"
@@ -15,6 +16,8 @@ namespace {
 
 /// Text is set closer down to this part of its width.
 constexpr double kClosest = 0.9;
+/// Units that tell the language of a text.
+constexpr size_t kSurroundings = 4096;
 /// Lengths of paths are single precision.
 constexpr double kLengthTolerance = 1e-3;
 
@@ -28,12 +31,20 @@ double angleOf(NSPoint direction) {
 
 }  // namespace
 
-struct CurvedText::Character {
+struct CurvedText::Kind {
   TextLayout layout;
-  NSSize size;
+  NSRect drawn;  ///< all that it may touch
+
+  const NSSize& size() const { return layout.used.size; }
+};
+
+struct CurvedText::Character {
+  const Kind* kind = nullptr;
   double middle = 0;  ///< on the path
   /// The character's space (y down from its top left corner) to that of the path.
   CGAffineTransform toPath;
+
+  const NSSize& size() const { return kind->size(); }
 };
 
 CurvedText::~CurvedText() = default;
@@ -48,27 +59,40 @@ CurvedText::CurvedText(const NSAttributedString& text, const NSBezierPath& path,
   place(line);
 }
 
+/// Null when there are too many kinds.
+const CurvedText::Kind* CurvedText::kindOf(const NSAttributedString& text, const NSRange& range) {
+  const std::u16string_view units(text.units());
+  const KindKey key{units.substr(range.location, range.length),
+                    text.attributesAtIndex(range.location).get()};
+  const auto known = kinds_.find(key);
+  if (known != kinds_.end()) return &known->second;
+  if (kinds_.size() == kMaxKinds) return nullptr;
+  Kind kind{
+      text.attributedSubstringFromRange(range)->unlimitedLayout(units.substr(0, kSurroundings)),
+      {}};
+  kind.drawn = drawnBounds(kind.layout);
+  return &kinds_.emplace(key, std::move(kind)).first->second;
+}
+
 void CurvedText::measure(const NSAttributedString& text, double length, NSTextAlignment alignment) {
   const bool fromStart =
       alignment != NSTextAlignment::right && alignment != NSTextAlignment::center;
   const double enough = fromStart ? length / kClosest + kLengthTolerance : HUGE_VAL;
-  const std::u16string_view units(text.units());
-  // A character may have many units: this only bounds the search for them.
-  const auto head = units.substr(0, 16 * kMaxCharacters);
+  const auto units = std::u16string_view(text.units()).substr(0, limits::kMaxLaidOutUnits);
   double width = 0;
-  for (const NSRange& range : composedCharacterRanges(head)) {
-    if (characters_.size() == kMaxCharacters || width > enough) break;
+  for (const NSRange& range : composedCharacterRanges(units)) {
+    if (width > enough) break;
     if (endsParagraph(units[range.location])) continue;
-    Character c{text.attributedSubstringFromRange(range)->unlimitedLayout(), {}, 0, {}};
-    c.size = c.layout.used.size;
-    width += c.size.width;
-    characters_.push_back(std::move(c));
+    const Kind* kind = kindOf(text, range);
+    if (kind == nullptr) break;
+    width += kind->size().width;
+    characters_.push_back({kind, 0, {}});
   }
 }
 
 void CurvedText::fit(double length, NSTextAlignment alignment) {
   double width = 0;
-  for (const Character& c : characters_) width += c.size.width;
+  for (const Character& c : characters_) width += c.size().width;
   double spacing = 1;
   if (width > length && width * kClosest <= length) spacing = length / width;
   if (alignment == NSTextAlignment::center && width * spacing > length + kLengthTolerance) {
@@ -76,7 +100,7 @@ void CurvedText::fit(double length, NSTextAlignment alignment) {
     auto first = characters_.begin(), last = characters_.end();
     double left = 0, right = 0;
     while (first != last && width > length) {
-      const double gone = left <= right ? (first++)->size.width : (--last)->size.width;
+      const double gone = left <= right ? (first++)->size().width : (--last)->size().width;
       (left <= right ? left : right) += gone;
       width -= gone;
     }
@@ -88,8 +112,8 @@ void CurvedText::fit(double length, NSTextAlignment alignment) {
   if (alignment == NSTextAlignment::center) start_ = (length - width * spacing) / 2;
   double offset = start_;
   for (Character& c : characters_) {
-    offset += c.size.width * spacing;
-    c.middle = offset - c.size.width * spacing / 2;
+    offset += c.size().width * spacing;
+    c.middle = offset - c.size().width * spacing / 2;
   }
   std::erase_if(characters_, [&](const Character& c) {
     return c.middle < -kLengthTolerance || c.middle > length + kLengthTolerance;
@@ -102,18 +126,19 @@ void CurvedText::fit(double length, NSTextAlignment alignment) {
 void CurvedText::place(PathMeasure& path) {
   for (Character& c : characters_) {
     const PathPosition at = path.positionAt(c.middle);
-    CGAffineTransform t = CGAffineTransformMakeTranslation(-c.size.width / 2, -c.size.height / 2);
+    CGAffineTransform t =
+        CGAffineTransformMakeTranslation(-c.size().width / 2, -c.size().height / 2);
     t = CGAffineTransformConcat(t, {1, 0, 0, -1, 0, 0});
     t = CGAffineTransformConcat(t, CGAffineTransformMakeRotation(angleOf(at.direction)));
     c.toPath = CGAffineTransformConcat(t, CGAffineTransformMakeTranslation(at.point.x, at.point.y));
-    height_ = std::max(height_, c.size.height);
+    height_ = std::max(height_, c.size().height);
   }
 }
 
 NSRect CurvedText::drawnRect() const {
   NSRect all = NSZeroRect;
   for (const Character& c : characters_) {
-    all = NSUnionRect(all, CGRectApplyAffineTransform(drawnBounds(c.layout), c.toPath));
+    all = NSUnionRect(all, CGRectApplyAffineTransform(c.kind->drawn, c.toPath));
   }
   return all;
 }
@@ -122,7 +147,7 @@ void CurvedText::draw(CGContext& context) const {
   for (const Character& c : characters_) {
     const CGContextStateScope state(context);
     context.concatenate(c.toPath);
-    drawTextBackground(c.layout, {0, c.layout.end}, NSZeroPoint, context);
-    drawTextGlyphs(c.layout, {0, c.layout.end}, NSZeroPoint, context);
+    drawTextBackground(c.kind->layout, {0, c.kind->layout.end}, NSZeroPoint, context);
+    drawTextGlyphs(c.kind->layout, {0, c.kind->layout.end}, NSZeroPoint, context);
   }
 }

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <memory>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/foundation/Geometry.h"
@@ -20,8 +24,9 @@ struct TextLayout;
 /// text loses characters at both ends alike and what is left is centred.
 class CurvedText {
  public:
-  /// Of a longer text the rest is left out: none of that length can be read along a path.
-  static constexpr size_t kMaxCharacters = 2000;
+  /// Different characters and styles that are set, which bounds the time; a text goes on to the
+  /// first that is one too many. Of one kind there may be as many as any text may hold.
+  static constexpr size_t kMaxKinds = 16384;
 
   CurvedText(const NSAttributedString& text, const NSBezierPath& path, NSTextAlignment alignment);
   ~CurvedText();
@@ -40,14 +45,19 @@ class CurvedText {
   void draw(CGContext& context) const;
 
  private:
+  /// A character in a style, set once for all its occurrences.
+  struct Kind;
   struct Character;
+  using KindKey = std::pair<std::u16string_view, const void*>;
 
+  const Kind* kindOf(const NSAttributedString& text, const NSRange& range);
   /// Of text that starts with the path, what lies far beyond its end is not looked at.
   void measure(const NSAttributedString& text, double length, NSTextAlignment alignment);
   /// Decides what has a place: a stretch of the path of `length` to be filled.
   void fit(double length, NSTextAlignment alignment);
   void place(PathMeasure& path);
 
+  std::map<KindKey, Kind> kinds_;
   std::vector<Character> characters_;
   double start_ = 0;
   double end_ = 0;

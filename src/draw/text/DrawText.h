@@ -106,11 +106,13 @@ class DrawText : public DrawRoundRectangle {
 
   // ---- The text image.
   /// Null until the text is drawn and after every change that shows.
-  const std::shared_ptr<NSBitmapImageRep>& textImageRep() const { return imgRepText_; }
+  std::shared_ptr<NSBitmapImageRep> textImageRep() const {
+    return imgRepText_ != nullptr ? imgRepText_ : cachedImage_.lock();
+  }
   /// Where the text image belongs, from the origin of the path bounds; zero without one.
   NSRect textDrawRect() const { return rectText_; }
   virtual void invalidTextImage() const;
-  bool makeSureHasValidTextImage() const;
+  bool makeSureHasValidTextImage() const { return validTextImage() != nullptr; }
   /// Makes the text image; answers whether there is one.
   bool convertTextToImage() const;
   /// Nothing for an empty text or path, and for the outline of a text without stroke widths.
@@ -200,8 +202,14 @@ class DrawText : public DrawRoundRectangle {
 
   bool hasLegacyOpacity() const { return fTextOpacity_ >= 0 && fTextOpacity_ <= 1; }
   bool imageIsCurrent() const;
+  /// The text image, made when there is none.
+  std::shared_ptr<NSBitmapImageRep> validTextImage() const;
+  /// Leaves the image to the document's cache of pictures.
+  void leaveToCache() const;
   void dropImages() const;
+  CGFloat imagePixels() const;
   bool isTooLargeToKeep() const;
+  void placeTextImage() const;
   TextArea areaFor(NSTextStorage& text, const NSSize& box) const;
   NSTextAlignment sideOfGrowth(TextDirection direction) const;
   static NSRect imageRectOf(const TextLayout& layout, const TextArea& area, const NSSize& box,
@@ -228,6 +236,8 @@ class DrawText : public DrawRoundRectangle {
   mutable NSRect imageRect_;
   std::shared_ptr<NSTextStorage> textStorage_;
   mutable std::shared_ptr<NSBitmapImageRep> imgRepText_;
+  /// The image while the document's cache of pictures keeps it, instead of the draw.
+  mutable std::weak_ptr<NSBitmapImageRep> cachedImage_;
   bool _useGradualText = false;
   bool bEdittingText_ = false;
   float fTextOpacity_;

@@ -7,6 +7,8 @@
 #include "draw/text/TextOutlineCache.h"
 #include "draw/text/TextSmallKits.h"
 #include "platform/foundation/values/NSNumber.h"
+#include "platform/graphics/bitmap/EncodedBitmap.h"
+#include "platform/graphics/codecs/PictureCache.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/context/OffscreenCanvas.h"
 #include "platform/text/TextCharacters.h"
@@ -22,6 +24,8 @@ namespace {
 constexpr CGFloat kWidestStandIn = 0.5;
 /// Longer texts are not measured for that: no label is as long.
 constexpr size_t kLongestLabel = 10000;
+/// Boxes of more pixels (4 MB) are not drawn to know where their text is.
+constexpr CGFloat kMaxDrawnForPlace = 1e6;
 /// Text images are kept up to this many pixels (64 MB); larger boxes are drawn in part each time.
 constexpr CGFloat kMaxKeptPixels = 16e6;
 
@@ -139,14 +143,30 @@ OffscreenGrid DrawText::imageGrid() const {
 // ---- The image as a cache.
 
 bool DrawText::imageIsCurrent() const {
-  return imgRepText_ != nullptr && imageKey_.smooth == bSmooth_ &&
+  return textImageRep() != nullptr && imageKey_.smooth == bSmooth_ &&
          imageKey_.bounds.size == pathBounds().size && imageKey_.grid == imageGrid();
 }
 
-bool DrawText::isTooLargeToKeep() const {
+CGFloat DrawText::imagePixels() const {
   const NSSize size = pathBounds().size;
   const CGFloat scale = imageGrid().scale;
-  return size.width * size.height * scale * scale > kMaxKeptPixels;
+  return size.width * size.height * scale * scale;
+}
+
+bool DrawText::isTooLargeToKeep() const {
+  return imagePixels() > kMaxKeptPixels;
+}
+
+/// Where the text image belongs, without making a large one.
+void DrawText::placeTextImage() const {
+  if (imageIsCurrent()) return;
+  if (imagePixels() <= kMaxDrawnForPlace) {
+    makeSureHasValidTextImage();
+    return;
+  }
+  dropImages();
+  storeTextImage(convertTextToImageWithOption(TextImageOption::text, {imageGrid(), NSZeroRect})
+                     .value_or(ConvertTextToImageResult{}));
 }
 
 void DrawText::invalidTextImage() const {
@@ -155,11 +175,27 @@ void DrawText::invalidTextImage() const {
 
 void DrawText::dropImages() const {
   imgRepText_ = nullptr;
+  cachedImage_.reset();
   TextOutlineCache::shared().removeObjectForKey(hash());
 }
 
-bool DrawText::makeSureHasValidTextImage() const {
-  return imageIsCurrent() || convertTextToImage();
+std::shared_ptr<NSBitmapImageRep> DrawText::validTextImage() const {
+  if (!imageIsCurrent()) convertTextToImage();
+  const auto image = textImageRep();
+  leaveToCache();
+  return image;
+}
+
+/// So that the images of all text boxes are within the document's budget.
+void DrawText::leaveToCache() const {
+  PictureCache* const cache = PictureCache::current();
+  if (cache == nullptr || imgRepText_ == nullptr) return;
+  PictureKey key;
+  key.kind = PictureKey::Kind::text;
+  key.numbers = {static_cast<int64_t>(reinterpret_cast<uintptr_t>(this)), 0, 0};
+  cachedImage_ = imgRepText_;
+  cache->add(key, imgRepText_, pixelBytes(*imgRepText_), PictureCache::Keep::always);
+  imgRepText_ = nullptr;
 }
 
 void DrawText::storeTextImage(const ConvertTextToImageResult& result) const {
@@ -256,7 +292,7 @@ void DrawText::autoResizeBounds() {
 
 void DrawText::respondToBoundsChangeFromOldBounds(const NSRect& oldBounds) {
   const NSSize size = pathBounds().size;
-  if (imgRepText_ == nullptr || isAutoResize() || size == oldBounds.size) return;
+  if (textImageRep() == nullptr || isAutoResize() || size == oldBounds.size) return;
   if (!(size.width <= _maxTextSize.width && size.height <= _maxTextSize.height)) {
     return invalidTextImage();
   }

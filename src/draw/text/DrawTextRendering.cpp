@@ -46,9 +46,9 @@ void DrawText::drawTextPart(CastShadow cast) {
     return NSOffsetRect(rect, origin.x, origin.y);
   };
   if (!isTooLargeToKeep()) {
-    if (!makeSureHasValidTextImage()) return;
-    return drawText({*imgRepText_, placed(rectText_), placed(imageRect_), {imageKey_.grid, {}}},
-                    cast);
+    const auto image = validTextImage();
+    if (image == nullptr) return;
+    return drawText({*image, placed(rectText_), placed(imageRect_), {imageKey_.grid, {}}}, cast);
   }
   dropImages();
   const WantedImage wanted{imageGrid(), visiblePart()};
@@ -147,14 +147,7 @@ void DrawText::drawShadowMask(const TextTarget& target) const {
 }
 
 NSRect DrawText::drawRect() const {
-  if (isTooLargeToKeep()) {
-    // Only where the text belongs is asked for.
-    dropImages();
-    storeTextImage(convertTextToImageWithOption(TextImageOption::text, {imageGrid(), NSZeroRect})
-                       .value_or(ConvertTextToImageResult{}));
-  } else {
-    makeSureHasValidTextImage();
-  }
+  placeTextImage();
   if (drawFill()) return DrawRoundRectangle::drawRect();
   if (!(NSWidth(rectText_) >= 1 && NSHeight(rectText_) >= 1)) return NSZeroRect;
   const NSPoint origin = pathBounds().origin;

@@ -3,6 +3,7 @@
 
 #include "draw/shapes/DrawLines.h"
 #include "draw/shapes/DrawRectShape.h"
+#include "draw/text/CurvedText.h"
 #include "draw/text/DrawBezierText.h"
 #include "draw/text/TextDrawSupport.h"
 #include "platform/graphics/color/NSColor.h"
@@ -101,6 +102,15 @@ class DrawBezierTextTest : public BoxTextTest {
 };
 
 }  // namespace
+
+TEST_F(DrawBezierTextTest, AllOfALongTextIsSetWhereThePathHasRoom) {
+  const auto line = NSBezierPath::bezierPath();
+  line->moveToPoint({0, 0});
+  line->lineToPoint({60000, 0});
+  const CurvedText text(boxText(std::string(5000, 'a')), *line, NSTextAlignment::right);
+  EXPECT_NEAR(text.start(), 10000, 0.01);
+  EXPECT_NEAR(text.drawnRect().size.width, 49998, 10) << "of the first letter to the last";
+}
 
 TEST_F(DrawBezierTextTest, LettersStandAcrossTheirLine) {
   const auto draw = curved("left to right");

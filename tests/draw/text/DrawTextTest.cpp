@@ -10,6 +10,7 @@
 #include "platform/foundation/archive/NSKeyedArchiver.h"
 #include "platform/foundation/archive/NSKeyedUnarchiver.h"
 #include "platform/foundation/values/NSNumber.h"
+#include "platform/graphics/codecs/PictureCache.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/gradient/NSGradient.h"
 #include "platform/text/host/NSTextStorage.h"
@@ -284,6 +285,26 @@ TEST_F(DrawTextTest, LettersBeyondTheFirstLineAreSeen) {
   EXPECT_EQ(p.at(15, 32), kNone);
   EXPECT_EQ(p.at(15, 80), kNone) << "what does not fit below is cut";
   useBoxFont();
+}
+
+TEST_F(DrawTextTest, ImagesOfADocumentShareItsBudget) {
+  PictureCache cache(3 * 100 * 40 * 4);
+  std::vector<std::shared_ptr<DrawText>> draws;
+  std::vector<std::shared_ptr<NSBitmapImageRep>> alone;
+  for (int i = 0; i < 8; ++i) {
+    draws.push_back(made({{10, 20}, {100, 40}}, boxText("aa")));
+    alone.push_back(DrawnDraw(*draws.back()).bitmap);
+    draws.back()->invalidTextImage();
+  }
+  const PictureCacheScope scope(cache);
+  for (int round = 0; round < 2; ++round) {
+    size_t kept = 0;
+    for (size_t i = 0; i < draws.size(); ++i) {
+      EXPECT_EQ(maxDifference(*DrawnDraw(*draws[i]).bitmap, *alone[i]), 0);
+    }
+    for (const auto& draw : draws) kept += draw->textImageRep() != nullptr ? 1 : 0;
+    EXPECT_EQ(kept, 2u) << "what the cache has room for";
+  }
 }
 
 TEST_F(DrawTextTest, AutoResizingKeepsTheUpperLeftCorner) {

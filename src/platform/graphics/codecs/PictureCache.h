@@ -14,7 +14,7 @@
 /// What something was made of: the bytes of a picture or of a colour profile, and numbers such as
 /// the size that was asked for. Equal keys have equal bytes and numbers.
 struct PictureKey {
-  enum class Kind : uint8_t { bitmap, svg, pdf, profile };
+  enum class Kind : uint8_t { bitmap, svg, pdf, profile, text };
 
   Kind kind = Kind::bitmap;
   std::array<int64_t, 3> numbers{};

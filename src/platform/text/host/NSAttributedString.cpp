@@ -120,9 +120,9 @@ std::shared_ptr<NSAttributedString> NSAttributedString::attributedSubstringFromR
   return part;
 }
 
-TextLayout NSAttributedString::unlimitedLayout() const {
+TextLayout NSAttributedString::unlimitedLayout(std::u16string_view surroundings) const {
   const NSSize unlimited = NSMakeSize(NSTextContainer::kUnlimited, NSTextContainer::kUnlimited);
-  return layoutText(makeStyledText(*this), {unlimited, 0, FontLeading::ignored});
+  return layoutText(makeStyledText(*this), {unlimited, 0, FontLeading::ignored, surroundings});
 }
 
 NSSize NSAttributedString::size() const {

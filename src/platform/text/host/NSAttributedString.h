@@ -62,7 +62,8 @@ class NSAttributedString : public NSObject {
   std::shared_ptr<NSAttributedString> attributedSubstringFromRange(const NSRange& range) const;
 
   /// The text set without a limit to its width and without the leading of fonts.
-  TextLayout unlimitedLayout() const;
+  /// A piece of a text takes the faces that it has in its surroundings.
+  TextLayout unlimitedLayout(std::u16string_view surroundings = {}) const;
   /// Size of the text set without a limit to its width: the widest line with the blanks at its end,
   /// and the heights of all lines without the leading of fonts.
   NSSize size() const;

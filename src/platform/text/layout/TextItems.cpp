@@ -125,8 +125,11 @@ struct TextItemizer::Paragraph {
   ParagraphItems result;
 };
 
-TextItemizer::TextItemizer(const StyledText& text)
-    : text_(text), registry_(FontRegistry::shared()), libraries_(textLibraries()) {}
+TextItemizer::TextItemizer(const StyledText& text, std::u16string_view surroundings)
+    : text_(text),
+      surroundings_(surroundings.empty() ? std::u16string_view(text.text) : surroundings),
+      registry_(FontRegistry::shared()),
+      libraries_(textLibraries()) {}
 
 ParagraphItems TextItemizer::itemize(size_t start, size_t end) {
   Paragraph paragraph;
@@ -157,7 +160,7 @@ ParagraphItems TextItemizer::itemize(size_t start, size_t end) {
 std::string_view TextItemizer::languageOf(std::u16string_view paragraph) {
   const std::string_view own = ideographLanguage(paragraph);
   if (!own.empty()) return language_ = own;
-  if (language_.empty()) language_ = ideographLanguage(text_.text);
+  if (language_.empty()) language_ = ideographLanguage(surroundings_);
   if (language_.empty()) language_ = "zh-Hans";
   return language_;
 }
@@ -217,7 +220,8 @@ uint32_t TextItemizer::scriptOf(Paragraph& paragraph, std::u16string_view cluste
   if (contains(used, paragraph.script)) return paragraph.script;
   const size_t behind = static_cast<size_t>(cluster.data() - paragraph.text.data());
   const uint32_t next = specificScriptFrom(paragraph, behind);
-  return used.empty() || contains(used, next) ? next : paragraph.script;
+  if (used.empty() || contains(used, next)) return next;
+  return contains(used, kHan) ? kHan : paragraph.script;
 }
 
 uint32_t TextItemizer::specificScriptFrom(Paragraph& paragraph, size_t unit) const {

@@ -42,7 +42,8 @@ struct ParagraphItems {
 /// Cuts paragraphs of one text into items. Keeps alive the fonts that it hands out.
 class TextItemizer {
  public:
-  explicit TextItemizer(const StyledText& text);
+  /// `surroundings` tell the language of ideographs; the text itself when they are empty.
+  explicit TextItemizer(const StyledText& text, std::u16string_view surroundings = {});
 
   /// Units [start, end) are one paragraph without the characters that end it.
   ParagraphItems itemize(size_t start, size_t end);
@@ -76,6 +77,7 @@ class TextItemizer {
   const ResolvedFont* keep(std::shared_ptr<const ResolvedFont> font);
 
   const StyledText& text_;
+  std::u16string_view surroundings_;
   std::shared_ptr<FontRegistry> registry_;
   const TextLibraries* libraries_;
   std::vector<std::shared_ptr<const ResolvedFont>> kept_;

@@ -47,7 +47,7 @@ class Typesetter {
       : styled_(*text),
         text_(std::u16string_view(styled_.text).substr(0, units)),
         area_(area),
-        itemizer_(styled_) {
+        itemizer_(styled_, area.surroundings) {
     layout_.text = std::move(text);
   }
 

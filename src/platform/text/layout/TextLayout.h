@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "platform/text/fonts/FontRegistry.h"
@@ -70,6 +71,8 @@ struct LayoutArea {
   NSSize size;
   double padding = 0;  ///< kept free at the left and the right
   FontLeading leading = FontLeading::used;
+  /// What tells the language of a text that is a piece of another; empty: the text itself.
+  std::u16string_view surroundings{};
 };
 
 /// Sets the text into the area, line by line, until the next line would end below it.
