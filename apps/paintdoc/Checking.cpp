@@ -23,6 +23,8 @@ struct CheckedFile {
   ExitStatus status = kExitUnreadable;
   std::string reason{};
   std::vector<LeftOutPicture> leftOut{};
+  std::vector<UsedFont> fonts{};
+  bool lacksFonts = false;
 };
 
 CheckedFile checkFile(const std::string& input, SVGEngine svg) {
@@ -31,6 +33,8 @@ CheckedFile checkFile(const std::string& input, SVGEngine svg) {
   if (loaded.document != nullptr) {
     loaded.document->setSVGEngine(svg);
     checked.leftOut = findLeftOutPictures(*loaded.document);
+    checked.fonts = usedFonts(*loaded.document);
+    checked.lacksFonts = lacksAllFonts(*loaded.document);
   }
   return checked;
 }
@@ -38,7 +42,9 @@ CheckedFile checkFile(const std::string& input, SVGEngine svg) {
 std::string plainLine(const CheckedFile& checked) {
   const std::string reason = checked.reason.empty() ? "" : " (" + checked.reason + ")";
   const std::string leftOut = checked.leftOut.empty() ? "" : ", " + leftOutText(checked.leftOut);
-  return printable(checked.name) + ": " + describe(checked.status) + reason + leftOut + "\n";
+  const std::string fonts = checked.lacksFonts ? std::string(", ") + kNoFonts : "";
+  return printable(checked.name) + ": " + describe(checked.status) + reason + leftOut + fonts +
+         "\n";
 }
 
 std::string jsonLine(const CheckedFile& checked) {
@@ -47,7 +53,8 @@ std::string jsonLine(const CheckedFile& checked) {
                  {"code", static_cast<int>(checked.status)},
                  {"result", describe(checked.status)},
                  {"reason", reason},
-                 {"leftOut", jsonOf(checked.leftOut)}},
+                 {"leftOut", jsonOf(checked.leftOut)},
+                 {"fonts", jsonOf(checked.fonts)}},
                 JsonLayout::oneLine);
 }
 

@@ -78,6 +78,12 @@ Json jsonNumbers(std::initializer_list<double> numbers) {
   return list;
 }
 
+void appendFont(std::string& out, const UsedFont& font) {
+  out += "font \"" + printable(font.wanted) + "\" drawn with";
+  for (const std::string& face : font.faces) out += " " + printable(face);
+  out += font.isDrawn() ? "\n" : " none\n";
+}
+
 Json drawsJson(PaintManager& document, const DrawArray& draws);
 
 Json drawJson(PaintManager& document, DrawBase& draw) {
@@ -117,6 +123,7 @@ std::string infoText(const DocumentFacts& facts) {
     out += "background color " + colorText(*color) + "\n";
   }
   if (document.maskBackground()) out += "masked with background\n";
+  for (const UsedFont& font : usedFonts(document)) appendFont(out, font);
   out += "draws " + std::to_string(document.allDraws().size()) + "\n";
   for (const auto& draw : document.allDraws()) appendDraw(out, document, *draw, 1);
   return out;
@@ -130,6 +137,7 @@ std::string infoJson(const DocumentFacts& facts) {
                  {"resolution", facts.resolution != 0 ? jsonNumber(facts.resolution) : Json()},
                  {"backgroundColor", color ? colorJson(*color) : Json()},
                  {"maskBackground", document.maskBackground()},
+                 {"fonts", jsonOf(usedFonts(document))},
                  {"draws", drawsJson(document, document.allDraws())}},
                 JsonLayout::indented);
 }

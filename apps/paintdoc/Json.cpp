@@ -18,6 +18,13 @@ Json jsonOf(const std::vector<LeftOutPicture>& pictures) {
   return list;
 }
 
+Json jsonOf(const std::vector<UsedFont>& fonts) {
+  Json list = Json::array();
+  for (const UsedFont& font : fonts)
+    list.push_back({{"wanted", font.wanted}, {"faces", font.faces}});
+  return list;
+}
+
 std::string textOf(const Json& json, JsonLayout layout) {
   return json.dump(static_cast<int>(layout), ' ', true, Json::error_handler_t::replace) + "\n";
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "document/PaintManager.h"
+#include "document/UsedFonts.h"
 
 /// Keeps the order of the keys.
 using Json = nlohmann::ordered_json;
@@ -14,6 +15,9 @@ Json jsonNumber(double number);
 
 /// What was left out of a document.
 Json jsonOf(const std::vector<LeftOutPicture>& pictures);
+
+/// Fonts as texts name them, with the faces that draw them.
+Json jsonOf(const std::vector<UsedFont>& fonts);
 
 enum class JsonLayout : int { indented = 2, oneLine = -1 };
 

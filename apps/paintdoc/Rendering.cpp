@@ -30,6 +30,8 @@ struct Renderable {
   /// The picture no larger than `side` in either direction, in full size when that is 0. Null
   /// when that is too large, empty when a long picture has no pixel left in its short direction.
   std::function<Bitmap(int64_t side)> draw{};
+  /// The document that is drawn, if it is one.
+  std::shared_ptr<PaintManager> document{};
   /// What the drawing left out.
   std::function<std::vector<LeftOutPicture>()> leftOut = [] {
     return std::vector<LeftOutPicture>();
@@ -59,7 +61,7 @@ Renderable documentToRender(const LoadedDocument& loaded, const std::string& nam
     return ThumbnailProvider::replyForImage(composed, size, {length, length})->drawnBitmap();
   };
   const auto leftOut = [document = loaded.document] { return document->leftOutPictures(); };
-  return {kExitSuccess, {}, size, draw, leftOut};
+  return {kExitSuccess, {}, size, draw, loaded.document, leftOut};
 }
 
 /// The size of the picture's own aspect ratio that fits into a square. Vectors are enlarged too.
@@ -124,7 +126,7 @@ class PictureRun {
     return fail(kProgram, request_.input, status, reason);
   }
   ExitStatus writeReport() const;
-  /// In one line on standard error.
+  /// In lines on standard error.
   void tellLeftOut() const;
 
   const RenderRequest& request_;
@@ -160,9 +162,12 @@ ExitStatus PictureRun::run() {
 }
 
 void PictureRun::tellLeftOut() const {
-  const std::string text = leftOutText(source_.leftOut());
-  if (text.empty()) return;
-  std::fprintf(stderr, "%s: %s: %s\n", kProgram, printable(request_.input).c_str(), text.c_str());
+  const auto tell = [this](const std::string& text) {
+    if (text.empty()) return;
+    std::fprintf(stderr, "%s: %s: %s\n", kProgram, printable(request_.input).c_str(), text.c_str());
+  };
+  tell(leftOutText(source_.leftOut()));
+  if (source_.document != nullptr && lacksAllFonts(*source_.document)) tell(kNoFonts);
 }
 
 ExitStatus PictureRun::writeSize(int64_t side) {
@@ -193,10 +198,13 @@ ExitStatus PictureRun::writeReport() const {
                         {"bytes", picture.bytes}});
   }
   const Json size = {jsonNumber(source_.size.width), jsonNumber(source_.size.height)};
-  const Json report = {{"file", request_.input},
-                       {"size", size},
-                       {"pictures", pictures},
-                       {"leftOut", jsonOf(source_.leftOut())}};
+  const Json report = {
+      {"file", request_.input},
+      {"size", size},
+      {"pictures", pictures},
+      {"leftOut", jsonOf(source_.leftOut())},
+      {"fonts", jsonOf(source_.document == nullptr ? std::vector<UsedFont>{}
+                                                   : usedFonts(*source_.document))}};
   return writeText(kProgram, textOf(report, JsonLayout::indented));
 }
 

@@ -19,7 +19,8 @@ ROOMS = {
         platform/foundation platform/foundation/archive platform/foundation/collections
         platform/foundation/values platform/graphics platform/graphics/bitmap
         platform/graphics/color platform/graphics/context platform/graphics/path
-        platform/graphics/record platform/pictures""",
+        platform/graphics/record platform/pictures platform/text/fonts platform/text/host
+        platform/text/layout""",
     "draw/core": """platform/foundation platform/foundation/archive
         platform/foundation/collections platform/foundation/values platform/graphics/color
         platform/graphics/context platform/graphics/gradient platform/graphics/path

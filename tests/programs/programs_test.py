@@ -416,7 +416,7 @@ class Programs(unittest.TestCase):
         for line, text, (path, (code, result, reason)) in zip(
                 report.stdout.splitlines(), plain.stdout.decode().splitlines(), cases.items(), strict=True):
             self.assertEqual(list(json.loads(line).items()), [("file", path), ("code", code), ("result", result),
-                                                              ("reason", reason), ("leftOut", [])])
+                                                              ("reason", reason), ("leftOut", []), ("fonts", [])])
             self.assertEqual(text, f"{path}: {result}" + (f" ({reason})" if reason else ""))
 
     def test_files_are_checked_apart(self):
@@ -462,6 +462,17 @@ class Programs(unittest.TestCase):
             result = subprocess.run([PAINTDOC, "check", document("red"), self.pipe("pipe")], stdout=full,
                                     stderr=subprocess.PIPE, timeout=60)
         self.assertEqual((result.returncode, result.stderr.count(b"\n")), (74, 1))
+
+    def test_fonts_are_listed(self):
+        path = os.path.join(EXAMPLES, "text.paintdoc")
+        info, rendered, checked = (json.loads(run(PAINTDOC, *command).stdout) for command in (
+            ["info", "--json", path], ["render", "--json", path, self.out], ["check", "--json", path]))
+        self.assertEqual(info["fonts"], rendered["fonts"])
+        self.assertEqual(info["fonts"], checked["fonts"])
+        fonts = {font["wanted"]: font["faces"] for font in info["fonts"]}
+        self.assertIn("NotoColorEmoji", fonts["HelveticaNeue"])
+        self.assertIn(f'font "HelveticaNeue" drawn with {" ".join(fonts["HelveticaNeue"])}\n'.encode(),
+                      run(PAINTDOC, "info", path).stdout)
 
     def test_info(self):
         result = run(PAINTDOC, "info", "--json", document("background"))

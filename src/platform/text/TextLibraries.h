@@ -105,6 +105,9 @@ struct BidiLevels {
   std::vector<uint8_t> units;
 };
 
+inline constexpr uint8_t kOverriddenLevel = 0x80;
+inline constexpr uint8_t kHighestLevel = 124;
+
 enum class BaseDirection : uint8_t { natural, leftToRight, rightToLeft };
 enum class Normalization : uint8_t { composed, decomposed };
 
@@ -134,6 +137,10 @@ class TextLibraries {
   virtual void findLineBreaks(std::u16string_view text, std::vector<uint8_t>& breaks) const = 0;
   /// Levels by the Unicode bidirectional algorithm; `text` is one paragraph.
   virtual BidiLevels bidiLevels(std::u16string_view text, BaseDirection base) const = 0;
+  /// The same with explicit levels for each unit, kOverriddenLevel added where characters run as
+  /// the level says. `paragraph` is the level of what has none: levels are at least that.
+  virtual BidiLevels bidiLevels(std::u16string_view text, uint8_t paragraph,
+                                std::vector<uint8_t> explicitLevels) const = 0;
   /// ISO 15924 code of the character's script, big-endian packed ("Zyyy" common, "Zinh" inherited).
   virtual uint32_t scriptOf(char32_t character) const = 0;
   /// Codes, packed likewise, of the scripts that a common or inherited character is used with;
@@ -141,6 +148,8 @@ class TextLibraries {
   virtual std::vector<uint32_t> scriptExtensions(char32_t character) const = 0;
   /// The text with its letters and marks put together, or taken apart (canonical forms C and D).
   virtual std::u16string normalized(std::u16string_view text, Normalization form) const = 0;
+  /// The capital of a small letter that has one of one character; any other character itself.
+  virtual char32_t capitalOf(char32_t character) const = 0;
   /// Whether the character alone has another form than its own.
   virtual bool hasCanonicalDecomposition(char32_t character) const = 0;
   /// Drawn as a picture unless a variation selector asks for text.

@@ -26,7 +26,7 @@ RGBAColor colorOr(const NSColor* color, const RGBAColor& other) {
 /// Glyph space (font units, y up) to points with y down, about the glyph's origin.
 CGAffineTransform glyphTransform(const ResolvedFont& font, const TextStyle& style) {
   const CGAffineTransform& m = style.font->matrix();
-  const double points = style.font->pointSize() / font.face->metrics().unitsPerEm;
+  const double points = style.font->pointSize() * font.size / font.face->metrics().unitsPerEm;
   // The font's own matrix comes first; its a is part of the horizontal scale.
   const double x = points * horizontalScale(font, style);
   const double stretch = m.a == 0 ? 0 : x / m.a;

@@ -200,5 +200,7 @@ InkOverflow inkBeyondLines(const TextLayout& layout) {
     if (!ink) continue;
     over.below = std::max(over.below, ink->below - run.rise - (last.height - last.baseline));
   }
+  over.above = std::min(over.above, first.height);
+  over.below = std::min(over.below, last.height);
   return over;
 }

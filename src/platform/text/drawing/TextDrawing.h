@@ -16,8 +16,9 @@ void drawTextBackground(const TextLayout& layout, const NSRange& units, NSPoint 
 NSRect drawnBounds(const TextLayout& layout);
 
 /// How far the glyphs of the first line reach above it, and those of the last line below it, points
-/// of at least 0: fonts may have letters that do not keep to their own line heights. Lines that are
-/// made lower than their text are cut, as the platform does.
+/// of at least 0 and at most the line's height (outlines may be of any width): fonts may have
+/// letters that do not keep to their own line heights. Lines that are made lower than their text
+/// are cut, as the platform does.
 struct InkOverflow {
   double above = 0;
   double below = 0;

@@ -20,6 +20,8 @@ constexpr std::string_view kCommonFamilies[] = {"Nimbus Sans", "Liberation Sans"
 
 /// Shear of synthetic italics: 12 degrees, what the common font libraries use.
 constexpr double kSyntheticSlant = 0.2126;
+/// Of small capitals, in parts of the font's size.
+constexpr double kSmallCapitalSize = 0.8;
 /// Stand-ins at least this much lighter than a bold original are emboldened.
 constexpr int kSyntheticBoldFrom = 600;
 /// Characters whose fallback is remembered; a text that needs more of them starts over.
@@ -217,6 +219,11 @@ std::shared_ptr<const ResolvedFont> FontRegistry::makeStandIn(const HostFamily& 
   }
   font->metrics = metricsOf(&family, font->face.get());
   font->legacyLeading = family.legacyLeading;
+  if (family.smallLetters == SmallLetters::capitals) {
+    auto small = std::make_shared<ResolvedFont>(*font);
+    small->size = kSmallCapitalSize;
+    font->smallCapitals = std::move(small);
+  }
   return font;
 }
 

@@ -23,6 +23,10 @@ struct ResolvedFont {
   double xScale = 1;                     ///< of advances and outlines
   double slant = 0;                      ///< synthetic italics: x += slant * y, y up
   SyntheticBold bold = SyntheticBold::no;
+  /// What stands for the small letters of a family that has small capitals in their place; null
+  /// for others. Its letters are capitals, `size` of the wanted size.
+  std::shared_ptr<const ResolvedFont> smallCapitals;
+  double size = 1;
   HostMetrics metrics;  ///< per em; those of the host's font where they are known
   LegacyLeading legacyLeading = LegacyLeading::none;
   FontStyle style;

@@ -37,6 +37,9 @@ enum class HostFontKind : uint8_t { ordinary, fixedPitch };
 /// families do.
 enum class LegacyLeading : uint8_t { none, added };
 
+/// Whether small letters look like capitals, only smaller.
+enum class SmallLetters : uint8_t { own, capitals };
+
 struct HostFamily {
   std::string_view name;
   HostMetrics metrics;
@@ -44,6 +47,7 @@ struct HostFamily {
   std::span<const HostSubstitute> substitutes;  ///< in order of preference
   HostFontKind kind = HostFontKind::ordinary;
   LegacyLeading legacyLeading = LegacyLeading::none;
+  SmallLetters smallLetters = SmallLetters::own;
 };
 
 /// A face found by its name.

@@ -31,6 +31,7 @@ inline constexpr const char* NSBaselineOffsetAttributeName = "NSBaselineOffset";
 inline constexpr const char* NSObliquenessAttributeName = "NSObliqueness";
 inline constexpr const char* NSExpansionAttributeName = "NSExpansion";
 inline constexpr const char* NSShadowAttributeName = "NSShadow";
+inline constexpr const char* NSWritingDirectionAttributeName = "NSWritingDirection";
 
 /// A text whose stretches carry attributes. Positions and lengths count UTF-16 units; ranges that
 /// are not inside the text throw NSException (NSRangeException).

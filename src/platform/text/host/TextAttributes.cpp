@@ -4,6 +4,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/values/NSNumber.h"
 #include "platform/graphics/color/NSColor.h"
@@ -15,6 +16,8 @@ namespace {
 
 /// The name that some systems use besides NSSuperscriptAttributeName.
 constexpr const char* kOtherSuperscriptName = "NSSuperscript";
+/// The bidirectional algorithm knows no more levels.
+constexpr size_t kMaxEmbeddings = 60;
 /// Levels beyond this are damaged values.
 constexpr int64_t kMaxSuperscript = 100;
 
@@ -68,6 +71,18 @@ int32_t lineStyle(const TextAttributeReader& reader, const char* name) {
   return static_cast<int32_t>(reader.integer(name) & 0xffff);
 }
 
+std::vector<TextEmbedding> embeddings(const TextAttributeReader& reader) {
+  std::vector<TextEmbedding> all;
+  const auto list = reader.object<NSArray>(NSWritingDirectionAttributeName);
+  if (list == nullptr) return all;
+  for (size_t i = 0; i < list->count() && all.size() < kMaxEmbeddings; ++i) {
+    const auto number = std::dynamic_pointer_cast<NSNumber>(list->objectAtIndex(i));
+    const int64_t value = number == nullptr ? -1 : number->integerValue();
+    if (value >= 0 && value <= 3) all.push_back(static_cast<TextEmbedding>(value));
+  }
+  return all;
+}
+
 }  // namespace
 
 TextStyle textStyle(const NSDictionary* attributes) {
@@ -85,6 +100,7 @@ TextStyle textStyle(const NSDictionary* attributes) {
   style.obliqueness = reader.real(NSObliquenessAttributeName).value_or(0);
   style.expansion = reader.real(NSExpansionAttributeName).value_or(0);
   style.strokeWidth = reader.real(NSStrokeWidthAttributeName).value_or(0);
+  style.embeddings = embeddings(reader);
   style.underline = lineStyle(reader, NSUnderlineStyleAttributeName);
   style.strikethrough = lineStyle(reader, NSStrikethroughStyleAttributeName);
   style.foreground = reader.object<NSColor>(NSForegroundColorAttributeName);

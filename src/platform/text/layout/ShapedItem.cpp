@@ -26,7 +26,8 @@ struct UnitScale {
 };
 
 UnitScale unitScale(const TextItem& item) {
-  const double y = item.style->font->pointSize() / item.font->face->metrics().unitsPerEm;
+  const double y =
+      item.style->font->pointSize() * item.font->size / item.font->face->metrics().unitsPerEm;
   return {y * horizontalScale(*item.font, *item.style), y};
 }
 
@@ -58,6 +59,17 @@ ShapedItem shape(const TextItem& item, const ShapingRun& run) {
   if (item.style->kern.value_or(0) != 0) addKern(shaped, *item.style->kern);
   for (const ItemGlyph& g : shaped.glyphs) shaped.width += g.advance;
   return shaped;
+}
+
+/// Unit for unit.
+std::u16string inCapitals(std::u16string_view text) {
+  const TextLibraries* libraries = textLibraries();
+  std::u16string capitals(text);
+  for (char16_t& c : capitals) {
+    const char32_t capital = libraries == nullptr ? c : libraries->capitalOf(c);
+    if (capital < 0x10000) c = static_cast<char16_t>(capital);
+  }
+  return capitals;
 }
 
 void measureUnits(ShapedItem& shaped) {
@@ -104,6 +116,13 @@ ShapedItem shapeItem(const TextItem& item, std::u16string_view text, size_t para
   run.paragraph = text.substr(paragraphStart, paragraphEnd - paragraphStart);
   run.start = item.start - paragraphStart;
   run.length = item.length;
+  std::u16string capitals;
+  if (item.font->size != 1) {
+    // They need no surroundings: what joins has no capitals.
+    capitals = inCapitals(run.paragraph.substr(run.start, run.length));
+    run.paragraph = capitals;
+    run.start = 0;
+  }
   ShapedItem shaped = shape(item, run);
   measureUnits(shaped);
   return shaped;

@@ -13,6 +13,14 @@
 class NSColor;
 class NSShadow;
 
+/// How a run stands in the text around it. The numbers are those of the format.
+enum class TextEmbedding : uint8_t {
+  leftToRight = 0,
+  rightToLeft = 1,
+  leftToRightOverride = 2,  ///< every character runs so, whatever it is
+  rightToLeftOverride = 3,
+};
+
 /// What a run's attributes mean for layout and drawing, with the defaults filled in.
 struct TextStyle {
   std::shared_ptr<const NSFont> font = NSFont::defaultFont();
@@ -23,8 +31,10 @@ struct TextStyle {
   double baselineOffset = 0;  ///< points up
   double obliqueness = 0;     ///< x += y * obliqueness
   double expansion = 0;       ///< natural logarithm of the horizontal scale
-  double strokeWidth = 0;     ///< percent of the size; above 0: no fill, below: fill and stroke
-  int32_t underline = 0;      ///< style bits, see LineStyle.h
+  /// Embeddings and overrides that the run is in, the outermost first.
+  std::vector<TextEmbedding> embeddings;
+  double strokeWidth = 0;  ///< percent of the size; above 0: no fill, below: fill and stroke
+  int32_t underline = 0;   ///< style bits, see LineStyle.h
   int32_t strikethrough = 0;
   // Null colours: foreground black, background none, the rest as the foreground.
   std::shared_ptr<const NSColor> foreground;

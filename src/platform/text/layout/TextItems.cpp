@@ -169,12 +169,45 @@ void TextItemizer::findDirections(Paragraph& paragraph) const {
   const NSWritingDirection wanted =
       text_.styleAt(paragraph.start).paragraph->baseWritingDirection();
   const bool rightToLeft = wanted == NSWritingDirection::rightToLeft;
-  if (libraries_ != nullptr && (rightToLeft || mayRunRightToLeft(paragraph.text))) {
+  const bool embedded = hasEmbeddings(paragraph);
+  if (libraries_ != nullptr && (rightToLeft || embedded || mayRunRightToLeft(paragraph.text))) {
     BidiLevels levels = libraries_->bidiLevels(paragraph.text, baseDirection(wanted));
+    if (embedded) {
+      levels = libraries_->bidiLevels(paragraph.text, levels.paragraph,
+                                      explicitLevels(paragraph, levels.paragraph));
+    }
     if ((levels.paragraph & 1) != 0) paragraph.result.direction = TextDirection::rightToLeft;
     paragraph.levels = std::move(levels.units);
   }
   if (rightToLeft) paragraph.result.direction = TextDirection::rightToLeft;
+}
+
+bool TextItemizer::hasEmbeddings(const Paragraph& paragraph) const {
+  const size_t end = paragraph.start + paragraph.text.size();
+  for (size_t run = paragraph.run, start = paragraph.start; run < text_.runs.size() && start < end;
+       start = text_.runs[run++].end) {
+    if (!text_.styles[text_.runs[run].style].embeddings.empty()) return true;
+  }
+  return false;
+}
+
+/// Each embedding takes its text to the next level of its direction (rules X2 to X5).
+std::vector<uint8_t> TextItemizer::explicitLevels(const Paragraph& paragraph, uint8_t base) const {
+  std::vector<uint8_t> levels(paragraph.text.size(), base);
+  size_t run = paragraph.run;
+  for (size_t i = 0; i < levels.size(); ++i) {
+    while (paragraph.start + i >= text_.runs[run].end) ++run;
+    uint8_t level = base;
+    uint8_t overridden = 0;
+    for (const TextEmbedding embedding : text_.styles[text_.runs[run].style].embeddings) {
+      const auto bits = static_cast<uint8_t>(embedding);
+      const auto next = static_cast<uint8_t>(level + 1 + ((level + 1 + bits) & 1));
+      if (next <= kHighestLevel) level = next;
+      overridden = (bits & 2) != 0 ? kOverriddenLevel : 0;
+    }
+    levels[i] = level | overridden;
+  }
+  return levels;
 }
 
 void TextItemizer::addCluster(Paragraph& paragraph, size_t start, size_t end) {
@@ -259,7 +292,10 @@ const ResolvedFont* TextItemizer::fontFor(Paragraph& paragraph, std::u16string_v
       return font;
     }
   }
-  return missing ? fallbackFor(paragraph, cluster, item) : own;
+  if (missing) return fallbackFor(paragraph, cluster, item);
+  const bool isSmall =
+      own->smallCapitals != nullptr && libraries_->capitalOf(cluster[0]) != cluster[0];
+  return isSmall ? own->smallCapitals.get() : own;
 }
 
 bool TextItemizer::covers(const ResolvedFont& font, const ClusterForms& cluster) {

@@ -62,6 +62,8 @@ class TextItemizer {
   struct Paragraph;
 
   void findDirections(Paragraph& paragraph) const;
+  bool hasEmbeddings(const Paragraph& paragraph) const;
+  std::vector<uint8_t> explicitLevels(const Paragraph& paragraph, uint8_t base) const;
   void addCluster(Paragraph& paragraph, size_t start, size_t end);
   bool joins(const TextItem& last, const TextItem& next) const;
   std::string_view languageOf(std::u16string_view paragraph);

@@ -2,6 +2,8 @@
 #include <hb.h>
 #include <unicode/uchar.h>
 
+#include <utility>
+
 #include "platform/machine/AddressSpace.h"
 #include "platform/text/libraries/FontFile.h"
 #include "platform/text/libraries/FontIndexes.h"
@@ -35,6 +37,11 @@ class Libraries : public TextLibraries {
     return findBidiLevels(text, base);
   }
 
+  BidiLevels bidiLevels(std::u16string_view text, uint8_t paragraph,
+                        std::vector<uint8_t> explicitLevels) const override {
+    return findBidiLevels(text, paragraph, std::move(explicitLevels));
+  }
+
   uint32_t scriptOf(char32_t character) const override {
     return hb_script_to_iso15924_tag(hb_unicode_script(hb_unicode_funcs_get_default(), character));
   }
@@ -45,6 +52,10 @@ class Libraries : public TextLibraries {
 
   std::u16string normalized(std::u16string_view text, Normalization form) const override {
     return normalizeText(text, form);
+  }
+
+  char32_t capitalOf(char32_t character) const override {
+    return static_cast<char32_t>(u_toupper(static_cast<UChar32>(character)));
   }
 
   bool hasCanonicalDecomposition(char32_t character) const override {

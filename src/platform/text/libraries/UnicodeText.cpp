@@ -74,6 +74,22 @@ UBiDiLevel requestedLevel(BaseDirection base) {
   return UBIDI_DEFAULT_LTR;
 }
 
+BidiLevels levelsOf(std::u16string_view text, UBiDiLevel base, UBiDiLevel* explicitLevels) {
+  BidiLevels result;
+  result.units.assign(text.size(), 0);
+  const Bidi bidi(ubidi_open());
+  if (bidi == nullptr) throw std::bad_alloc();
+  UErrorCode status = U_ZERO_ERROR;
+  ubidi_setPara(bidi.get(), text.data(), static_cast<int32_t>(text.size()), base, explicitLevels,
+                &status);
+  const UBiDiLevel* levels = text.empty() ? nullptr : ubidi_getLevels(bidi.get(), &status);
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  if (U_FAILURE(status)) return result;
+  result.paragraph = ubidi_getParaLevel(bidi.get());
+  if (levels != nullptr) std::copy_n(levels, text.size(), result.units.begin());
+  return result;
+}
+
 }  // namespace
 
 void findClusterStarts(std::u16string_view text, std::vector<uint8_t>& starts) {
@@ -119,17 +135,12 @@ std::u16string normalizeText(std::u16string_view text, Normalization form) {
 }
 
 BidiLevels findBidiLevels(std::u16string_view text, BaseDirection base) {
-  BidiLevels result;
-  result.units.assign(text.size(), 0);
-  const Bidi bidi(ubidi_open());
-  if (bidi == nullptr) throw std::bad_alloc();
-  UErrorCode status = U_ZERO_ERROR;
-  ubidi_setPara(bidi.get(), text.data(), static_cast<int32_t>(text.size()), requestedLevel(base),
-                nullptr, &status);
-  const UBiDiLevel* levels = text.empty() ? nullptr : ubidi_getLevels(bidi.get(), &status);
-  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-  if (U_FAILURE(status)) return result;
-  result.paragraph = ubidi_getParaLevel(bidi.get());
-  if (levels != nullptr) std::copy_n(levels, text.size(), result.units.begin());
-  return result;
+  return levelsOf(text, requestedLevel(base), nullptr);
+}
+
+BidiLevels findBidiLevels(std::u16string_view text, uint8_t paragraph,
+                          std::vector<uint8_t> explicitLevels) {
+  static_assert(kOverriddenLevel == UBIDI_LEVEL_OVERRIDE &&
+                kHighestLevel < UBIDI_MAX_EXPLICIT_LEVEL);
+  return levelsOf(text, paragraph, explicitLevels.data());
 }

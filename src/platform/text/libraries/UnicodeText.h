@@ -9,3 +9,5 @@ void findLineStarts(std::u16string_view text, std::vector<uint8_t>& breaks);
 std::vector<uint32_t> findScriptExtensions(char32_t character);
 std::u16string normalizeText(std::u16string_view text, Normalization form);
 BidiLevels findBidiLevels(std::u16string_view text, BaseDirection base);
+BidiLevels findBidiLevels(std::u16string_view text, uint8_t paragraph,
+                          std::vector<uint8_t> explicitLevels);

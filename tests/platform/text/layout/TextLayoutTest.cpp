@@ -359,6 +359,44 @@ TEST_F(TextLayoutTest, SpaceAtTheEndOfARightToLeftLineHangsLeft) {
   EXPECT_NEAR(layout.lines[1].contentLeft, 5, 1e-9);
 }
 
+TEST_F(TextLayoutTest, SmallCapitalsAreCapitalsOfFourFifths) {
+  TextStyle style = boxStyle();
+  style.font = std::make_shared<NSFont>("Copperplate", 10);
+  const TextLayout layout = layoutText(styledText({{u"AvAV", style}}), {{100, 100}, 0});
+  ASSERT_EQ(layout.runs.size(), 3u);
+  EXPECT_EQ(layout.glyphs[1].glyph, layout.glyphs[3].glyph) << "a v as a V";
+  EXPECT_NEAR(layout.runs[1].width, 4, 1e-9);
+  EXPECT_NEAR(layout.runs[2].x, 9, 1e-9);
+  EXPECT_EQ(layout.text->text, u"AvAV");
+}
+
+TEST_F(TextLayoutTest, EmbeddingsOfRunsTurnThemRound) {
+  const auto orderOf = [](const std::vector<TextEmbedding>& embeddings,
+                          const std::u16string& text) {
+    TextStyle embedded = boxStyle();
+    embedded.embeddings = embeddings;
+    const TextLayout layout = layoutText(
+        styledText({{u"x", boxStyle()}, {text, embedded}, {u"y", boxStyle()}}), {{100, 100}, 0});
+    std::vector<size_t> order;
+    for (const PlacedRun& run : layout.runs) order.push_back(run.start);
+    return order;
+  };
+  using enum TextEmbedding;
+  using Order = std::vector<size_t>;
+  const std::u16string mixed = u"a\u05d0";
+  EXPECT_EQ(orderOf({}, mixed), (Order{0, 1, 2, 3}));
+  EXPECT_EQ(orderOf({leftToRight}, mixed), (Order{0, 1, 2, 3}));
+  EXPECT_EQ(orderOf({rightToLeft}, mixed), (Order{0, 2, 1, 3})) << "a stays a word of its own";
+  EXPECT_EQ(orderOf({rightToLeft, leftToRight}, mixed), (Order{0, 1, 2, 3}));
+  EXPECT_EQ(orderOf({leftToRightOverride}, u"\u05d0\u05d1"), (Order{0, 1, 3}));
+  // The letters of an overridden run are in one run, the last one first.
+  TextStyle overridden = boxStyle();
+  overridden.embeddings = {rightToLeftOverride};
+  const TextLayout layout = layoutText(styledText({{u"ab", overridden}}), {{100, 100}, 0});
+  const auto face = layout.runs[0].font->face;
+  EXPECT_EQ(layout.glyphs[0].glyph, face->glyphForCharacter('b'));
+}
+
 TEST_F(TextLayoutTest, KerningOfTheFontAndOfTheText) {
   TextStyle style = boxStyle();
   const auto width = [&style](std::u16string text) {
