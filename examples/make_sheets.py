@@ -164,6 +164,50 @@ def text():
     return doc
 
 
+# The beginning of the Universal Declaration of Human Rights, or nearly.
+SCRIPTS = [
+    "All human beings are born free", "Όλοι οι άνθρωποι γεννιούνται ελεύθεροι", "Все люди рождаются свободными",
+    "Բոլոր մարդիկ ծնվում են ազատ", "ყველა ადამიანი იბადება თავისუფალი", "כל בני האדם נולדו בני חורין",
+    "يولد جميع الناس أحرارًا، ١٢٣", "सभी मनुष्य जन्म से स्वतन्त्र हैं।", "সমস্ত মানুষ স্বাধীনভাবে জন্মগ্রহণ করে।",
+    "ਸਾਰੇ ਇਨਸਾਨ ਅਜ਼ਾਦ ਜੰਮਦੇ ਹਨ।", "બધા મનુષ્યો સ્વતંત્ર જન્મે છે.", "மனிதர் யாவரும் பிறக்கின்றனர்",
+    "మానవులందరు స్వతంత్రులుగా జన్మించారు", "ಎಲ್ಲಾ ಮಾನವರು ಸ್ವತಂತ್ರರಾಗಿ ಜನಿಸಿದ್ದಾರೆ",
+    "മനുഷ്യരെല്ലാവരും സ്വതന്ത്രരായി ജനിച്ചു", "සියලු මනුෂ්‍යයෝ නිදහස්ව උපත ලබති", "มนุษย์ทั้งหลายเกิดมามีอิสระ",
+    "ມະນຸດທຸກຄົນເກີດມາມີອິດສະຫຼະ", "មនុស្សទាំងអស់កើតមកមានសេរីភាព", "လူတိုင်းသည် လွတ်လပ်စွာ မွေးဖွားလာသည်",
+    "མི་རིགས་ཚང་མ་རང་དབང་ཅན་དུ་སྐྱེས།", "ሰው ሁሉ ነጻ ሆኖ ተወልዷል።", "「人人生而自由，一律平等。」", "「すべての人間は、自由。」",
+    "모든 인간은 태어날 때부터 자유롭다", "Cafe\u0301, Å\u0301, ﬁ, “Zitat” 😀👩‍👩‍👧🇨🇭",
+]
+
+
+def scripts():
+    """One text in many scripts, each line in a box of its own, all in one font."""
+    doc = PaintDocument(2 * 400, 13 * 44, background=(0.97, 0.97, 0.97))
+    for i, line in enumerate(SCRIPTS):
+        x, y = i // 13 * 400 + 10, (12 - i % 13) * 44 + 4
+        doc.add("DrawText", outline=doc.rectangle(x, y, 380, 36), Text=doc.text((line, doc.style(size=18))))
+    return doc
+
+
+STAND_INS = [
+    "Helvetica", "HelveticaNeue-CondensedBold", "ArialMT", "Arial-Black", "ArialNarrow", "ArialRoundedMTBold", "Times-Roman",
+    "TimesNewRomanPSMT", "Courier", "CourierNewPSMT", ".SFNSText", "LucidaGrande", "Menlo-Regular", "Verdana", "Tahoma",
+    "TrebuchetMS", "Georgia", "Palatino-Roman", "BookmanOldStyle", "CenturySchoolbook", "CenturyGothic", "Futura-Medium",
+    "Avenir-Book", "GillSans", "Optima-Regular", "Baskerville", "Didot", "HoeflerText-Regular", "Charter-Roman", "Rockwell-Regular",
+    "AmericanTypewriter", "Copperplate", "Impact", "Haettenschweiler", "Phosphate-Inline", "ComicSansMS", "Chalkboard",
+    "MarkerFelt-Thin", "BrushScriptMT", "Apple-Chancery", "SnellRoundhand", "Cochin", "Papyrus", "AnotherSans-Bold",
+]
+
+
+def stand_ins():
+    """Fonts of the documents' platform at 40 points, in boxes that are as high as their text was there."""
+    doc = PaintDocument(4 * 250, 11 * 96, background=(0.97, 0.97, 0.97))
+    for i, font in enumerate(STAND_INS):
+        x, y = i // 11 * 250 + 10, (10 - i % 11) * 96 + 20
+        doc.add("DrawText", outline=doc.rectangle(x, y, 230, 60), Text=doc.text(("ÉÅÑgjÇ", doc.style(font, 40))),
+                fill=(0.9, 0.92, 0.96))
+        doc.add("DrawText", outline=doc.rectangle(x, y - 18, 230, 14), Text=doc.text((font, doc.style("ArialMT", 10, DARK))))
+    return doc
+
+
 def curved_text():
     """Curved text along every kind of guide; columns: left, centred, right."""
     doc = PaintDocument(3 * 260, 6 * 170, background=(0.97, 0.97, 0.97))
@@ -206,7 +250,7 @@ def curved_text():
     return doc
 
 
-SHEETS = {"text": text, "curved_text": curved_text, "shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
+SHEETS = {"text": text, "scripts": scripts, "stand_ins": stand_ins, "curved_text": curved_text, "shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
 
 
 LABEL = ('<text x="{}" y="{}" font-family="DejaVu Sans" font-size="13" text-anchor="middle" '

@@ -38,6 +38,7 @@ std::vector<UsedFont> usedFonts(const PaintManager& document) {
     }
   });
   std::vector<UsedFont> fonts;
+  fonts.reserve(byName.size());
   for (auto& [name, faces] : byName) fonts.push_back({name, std::move(faces)});
   return fonts;
 }

@@ -13,7 +13,8 @@ def whole():
     a = KeyedArchive()
     plain = {"NSFont": a.font("Helvetica-Bold", 18.0), "NSColor": a.color((1, 0, 0)),
              "NSParagraphStyle": a.paragraph_style(2), "NSStrokeWidth": Float32(-3.0)}
-    other = {"NSFont": a.font("Menlo-Regular", 9.5), "NSUnderline": 9, "NSKern": 1.5}
+    other = {"NSFont": a.font("Menlo-Regular", 9.5), "NSUnderline": 9, "NSKern": 1.5,
+             "NSWritingDirection": a.array([a.add(3), a.add(7), a.add(0)])}
     root = a.attributed_string("0123456789", [(2, plain), (5, other), (3, plain)], "NSTextStorage")
     return a.to_bytes(root=root)
 

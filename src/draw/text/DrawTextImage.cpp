@@ -181,7 +181,7 @@ void DrawText::dropImages() const {
 
 std::shared_ptr<NSBitmapImageRep> DrawText::validTextImage() const {
   if (!imageIsCurrent()) convertTextToImage();
-  const auto image = textImageRep();
+  auto image = textImageRep();
   leaveToCache();
   return image;
 }

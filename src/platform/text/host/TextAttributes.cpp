@@ -78,7 +78,10 @@ std::vector<TextEmbedding> embeddings(const TextAttributeReader& reader) {
   for (size_t i = 0; i < list->count() && all.size() < kMaxEmbeddings; ++i) {
     const auto number = std::dynamic_pointer_cast<NSNumber>(list->objectAtIndex(i));
     const int64_t value = number == nullptr ? -1 : number->integerValue();
-    if (value >= 0 && value <= 3) all.push_back(static_cast<TextEmbedding>(value));
+    if (value < 0 || value > 3) continue;
+    const bool rightToLeft = (value & 1) != 0;
+    all.push_back(
+        {rightToLeft ? TextDirection::rightToLeft : TextDirection::leftToRight, (value & 2) != 0});
   }
   return all;
 }

@@ -13,12 +13,10 @@
 class NSColor;
 class NSShadow;
 
-/// How a run stands in the text around it. The numbers are those of the format.
-enum class TextEmbedding : uint8_t {
-  leftToRight = 0,
-  rightToLeft = 1,
-  leftToRightOverride = 2,  ///< every character runs so, whatever it is
-  rightToLeftOverride = 3,
+/// How a run stands in the text around it.
+struct TextEmbedding {
+  TextDirection direction = TextDirection::leftToRight;
+  bool overrides = false;  ///< every character runs so, whatever it is
 };
 
 /// What a run's attributes mean for layout and drawing, with the defaults filled in.

@@ -200,10 +200,10 @@ std::vector<uint8_t> TextItemizer::explicitLevels(const Paragraph& paragraph, ui
     uint8_t level = base;
     uint8_t overridden = 0;
     for (const TextEmbedding embedding : text_.styles[text_.runs[run].style].embeddings) {
-      const auto bits = static_cast<uint8_t>(embedding);
-      const auto next = static_cast<uint8_t>(level + 1 + ((level + 1 + bits) & 1));
+      const int odd = embedding.direction == TextDirection::rightToLeft ? 1 : 0;
+      const auto next = static_cast<uint8_t>(level + 1 + ((level + 1 + odd) & 1));
       if (next <= kHighestLevel) level = next;
-      overridden = (bits & 2) != 0 ? kOverriddenLevel : 0;
+      overridden = embedding.overrides ? kOverriddenLevel : 0;
     }
     levels[i] = level | overridden;
   }

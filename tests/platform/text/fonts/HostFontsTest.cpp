@@ -2,7 +2,9 @@
 
 #include <set>
 #include <string>
+#include <utility>
 
+#include "platform/text/TextLibraries.h"
 #include "platform/text/fonts/HostFontTable.h"
 #include "platform/text/fonts/HostFonts.h"
 
@@ -43,6 +45,21 @@ TEST(HostFonts, TableIsConsistent) {
   for (const HostNameHint& hint : kHostNameHints) EXPECT_NE(hostFamilyNamed(hint.family), nullptr);
   for (const HostScriptFace& face : kHostScriptFaces) {
     EXPECT_TRUE(hostFaceNamed(face.postScriptName)) << face.script;
+  }
+}
+
+// Clones with the same line metrics; the package is installed with those of the tests.
+TEST(HostFonts, MetricsAreThoseOfTheirClones) {
+  for (const auto& [family, clone] : {std::pair{"Arial", "LiberationSans"},
+                                      {"Times New Roman", "LiberationSerif"},
+                                      {"Courier New", "LiberationMono"}}) {
+    const auto face = textLibraries()->openFace(
+        std::string("/usr/share/fonts/truetype/liberation2/") + clone + "-Regular.ttf", 0);
+    ASSERT_NE(face, nullptr) << clone;
+    const HostMetrics& host = hostFamilyNamed(family)->metrics;
+    EXPECT_EQ(host.ascent, face->metrics().ascent / 2048.0);
+    EXPECT_EQ(host.descent, face->metrics().descent / 2048.0);
+    EXPECT_EQ(host.leading, face->metrics().leading / 2048.0);
   }
 }
 

@@ -146,6 +146,10 @@ TEST_F(NSAttributedStringTest, ReadsWhatThePlatformWrites) {
   EXPECT_EQ(second.underline, 9);
   EXPECT_EQ(second.kern, 1.5);
   EXPECT_EQ(second.foreground, nullptr);
+  ASSERT_EQ(second.embeddings.size(), 2u) << "7 means nothing";
+  EXPECT_TRUE(second.embeddings[0].overrides);
+  EXPECT_EQ(second.embeddings[0].direction, TextDirection::rightToLeft);
+  EXPECT_FALSE(second.embeddings[1].overrides);
   EXPECT_EQ(kernRuns(*decoded("recorded_runs")), "1:0 1:1 4:2 2:1 1:3 1:0");
 }
 

@@ -381,7 +381,9 @@ TEST_F(TextLayoutTest, EmbeddingsOfRunsTurnThemRound) {
     for (const PlacedRun& run : layout.runs) order.push_back(run.start);
     return order;
   };
-  using enum TextEmbedding;
+  const TextEmbedding leftToRight{TextDirection::leftToRight};
+  const TextEmbedding rightToLeft{TextDirection::rightToLeft};
+  const TextEmbedding leftToRightOverride{TextDirection::leftToRight, true};
   using Order = std::vector<size_t>;
   const std::u16string mixed = u"a\u05d0";
   EXPECT_EQ(orderOf({}, mixed), (Order{0, 1, 2, 3}));
@@ -391,7 +393,7 @@ TEST_F(TextLayoutTest, EmbeddingsOfRunsTurnThemRound) {
   EXPECT_EQ(orderOf({leftToRightOverride}, u"\u05d0\u05d1"), (Order{0, 1, 3}));
   // The letters of an overridden run are in one run, the last one first.
   TextStyle overridden = boxStyle();
-  overridden.embeddings = {rightToLeftOverride};
+  overridden.embeddings = {{TextDirection::rightToLeft, true}};
   const TextLayout layout = layoutText(styledText({{u"ab", overridden}}), {{100, 100}, 0});
   const auto face = layout.runs[0].font->face;
   EXPECT_EQ(layout.glyphs[0].glyph, face->glyphForCharacter('b'));
