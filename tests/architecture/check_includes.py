@@ -76,8 +76,9 @@ ROOMS = {
     "platform/filters/light": "platform/foundation platform/machine",
 
     "platform/text/host": """platform/foundation platform/foundation/collections
-        platform/foundation/values platform/graphics/color platform/graphics/context
-        platform/text platform/text/drawing platform/text/fonts platform/text/layout""",
+        platform/foundation/values platform/graphics/bitmap platform/graphics/color
+        platform/graphics/context platform/text platform/text/drawing platform/text/fonts
+        platform/text/layout""",
     "platform/text/drawing": """platform/foundation platform/graphics/bitmap
         platform/graphics/color platform/graphics/context platform/graphics/pixels
         platform/graphics/pixels/coverage platform/graphics/pixels/outline

@@ -72,7 +72,7 @@ def odd_values():
 def unknown_attributes():
     """Runs with attributes of classes that are not known, one of them also outside the text."""
     a = KeyedArchive()
-    cell = a.obj(["NSTextAttachment", "NSObject"], {"NSCell": a.obj(["SomeCell", "NSObject"], {})})
+    cell = a.obj(["SomeAttachment", "NSObject"], {"NSCell": a.obj(["SomeCell", "NSObject"], {})})
     note = a.obj(["SomeNote", "NSObject"], {})
     root = a.attributed_string("abcdef", [
         (2, {"NSKern": 1, "NSAttachment": cell}),

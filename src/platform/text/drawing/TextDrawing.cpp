@@ -5,10 +5,12 @@
 #include <optional>
 #include <span>
 
+#include "platform/graphics/bitmap/EncodedBitmap.h"
 #include "platform/graphics/color/NSColor.h"
 #include "platform/graphics/color/PaintComponents.h"
 #include "platform/graphics/context/CGContext.h"
 #include "platform/graphics/context/NSShadow.h"
+#include "platform/text/TextCharacters.h"
 #include "platform/text/drawing/GlyphPainter.h"
 #include "platform/text/drawing/TextDecorations.h"
 
@@ -75,6 +77,8 @@ class LineDrawer {
 
  private:
   void drawRuns(const PlacedLine& line, Runs runs);
+  bool isAttachment(const PlacedRun& run) const;
+  void drawAttachment(const TextStyle& style, NSPoint baseline);
   void drawDecorations(const PlacedLine& line, DecorationKind kind);
   NSPoint originOf(const PlacedLine& line, const PlacedRun& run) const {
     return {at_.x + run.x, at_.y + line.top + line.baseline - run.rise};
@@ -125,8 +129,27 @@ void LineDrawer::drawRuns(const PlacedLine& line, Runs runs) {
     if (NSIsEmptyRect(ink)) return;
     scope.emplace(context_, *shadow, ink);
   }
-  for (const PlacedRun& run : runs) painter_.paint(layout_, run, originOf(line, run));
+  for (const PlacedRun& run : runs) {
+    if (isAttachment(run)) {
+      drawAttachment(*run.style, originOf(line, run));
+    } else {
+      painter_.paint(layout_, run, originOf(line, run));
+    }
+  }
   if (scope) scope->end();
+}
+
+bool LineDrawer::isAttachment(const PlacedRun& run) const {
+  return run.style->attachment != nullptr && run.length == 1 &&
+         layout_.text->text[run.start] == kObjectReplacement;
+}
+
+void LineDrawer::drawAttachment(const TextStyle& style, NSPoint baseline) {
+  const auto bitmap = style.attachment->bitmap();
+  if (bitmap == nullptr) return;
+  const CGContextStateScope state(context_);
+  context_.concatenate({1, 0, 0, -1, baseline.x, baseline.y});
+  context_.draw(*bitmap, style.attachmentBounds);
 }
 
 void LineDrawer::drawDecorations(const PlacedLine& line, DecorationKind kind) {

@@ -32,6 +32,7 @@ inline constexpr const char* NSObliquenessAttributeName = "NSObliqueness";
 inline constexpr const char* NSExpansionAttributeName = "NSExpansion";
 inline constexpr const char* NSShadowAttributeName = "NSShadow";
 inline constexpr const char* NSWritingDirectionAttributeName = "NSWritingDirection";
+inline constexpr const char* NSAttachmentAttributeName = "NSAttachment";
 
 /// A text whose stretches carry attributes. Positions and lengths count UTF-16 units; ranges that
 /// are not inside the text throw NSException (NSRangeException).

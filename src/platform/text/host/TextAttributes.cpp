@@ -11,6 +11,7 @@
 #include "platform/graphics/context/NSShadow.h"
 #include "platform/text/TextLengths.h"
 #include "platform/text/host/NSAttributedString.h"
+#include "platform/text/host/NSTextAttachment.h"
 
 namespace {
 
@@ -86,6 +87,17 @@ std::vector<TextEmbedding> embeddings(const TextAttributeReader& reader) {
   return all;
 }
 
+void readAttachment(const TextAttributeReader& reader, TextStyle& style) {
+  const auto attachment = reader.object<NSTextAttachment>(NSAttachmentAttributeName);
+  if (attachment == nullptr) return;
+  style.attachment = attachment->picture();
+  if (style.attachment == nullptr) return;
+  NSRect bounds = attachment->bounds();
+  if (NSIsEmptyRect(bounds)) bounds.size = style.attachment->bitmap()->size();
+  style.attachmentBounds = {{layoutLength(bounds.origin.x), layoutLength(bounds.origin.y)},
+                            {layoutLength(bounds.size.width), layoutLength(bounds.size.height)}};
+}
+
 }  // namespace
 
 TextStyle textStyle(const NSDictionary* attributes) {
@@ -104,6 +116,7 @@ TextStyle textStyle(const NSDictionary* attributes) {
   style.expansion = reader.real(NSExpansionAttributeName).value_or(0);
   style.strokeWidth = reader.real(NSStrokeWidthAttributeName).value_or(0);
   style.embeddings = embeddings(reader);
+  readAttachment(reader, style);
   style.underline = lineStyle(reader, NSUnderlineStyleAttributeName);
   style.strikethrough = lineStyle(reader, NSStrikethroughStyleAttributeName);
   style.foreground = reader.object<NSColor>(NSForegroundColorAttributeName);

@@ -3,6 +3,7 @@
 #include "platform/text/fonts/NSFont.h"
 #include "platform/text/fonts/NSFontDescriptor.h"
 #include "platform/text/host/NSAttributedString.h"
+#include "platform/text/host/NSTextAttachment.h"
 #include "platform/text/host/NSTextStorage.h"
 #include "platform/text/layout/NSParagraphStyle.h"
 #include "platform/text/layout/NSTextTab.h"
@@ -25,6 +26,7 @@ void registerTextClasses() {
                                                   &NSParagraphStyle::kClass,
                                                   &NSMutableParagraphStyle::kClass,
                                                   &NSTextTab::kClass,
+                                                  &NSTextAttachment::kClass,
                                                   &NSAttributedString::kClass,
                                                   &NSMutableAttributedString::kClass,
                                                   &NSTextStorage::kClass,

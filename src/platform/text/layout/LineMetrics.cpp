@@ -38,6 +38,13 @@ LineMetrics lineMetrics(const ResolvedFont& font, const TextStyle& style, FontLe
   return m;
 }
 
+LineMetrics attachmentMetrics(const NSRect& bounds) {
+  LineMetrics m;
+  m.ascent = std::max(0.0, roundHalfUp(NSMaxY(bounds)));
+  m.descent = std::max(0.0, roundHalfUp(-NSMinY(bounds)));
+  return m;
+}
+
 double baselineRise(const TextStyle& style) {
   const double superscript = style.superscript == 0 ? 0 : style.superscript * style.font->xHeight();
   return layoutLength(style.baselineOffset + superscript);

@@ -20,5 +20,8 @@ struct LineMetrics {
 /// and baselines whole points.
 LineMetrics lineMetrics(const ResolvedFont& font, const TextStyle& style, FontLeading leading);
 
+/// Of a picture that stands at the baseline, `bounds` from there, y up.
+LineMetrics attachmentMetrics(const NSRect& bounds);
+
 /// Distance of a style's baseline above the line's, points.
 double baselineRise(const TextStyle& style);

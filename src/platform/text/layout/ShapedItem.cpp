@@ -74,6 +74,10 @@ std::u16string inCapitals(std::u16string_view text) {
 
 void measureUnits(ShapedItem& shaped) {
   shaped.advances.assign(shaped.item.length, 0);
+  if (shaped.item.kind == ItemKind::attachment) {
+    const double width = shaped.item.style->attachmentBounds.size.width;
+    shaped.advances[0] = shaped.width = width + shaped.item.style->kern.value_or(0);
+  }
   for (const ItemGlyph& g : shaped.glyphs) shaped.advances[g.cluster] += g.advance;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/text/fonts/NSFont.h"
 #include "platform/text/layout/NSParagraphStyle.h"
 
+class EncodedBitmap;
 class NSColor;
 class NSShadow;
 
@@ -31,6 +32,10 @@ struct TextStyle {
   double expansion = 0;       ///< natural logarithm of the horizontal scale
   /// Embeddings and overrides that the run is in, the outermost first.
   std::vector<TextEmbedding> embeddings;
+  /// A picture in the place of the run's attachment characters, null for none, and where it goes
+  /// from the baseline, y up.
+  std::shared_ptr<const EncodedBitmap> attachment;
+  NSRect attachmentBounds;
   double strokeWidth = 0;  ///< percent of the size; above 0: no fill, below: fill and stroke
   int32_t underline = 0;   ///< style bits, see LineStyle.h
   int32_t strikethrough = 0;

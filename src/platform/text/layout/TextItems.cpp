@@ -218,6 +218,9 @@ void TextItemizer::addCluster(Paragraph& paragraph, size_t start, size_t end) {
   item.length = end - start;
   item.style = &text_.styles[text_.runs[paragraph.run].style];
   item.kind = kindOf(cluster[0]);
+  if (cluster[0] == kObjectReplacement && item.style->attachment != nullptr) {
+    item.kind = ItemKind::attachment;
+  }
   item.level = paragraph.levels.empty() ? uint8_t{0} : paragraph.levels[start];
   item.script = paragraph.script = scriptOf(paragraph, cluster);
   if (isIdeographic(item.script)) item.language = paragraph.ideographLanguage;

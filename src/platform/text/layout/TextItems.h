@@ -13,7 +13,8 @@ enum class ItemKind : uint8_t {
   text,           ///< shaped and drawn
   tab,            ///< a tab character
   lineSeparator,  ///< ends the line but not the paragraph
-  invisible,      ///< control characters and attachments: no width, not drawn
+  attachment,     ///< a picture
+  invisible,      ///< control characters and attachments without a picture: no width, not drawn
 };
 
 /// A stretch of a paragraph of one style, face, script and direction.

@@ -143,6 +143,9 @@ LineMetrics Typesetter::metricsOf(const FittedLine& line) const {
   LineMetrics metrics;
   for (const ShapedItem& shaped : line.items) {
     metrics.include(lineMetrics(*shaped.item.font, *shaped.item.style, area_.leading));
+    if (shaped.item.kind == ItemKind::attachment) {
+      metrics.include(attachmentMetrics(shaped.item.style->attachmentBounds));
+    }
   }
   if (line.items.empty()) {
     const TextStyle& style = styled_.styleAt(line.start);

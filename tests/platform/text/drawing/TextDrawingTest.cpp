@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <span>
 
+#include "platform/foundation/values/NSData.h"
 #include "platform/foundation/values/NSNumber.h"
 #include "platform/graphics/bitmap/ImageFiles.h"
 #include "platform/graphics/color/NSColor.h"
@@ -13,7 +14,9 @@
 #include "platform/text/drawing/TextDrawing.h"
 #include "platform/text/host/NSAttributedString.h"
 #include "platform/text/host/NSLayoutManager.h"
+#include "platform/text/host/NSTextAttachment.h"
 #include "platform/text/host/NSTextStorage.h"
+#include "platform/text/host/TextAttributes.h"
 #include "support/Bitmaps.h"
 
 // Letters are boxes: at a size of 20, from 1 to 9 of an advance of 10 and 14 high on a baseline 16
@@ -255,6 +258,39 @@ TEST_F(TextDrawingTest, AStringIsDrawnFromItsTopLeftCorner) {
   EXPECT_EQ(pixelAt(*bitmap, 18, 45), kBlack);
   EXPECT_EQ(pixelAt(*bitmap, 10, 40), kNone);
   EXPECT_EQ(pixelAt(*bitmap, 12, 31), kNone);
+}
+
+// A picture of 4 by 8, red over green: in its own size, and 12 wide, from 2 below the baseline to
+// 20 above it.
+TEST_F(TextDrawingTest, AttachmentsArePicturesAmongTheLetters) {
+  const auto picture = NSBitmapImageRep::create(4, 8);
+  for (int64_t y = 0; y < 8; ++y) {
+    uint8_t* row = picture->writableRows(y, y + 1);
+    for (int64_t x = 0; x < 4; ++x) std::copy_n((y < 4 ? kRed : kGreen).data(), 4, row + 4 * x);
+  }
+  const auto styled = [](const std::vector<uint8_t>& file, const NSRect& bounds) {
+    const auto contents = NSData::dataWithBytes(file);
+    auto attributes = std::make_shared<NSMutableDictionary>();
+    attributes->setObject(std::make_shared<NSFont>(kBoxFont, 20), NSFontAttributeName);
+    attributes->setObject(std::make_shared<NSTextAttachment>(contents, bounds),
+                          NSAttachmentAttributeName);
+    return textStyle(attributes.get());
+  };
+  const std::vector<uint8_t> file = encodePNG(*picture);
+  const Picture p({{u"a", boxStyle(20)},
+                   {u"\ufffc", styled(file, NSZeroRect)},
+                   {u"\ufffc", styled(file, {{0, -2}, {12, 22}})},
+                   {u"a", boxStyle(20)}});
+  // The line's baseline is 20 below its top.
+  EXPECT_EQ(p.at(1, 19), kBlack);
+  EXPECT_EQ(p.at(10, 12), kRed) << "upright";
+  EXPECT_EQ(p.at(13, 19), kGreen);
+  EXPECT_EQ(p.at(10, 11), kNone);
+  EXPECT_EQ(p.at(13, 20), kNone);
+  EXPECT_EQ(p.at(14, 0), kRed);
+  EXPECT_EQ(p.at(25, 21), kGreen);
+  EXPECT_EQ(p.at(27, 19), kBlack) << "the letter behind";
+  EXPECT_EQ(styled({1, 2}, NSZeroRect).attachment, nullptr);
 }
 
 // Glyphs of real fonts, and coloured ones. The packages that these come with are installed with
