@@ -36,11 +36,11 @@ class Sheet:
         self.next += 1
         return x, y
 
-    def shape(self, class_name="DrawRectangle", inset=22, width=2, **attributes):
+    def shape(self, class_name="DrawRectangle", inset=22, width=2, dash=(), **attributes):
         x, y = self.cell()
         box = (x + inset, y + inset, CELL - 2 * inset, CELL - 2 * inset)
         make = self.doc.oval if class_name == "DrawEllipse" else self.doc.rectangle
-        self.doc.add(class_name, outline=make(*box, line_width=width), **attributes)
+        self.doc.add(class_name, outline=make(*box, line_width=width, dash=dash), **attributes)
 
     def line(self, class_name, points, width=2, dash=(), cap=0, **attributes):
         x, y = self.cell()
@@ -94,6 +94,45 @@ def gradients():
     sheet.shape(inset=20, stroke_gradient=(ramp, {"radial": True, "center": (0.5, 0.5)}), width=14)
     sheet.line("DrawLine", [("M", 10, 20), ("L", 90, 80)], width=10, dash=(20, 10), stroke_gradient=(ramp, {"degree": 0}))
     sheet.line("DrawLine", [("M", 10, 20), ("L", 90, 80)], width=6, stroke_gradient=(ramp, {"degree": 0}), ArrowStyle=2)
+    return doc
+
+
+def strokes():
+    """Shown four times as large, so that each pixel is seen: dashed gradients, translucent arrows, and strokes
+    without smoothing."""
+    sheet = Sheet(6, 5)
+    doc = sheet.doc
+    curve = [("M", 15, 30), ("C", 35, 110, 65, -30, 85, 70)]
+    pale = doc.gradient([((1, 1, 0.4), 0), (WHITE, 1)])
+    ramp = doc.gradient([(RED, 0), ((1, 0.9, 0.3), 0.5), (BLUE, 1)])
+    fading = doc.gradient([(RED, 0), ((0.9, 0.2, 0.15, 0), 1)])
+    sheet.shape(inset=16, stroke_gradient=(ramp, {"degree": 45}), width=8, dash=(16, 10))
+    sheet.shape("DrawEllipse", inset=16, stroke_gradient=(ramp, {"radial": True}), width=6, dash=(12, 6))
+    sheet.line("DrawCurve", curve, width=1, dash=(5, 3), stroke_gradient=(ramp, {"degree": 0}))
+    sheet.line("DrawCurve", curve, width=2, dash=(8, 4), stroke_gradient=(ramp, {"degree": 0}))
+    sheet.shape(inset=16, stroke_gradient=(fading, {"degree": 90}), width=8, dash=(16, 10))
+    sheet.shape(inset=16, stroke_gradient=(pale, {"degree": 0}), width=8, dash=(16, 10))
+    for width, alpha, style in ((2, 0.3, 2), (5, 0.6, 2), (9, 0.9, 1), (14, 0.5, 2)):
+        sheet.line("DrawLine", [("M", 12, 22), ("L", 88, 78)], width=width, stroke=RED + (alpha,), ArrowStyle=style)
+    sheet.line("DrawCurve", curve, width=6, stroke=RED + (0.5,), ArrowStyle=2)
+    sheet.line("DrawLine", [("M", 12, 22), ("L", 88, 78)], width=7, stroke=RED + (0.5,), ArrowStyle=2, smooth=False)
+    for style in (1, 2):
+        sheet.line("DrawLine", [("M", 15, 60), ("L", 85, 88)], width=5, stroke=BLUE + (0.6,), ArrowStyle=style,
+                   reflection=(0.7, 4))
+        sheet.line("DrawCurve", curve, width=5, stroke=BLUE + (0.6,), ArrowStyle=style, shadow=doc.shadow(6, -6, 4))
+        sheet.line("DrawLine", [("M", 15, 25), ("L", 85, 75)], width=5, dash=(9, 5), ArrowStyle=style,
+                   stroke_gradient=(ramp, {"degree": 0}))
+    for width in (1, 2, 3, 6):
+        sheet.shape("DrawEllipse", inset=18, stroke=DARK, width=width, smooth=False)
+    for width in (2, 5):
+        sheet.line("DrawCurve", curve, width=width, stroke=DARK, smooth=False)
+    for width in (1, 2, 5):
+        sheet.line("DrawLine", [("M", 12, 22), ("L", 88, 78)], width=width, stroke_gradient=(ramp, {"degree": 0}),
+                   smooth=False)
+    sheet.shape(inset=16, stroke_gradient=(ramp, {"degree": 45}), width=6, smooth=False)
+    sheet.shape("DrawEllipse", inset=16, stroke_gradient=(ramp, {"degree": 45}), width=4, dash=(12, 6), smooth=False)
+    sheet.line("DrawLine", [("M", 12, 22), ("L", 88, 78)], width=4, stroke_gradient=(ramp, {"degree": 0}), ArrowStyle=2,
+               smooth=False)
     return doc
 
 
@@ -250,7 +289,8 @@ def curved_text():
     return doc
 
 
-SHEETS = {"text": text, "scripts": scripts, "stand_ins": stand_ins, "curved_text": curved_text, "shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines}
+SHEETS = {"text": text, "scripts": scripts, "stand_ins": stand_ins, "curved_text": curved_text, "shadows": shadows, "gradients": gradients, "reflections": reflections, "lines": lines,
+          "strokes": strokes}
 
 
 LABEL = ('<text x="{}" y="{}" font-family="DejaVu Sans" font-size="13" text-anchor="middle" '
@@ -293,14 +333,16 @@ def filters(folder, programs):
     labelled(folder, programs, "filters", labels)
 
 
-def labelled(folder, programs, name, labels):
-    """The engine draws the document; the labels (x, y upwards, text) are laid over its picture."""
+def labelled(folder, programs, name, labels, magnified=1):
+    """The engine draws the document; the labels (x, y upwards, text) are laid over its picture, whose pixels are
+    repeated when it is magnified."""
     document = os.path.join(folder, name + ".paintdoc")
     picture = subprocess.run([os.path.join(programs, "paintdoc"), "render", "--format", "png", document, "-"],
                              check=True, capture_output=True).stdout
     width, height = (int.from_bytes(picture[at:at + 4], "big") for at in (16, 20))
     svg = [f'<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" '
-           f'width="{width}" height="{height}"><image width="{width}" height="{height}" '
+           f'width="{width * magnified}" height="{height * magnified}" viewBox="0 0 {width} {height}">'
+           f'<image width="{width}" height="{height}" style="image-rendering: optimizeSpeed" '
            f'xlink:href="data:image/png;base64,{base64.b64encode(picture).decode()}"/>']
     svg += [LABEL.format(x, height - float(y), text) for x, y, text in labels]
     subprocess.run(["rsvg-convert", "-o", os.path.join(folder, name + ".png")],
@@ -314,8 +356,11 @@ def main(folder, programs=None):
         with open(path + ".paintdoc", "wb") as out:
             out.write(make().to_bytes())
         if programs:
-            subprocess.run([os.path.join(programs, "paintdoc"), "render", path + ".paintdoc", path + ".png"],
-                           check=True)
+            if name == "strokes":
+                labelled(folder, programs, name, [], magnified=4)
+            else:
+                subprocess.run([os.path.join(programs, "paintdoc"), "render", path + ".paintdoc", path + ".png"],
+                               check=True)
     if programs:
         preset_shapes(folder, programs)
         filters(folder, programs)

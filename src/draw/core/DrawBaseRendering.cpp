@@ -235,19 +235,23 @@ CGFloat signedArea(const NSBezierPath& path) {
   return twice / 2;
 }
 
-void fillHeads(const ZTArrowPathInfo* info) {
-  for (const NSBezierPath* head : heads(info)) head->fill();
-}
-
-/// Adds the heads to an outline of the line. Turning the same way as the outline, a head adds to it
-/// where they overlap.
+/// Adds the heads to an outline of the line, or to nothing. Turning the same way as what there is,
+/// a head adds to it where they overlap.
 void appendTurnedHeads(NSBezierPath& outline, const ZTArrowPathInfo* info) {
-  const bool outlineTurnsLeft = signedArea(outline) > 0;
   for (const NSBezierPath* head : heads(info)) {
+    const bool outlineTurnsLeft = signedArea(outline) > 0;
     const bool turnsLeft = signedArea(*head) > 0;
     outline.appendBezierPath(turnsLeft == outlineTurnsLeft ? *head
                                                            : *head->bezierPathByReversingPath());
   }
+}
+
+/// In one piece: the heads of a short line meet at their bases.
+void fillHeads(const ZTArrowPathInfo* info) {
+  if (info == nullptr) return;
+  const auto path = NSBezierPath::bezierPath();
+  appendTurnedHeads(*path, info);
+  if (!path->isEmpty()) path->fill();
 }
 
 /// Where stroking the path paints at most. Its outline has neither the miters nor the caps that

@@ -386,6 +386,17 @@ TEST(DrawBaseRendering, TranslucentArrowsAreOnePicture) {
   }
 }
 
+TEST(DrawBaseRendering, HeadsOfAShortLineMeetWithoutASeam) {
+  const auto arrow = line({20, 31}, {80, 75}, 14, NSColor::blackColor());
+  arrow->setArrowStyle(2);
+  const Canvas canvas = Canvas().draw(*arrow);
+  // Across the line, at its middle, where both bases are.
+  for (int i = -15; i <= 15; ++i) {
+    const int x = 50 - i * 44 / 75, y = 53 + i * 60 / 75;
+    EXPECT_EQ(canvas.at(x, y)[3], 255) << x << " " << y;
+  }
+}
+
 TEST(DrawBaseRendering, ArrowsReplaceTheEndOfTheLine) {
   auto arrow = line({10, 50}, {90, 50}, 4, NSColor::redColor());
   arrow->setArrowStyle(1);
