@@ -52,6 +52,17 @@ std::shared_ptr<NSBitmapImageRep> EncodedBitmap::bitmap(bool* isTooLarge) const 
   return nullptr;
 }
 
+const char* EncodedBitmap::formatName() const {
+  if (files_.empty()) return "";
+  const NSData* shown = files_.front().get();
+  for (size_t i = 0; files_.size() > 1 && i < files_.size(); ++i) {
+    if (decodedBitmap(files_[i], nullptr) == nullptr) continue;
+    shown = files_[i].get();
+    break;
+  }
+  return nameOf(imageFormatOf(shown->bytes()));
+}
+
 bool EncodedBitmap::initWithCoder(NSCoder& coder) {
   files_ = pictureFiles(coder);
   return !files_.empty();

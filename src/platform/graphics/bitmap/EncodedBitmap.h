@@ -29,6 +29,10 @@ class EncodedBitmap : public NSObject {
   /// then takes whether one of the files is too large. Throws std::bad_alloc.
   std::shared_ptr<NSBitmapImageRep> bitmap(bool* isTooLarge = nullptr) const;
 
+  /// Format of the file that bitmap() shows, or of the first that none can read; empty when its
+  /// start is that of no format.
+  const char* formatName() const;
+
   const NSClass& classInfo() const override { return NSBitmapImageRep::kClass; }
   /// The record holds the bitmap as a TIFF file, or as any other picture; false when it holds none.
   bool initWithCoder(NSCoder& coder) override;

@@ -41,10 +41,10 @@ const PictureCodec* webpCodec() {
 }
 
 std::vector<uint8_t> encode(const PictureCodec* codec, const NSBitmapImageRep& bitmap,
-                            double quality) {
+                            double quality, double dotsPerInch) {
   if (codec == nullptr || bitmap.pixelsWide() == 0 || bitmap.pixelsHigh() == 0) return {};
   const PictureSource source{bitmap.pixelsWide(), bitmap.pixelsHigh(), bitmap.bitmapData(),
-                             bitmap.hasAlpha()};
+                             bitmap.hasAlpha(), dotsPerInch};
   std::vector<uint8_t> file;
   if (!codec->encode(source, quality, file)) throw std::bad_alloc();
   return file;
@@ -61,6 +61,22 @@ ImageFormat imageFormatOf(std::span<const uint8_t> file) {
   }
   if (startsWith(file, "RIFF"sv) && startsWith(file, "WEBP"sv, 8)) return ImageFormat::webp;
   return ImageFormat::unknown;
+}
+
+const char* nameOf(ImageFormat format) {
+  switch (format) {
+    case ImageFormat::png:
+      return "PNG";
+    case ImageFormat::jpeg:
+      return "JPEG";
+    case ImageFormat::tiff:
+      return "TIFF";
+    case ImageFormat::webp:
+      return "WebP";
+    case ImageFormat::unknown:
+      break;
+  }
+  return "";
 }
 
 std::shared_ptr<NSBitmapImageRep> decodeImage(std::span<const uint8_t> file, bool* isTooLarge) {
@@ -92,14 +108,15 @@ std::vector<uint8_t> encodePNG(const NSBitmapImageRep& bitmap, const PNGOptions&
   return writePNG(bitmap.pixels(), options);
 }
 
-std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap) {
-  return encode(tiffCodec(), bitmap, 1);
+std::vector<uint8_t> encodeTIFF(const NSBitmapImageRep& bitmap, double dotsPerInch) {
+  return encode(tiffCodec(), bitmap, 1, dotsPerInch);
 }
 
-std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality) {
-  return encode(jpegCodec(), bitmap, quality);
+std::vector<uint8_t> encodeJPEG(const NSBitmapImageRep& bitmap, double quality,
+                                double dotsPerInch) {
+  return encode(jpegCodec(), bitmap, quality, dotsPerInch);
 }
 
 std::vector<uint8_t> encodeWebP(const NSBitmapImageRep& bitmap, double quality) {
-  return encode(webpCodec(), bitmap, quality);
+  return encode(webpCodec(), bitmap, quality, 0);
 }

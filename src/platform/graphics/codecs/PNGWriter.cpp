@@ -2,6 +2,7 @@
 
 #include <png.h>
 
+#include <cmath>
 #include <csetjmp>
 #include <new>
 
@@ -45,6 +46,7 @@ class Writer {
   static void onWarning(png_structp, png_const_charp) {}
   static void append(png_structp png, png_bytep bytes, size_t count);
   void writeHeader();
+  void writeDensity();
   void writeRow(int64_t y);
 
   const PixelBuffer& pixels_;
@@ -67,12 +69,21 @@ void Writer::append(png_structp png, png_bytep bytes, size_t count) {
   if (!appended) png_error(png, "out of memory");
 }
 
+void Writer::writeDensity() {
+  constexpr double kInchesPerMetre = 1 / 0.0254;
+  const double dotsPerMetre = std::round(options_.dotsPerInch * kInchesPerMetre);
+  if (!(dotsPerMetre >= 1 && dotsPerMetre <= PNG_UINT_31_MAX)) return;
+  const auto density = static_cast<png_uint_32>(dotsPerMetre);
+  png_set_pHYs(png_, info_, density, density, PNG_RESOLUTION_METER);
+}
+
 void Writer::writeHeader() {
   png_set_IHDR(png_, info_, static_cast<png_uint_32>(pixels_.width()),
                static_cast<png_uint_32>(pixels_.height()), 8,
                opaque_ ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_sRGB(png_, info_, PNG_sRGB_INTENT_PERCEPTUAL);
+  writeDensity();
   for (const PNGText& entry : options_.texts) {
     png_text text{};
     text.compression = PNG_TEXT_COMPRESSION_NONE;

@@ -26,6 +26,7 @@ struct PNGOptions {
   PNGEffort effort = PNGEffort::fast;
   std::vector<PNGText> texts;
   PNGAlpha alpha = PNGAlpha::whenNeeded;
+  double dotsPerInch = 0;  ///< how large it is meant to be; 0 when nobody says
 };
 
 /// The pixels as a PNG file in memory: 8 bits, sRGB, straight alpha. Empty when a side is zero.

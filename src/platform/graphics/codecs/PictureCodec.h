@@ -63,6 +63,7 @@ struct PictureSource {
   int64_t height = 0;
   const uint8_t* pixels = nullptr;
   bool hasAlpha = true;
+  double dotsPerInch = 0;  ///< 0 when nobody says; formats without a place for it leave it out
 };
 
 /// One file format. All functions may be called from any thread.

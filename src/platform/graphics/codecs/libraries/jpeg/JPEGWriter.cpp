@@ -14,6 +14,7 @@
 namespace {
 
 constexpr double kFullColourQuality = 0.9;
+constexpr UINT8 kDotsPerInch = 1;  // JFIF's units of density
 
 /// As for reading: nothing that owns something is a local variable of what calls the library.
 class JPEGWriter {
@@ -54,6 +55,11 @@ void JPEGWriter::setUp(const PictureSource& picture, double quality) {
   encoder_.input_components = 4;
   encoder_.in_color_space = JCS_EXT_RGBX;
   jpeg_set_defaults(&encoder_);
+  const double density = std::round(picture.dotsPerInch);
+  if (density >= 1 && density <= UINT16_MAX) {
+    encoder_.density_unit = kDotsPerInch;
+    encoder_.X_density = encoder_.Y_density = static_cast<UINT16>(density);
+  }
   jpeg_set_quality(&encoder_, static_cast<int>(std::lround(quality * 100)), TRUE);
   if (quality >= kFullColourQuality) {
     encoder_.comp_info[0].h_samp_factor = 1;

@@ -10,6 +10,9 @@ namespace {
 /// Bytes that the library may take at once: more than any row has.
 constexpr int64_t kLargestBlock = int64_t{1} << 30;
 
+/// What a fraction of two 32-bit numbers holds with all of its places.
+constexpr double kMostDotsPerInch = 1e6;
+
 void describe(TIFF* tiff, const PictureSource& picture) {
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(picture.width));
   TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(picture.height));
@@ -21,6 +24,11 @@ void describe(TIFF* tiff, const PictureSource& picture) {
   if (picture.hasAlpha) {
     const uint16_t kind = EXTRASAMPLE_ASSOCALPHA;
     TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
+  }
+  if (picture.dotsPerInch >= 1 && picture.dotsPerInch <= kMostDotsPerInch) {
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, picture.dotsPerInch);
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, picture.dotsPerInch);
   }
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
   TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
