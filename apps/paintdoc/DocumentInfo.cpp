@@ -1,6 +1,7 @@
 #include "paintdoc/DocumentInfo.h"
 
 #include <cstdio>
+#include <ctime>
 #include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -36,9 +37,87 @@ std::string colorText(const NSColor& color) {
                    color.blueComponent(), color.alphaComponent());
 }
 
-void appendDraw(std::string& out, PaintManager& document, DrawBase& draw, size_t depth) {
-  const NSRect b = draw.pathBounds();
-  out += std::string(depth * 2, ' ') + std::string(draw.className());
+/// What a draw covers: of a group, what the visible draws in it paint.
+NSRect boundsOf(const DrawBase& draw) {
+  return dynamic_cast<const DrawGroup*>(&draw) != nullptr ? draw.drawRect() : draw.pathBounds();
+}
+
+/// UTC; empty for what no calendar shows.
+std::string dateText(double secondsSince1970) {
+  constexpr double kEndOfYear9999 = 253402300800;
+  if (!(secondsSince1970 >= 0 && secondsSince1970 < kEndOfYear9999)) return {};
+  const auto seconds = static_cast<std::time_t>(secondsSince1970);
+  std::tm date{};
+  char text[32];
+  if (gmtime_r(&seconds, &date) == nullptr) return {};
+  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &date)};
+}
+
+void appendFile(std::string& out, const PaintDataFacts& file) {
+  const std::string date = dateText(file.savedDate.value_or(-1));
+  if (!date.empty()) out += "saved " + date + "\n";
+  std::string writer;
+  if (!file.application.empty()) writer += " \"" + printable(file.application) + "\"";
+  if (!file.shortVersion.empty()) writer += " version " + printable(file.shortVersion);
+  if (!file.buildVersion.empty()) writer += " build " + printable(file.buildVersion);
+  if (!file.bundleIdentifier.empty()) writer += " (" + printable(file.bundleIdentifier) + ")";
+  if (!writer.empty()) out += "application" + writer + "\n";
+}
+
+Json jsonText(const std::string& text) {
+  return text.empty() ? Json() : Json(text);
+}
+
+Json fileJson(const PaintDataFacts& file) {
+  return {{"name", jsonText(file.application)},
+          {"identifier", jsonText(file.bundleIdentifier)},
+          {"version", jsonText(file.shortVersion)},
+          {"build", jsonText(file.buildVersion)}};
+}
+
+void appendPicture(std::string& out, const DrawBase& draw, const PictureFacts& facts) {
+  out += std::string(" ") + draw.pictureKind();
+  if (*facts.format != '\0') out += std::string(" ") + facts.format;
+  if (facts.size.width > 0) out += formatted(" %g x %g", facts.size.width, facts.size.height);
+  if (facts.failure != PictureFailure::none) {
+    out += std::string(" left out: ") + describe(facts.failure);
+  }
+}
+
+/// The start of a text, in one line.
+std::string beginningOf(const std::string& text) {
+  constexpr size_t kShownBytes = 60;
+  if (text.size() <= kShownBytes) return printable(text);
+  size_t end = kShownBytes;
+  while (end > 0 && (static_cast<uint8_t>(text[end]) & 0xC0) == 0x80) --end;  // inside a character
+  return printable(text.substr(0, end)) + "...";
+}
+
+void appendFont(std::string& out, const UsedFont& font) {
+  out += "font \"" + printable(font.wanted) + "\"";
+  for (const double size : font.sizes) out += formatted(" %g", size);
+  out += " drawn with";
+  for (const std::string& face : font.faces) out += " " + printable(face);
+  if (!font.isDrawn()) out += " none";
+}
+
+void appendText(std::string& out, const ShownText& text) {
+  out += " text \"" + beginningOf(text.string) + "\"";
+  for (const UsedFont& font : text.fonts) appendFont(out += ", ", font);
+}
+
+/// The draws of a list are counted from 1, the lowest; those in a group after its number.
+std::string numberOf(const std::string& list, size_t index) {
+  return (list.empty() ? "" : list + ".") + std::to_string(index + 1);
+}
+
+void appendDraws(std::string& out, PaintManager& document, const DrawArray& draws,
+                 const std::string& number, size_t depth);
+
+void appendDraw(std::string& out, PaintManager& document, DrawBase& draw, const std::string& number,
+                size_t depth) {
+  const NSRect b = boundsOf(draw);
+  out += std::string(depth * 2, ' ') + number + " " + std::string(draw.className());
   if (const std::string title = draw.title(); !title.empty()) {
     out += " \"" + printable(title) + "\"";
   }
@@ -49,21 +128,19 @@ void appendDraw(std::string& out, PaintManager& document, DrawBase& draw, size_t
   if (draw.opacity() != 100) out += " opacity " + std::to_string(draw.opacity()) + "%";
   for (const char* flag : flagsOf(draw)) out += std::string(" ") + flag;
   if (&draw == document.backgroundDraw().get()) out += " background";
-  const PictureFailure failure = document.pictureFailure(draw);
-  if (failure != PictureFailure::none) {
-    out += std::string(" ") + draw.pictureKind() + " left out: " + describe(failure);
-  }
+  if (*draw.pictureKind() != '\0') appendPicture(out, draw, document.pictureFacts(draw));
+  if (const auto text = shownText(draw)) appendText(out, *text);
   out += '\n';
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
-    for (const auto& sub : group->draws()) appendDraw(out, document, *sub, depth + 1);
+    appendDraws(out, document, group->draws(), number, depth + 1);
   }
 }
 
-/// Of draws that show an embedded picture.
-Json pictureJson(PaintManager& document, DrawBase& draw) {
-  const PictureFailure failure = document.pictureFailure(draw);
-  const bool isDrawn = failure == PictureFailure::none;
-  return {{"kind", draw.pictureKind()}, {"leftOut", isDrawn ? Json() : Json(describe(failure))}};
+void appendDraws(std::string& out, PaintManager& document, const DrawArray& draws,
+                 const std::string& number, size_t depth) {
+  for (size_t i = 0; i < draws.size(); ++i) {
+    appendDraw(out, document, *draws[i], numberOf(number, i), depth);
+  }
 }
 
 Json flagsJson(PaintManager& document, DrawBase& draw) {
@@ -78,32 +155,43 @@ Json jsonNumbers(std::initializer_list<double> numbers) {
   return list;
 }
 
-void appendFont(std::string& out, const UsedFont& font) {
-  out += "font \"" + printable(font.wanted) + "\" drawn with";
-  for (const std::string& face : font.faces) out += " " + printable(face);
-  out += font.isDrawn() ? "\n" : " none\n";
+/// Of draws that show an embedded picture.
+Json pictureJson(PaintManager& document, DrawBase& draw) {
+  const PictureFacts facts = document.pictureFacts(draw);
+  const bool isDrawn = facts.failure == PictureFailure::none;
+  const bool isRead = facts.size.width > 0;
+  return {{"kind", draw.pictureKind()},
+          {"format", jsonText(facts.format)},
+          {"size", isRead ? jsonNumbers({facts.size.width, facts.size.height}) : Json()},
+          {"leftOut", isDrawn ? Json() : Json(describe(facts.failure))}};
 }
 
-Json drawsJson(PaintManager& document, const DrawArray& draws);
+Json drawsJson(PaintManager& document, const DrawArray& draws, const std::string& number = {});
 
-Json drawJson(PaintManager& document, DrawBase& draw) {
-  const NSRect b = draw.pathBounds();
-  Json json = {{"class", draw.className()},
+Json drawJson(PaintManager& document, DrawBase& draw, const std::string& number) {
+  const NSRect b = boundsOf(draw);
+  Json json = {{"number", number},
+               {"class", draw.className()},
                {"name", draw.title()},
                {"bounds", jsonNumbers({b.origin.x, b.origin.y, b.size.width, b.size.height})},
                {"rotation", jsonNumber(static_cast<double>(draw.rotateDegree()))},
                {"opacity", draw.opacity()},
                {"flags", flagsJson(document, draw)}};
   if (*draw.pictureKind() != '\0') json["picture"] = pictureJson(document, draw);
+  if (const auto text = shownText(draw)) {
+    json["text"] = {{"string", text->string}, {"fonts", jsonOf(text->fonts)}};
+  }
   if (const auto* group = dynamic_cast<const DrawGroup*>(&draw)) {
-    json["draws"] = drawsJson(document, group->draws());
+    json["draws"] = drawsJson(document, group->draws(), number);
   }
   return json;
 }
 
-Json drawsJson(PaintManager& document, const DrawArray& draws) {
+Json drawsJson(PaintManager& document, const DrawArray& draws, const std::string& number) {
   Json list = Json::array();
-  for (const auto& draw : draws) list.push_back(drawJson(document, *draw));
+  for (size_t i = 0; i < draws.size(); ++i) {
+    list.push_back(drawJson(document, *draws[i], numberOf(number, i)));
+  }
   return list;
 }
 
@@ -117,15 +205,19 @@ Json colorJson(const NSColor& color) {
 std::string infoText(const DocumentFacts& facts) {
   PaintManager& document = facts.document;
   std::string out = formatted("canvas %g x %g\n", document.size().width, document.size().height);
-  out += "version " + std::to_string(facts.version) + "\n";
+  out += "version " + std::to_string(facts.file.version) + "\n";
   if (facts.resolution != 0) out += formatted("resolution %g\n", facts.resolution);
+  appendFile(out, facts.file);
   if (const auto& color = document.backgroundColor()) {
     out += "background color " + colorText(*color) + "\n";
   }
   if (document.maskBackground()) out += "masked with background\n";
-  for (const UsedFont& font : usedFonts(document)) appendFont(out, font);
+  for (const UsedFont& font : usedFonts(document)) {
+    appendFont(out, font);
+    out += '\n';
+  }
   out += "draws " + std::to_string(document.allDraws().size()) + "\n";
-  for (const auto& draw : document.allDraws()) appendDraw(out, document, *draw, 1);
+  appendDraws(out, document, document.allDraws(), {}, 1);
   return out;
 }
 
@@ -133,8 +225,10 @@ std::string infoJson(const DocumentFacts& facts) {
   PaintManager& document = facts.document;
   const auto& color = document.backgroundColor();
   return textOf({{"canvas", jsonNumbers({document.size().width, document.size().height})},
-                 {"version", facts.version},
+                 {"version", facts.file.version},
                  {"resolution", facts.resolution != 0 ? jsonNumber(facts.resolution) : Json()},
+                 {"saved", jsonText(dateText(facts.file.savedDate.value_or(-1)))},
+                 {"application", fileJson(facts.file)},
                  {"backgroundColor", color ? colorJson(*color) : Json()},
                  {"maskBackground", document.maskBackground()},
                  {"fonts", jsonOf(usedFonts(document))},

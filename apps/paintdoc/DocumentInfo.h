@@ -7,7 +7,7 @@
 /// What `paintdoc info` tells of a document. The resolution is 0 when the file holds none.
 struct DocumentFacts {
   PaintManager& document;  ///< its pictures are read and drawn
-  int64_t version = 0;
+  PaintDataFacts file;
   double resolution = 0;
 };
 

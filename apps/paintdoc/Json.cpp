@@ -20,8 +20,11 @@ Json jsonOf(const std::vector<LeftOutPicture>& pictures) {
 
 Json jsonOf(const std::vector<UsedFont>& fonts) {
   Json list = Json::array();
-  for (const UsedFont& font : fonts)
-    list.push_back({{"wanted", font.wanted}, {"faces", font.faces}});
+  for (const UsedFont& font : fonts) {
+    Json sizes = Json::array();
+    for (const double size : font.sizes) sizes.push_back(jsonNumber(size));
+    list.push_back({{"wanted", font.wanted}, {"faces", font.faces}, {"sizes", sizes}});
+  }
   return list;
 }
 

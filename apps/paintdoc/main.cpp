@@ -22,8 +22,9 @@ ExitStatus showInfo(const std::string& input, SVGEngine svg, bool json) {
   const LoadedDocument loaded = loadDocument(data, error);
   if (loaded.document == nullptr) return fail(kProgram, input, loaded.status, loaded.reason);
   loaded.document->setSVGEngine(svg);
-  const int64_t version = PaintManager::versionOfPaintData(data).value_or(0);
-  const DocumentFacts facts{*loaded.document, version, loaded.resolution};
+  const DocumentFacts facts{*loaded.document,
+                            PaintManager::factsOfPaintData(data).value_or(PaintDataFacts()),
+                            loaded.resolution};
   return writeText(kProgram, json ? infoJson(facts) : infoText(facts));
 }
 

@@ -44,6 +44,17 @@ enum PaintDataError : int64_t {
   kPaintDataCanvasTooLarge = 3,
 };
 
+/// What a file says of itself, empty where it says nothing or something of another kind. Anybody
+/// can write anything there.
+struct PaintDataFacts {
+  int64_t version = 0;              ///< of the format; 0 when it does not say
+  std::optional<double> savedDate;  ///< seconds since 1970-01-01 00:00 UTC
+  std::string application;
+  std::string bundleIdentifier;
+  std::string shortVersion;  ///< of the application, for people
+  std::string buildVersion;
+};
+
 /// Which of the two bitmaps of a document are stale.
 enum ImageRefreshControl : int64_t {
   kImagesCurrent = 0,
@@ -79,9 +90,8 @@ class PAINT_API PaintManager : public NSObject {
   // ---- The file.
   /// Whether the data is an archive that holds a document (of any version).
   static bool detectPaintData(const std::shared_ptr<const NSData>& data);
-  /// The format version that the file says it was written by, 0 when it does not say; nothing
-  /// when it is no document.
-  static std::optional<int64_t> versionOfPaintData(const std::shared_ptr<const NSData>& data);
+  /// What the file says of itself; nothing when it is no document (of any version).
+  static std::optional<PaintDataFacts> factsOfPaintData(const std::shared_ptr<const NSData>& data);
   /// The document in a file's data, or null. `resolution` and `error` may be null; a resolution
   /// that the file does not hold, or holds as 0, is left untouched.
   static std::shared_ptr<PaintManager> paintMgrWithPaintData(
@@ -218,6 +228,8 @@ class PAINT_API PaintManager : public NSObject {
   /// Why the picture of a draw of this document cannot be drawn; none when it can, and for draws
   /// without one. Reads and draws it.
   PictureFailure pictureFailure(DrawBase& draw);
+  /// The same, and what the picture is.
+  PictureFacts pictureFacts(DrawBase& draw);
   /// Who draws SVG pictures that have not been drawn yet; the system's renderer by default.
   void setSVGEngine(SVGEngine engine) { pictures_.setEngine(engine); }
   /// What each picture, and all of a composition, may take.

@@ -31,6 +31,10 @@ constexpr const char* kVersion = "Version";
 constexpr const char* kCannvasSize = "CannvasSize";
 constexpr const char* kObjectsCount = "ObjectsCount";
 constexpr const char* kSavedDate = "SavedDate";
+constexpr const char* kAppName = "AppName";
+constexpr const char* kBundleIdentifier = "BundleIdentifier";
+constexpr const char* kAppShortVersion = "AppShortVersion";
+constexpr const char* kAppVersion = "AppVersion";
 
 constexpr const char* kBackingScale = "BackingScale";
 constexpr const char* kCanvasSize = "CanvasSize";
@@ -94,13 +98,33 @@ bool PaintManager::detectPaintData(const std::shared_ptr<const NSData>& data) {
   }
 }
 
-std::optional<int64_t> PaintManager::versionOfPaintData(const std::shared_ptr<const NSData>& data) {
+std::optional<PaintDataFacts> PaintManager::factsOfPaintData(
+    const std::shared_ptr<const NSData>& data) {
   if (!detectPaintData(data)) return std::nullopt;
-  try {
-    return NSKeyedUnarchiver(data).decodeIntegerForKey(kVersion);
-  } catch (const NSException&) {
-    return std::nullopt;
+  PaintDataFacts facts;
+  NSKeyedUnarchiver archive(data);
+  const auto read = [](const auto& decode) {
+    try {
+      decode();
+    } catch (const NSException&) {
+      // One fact of the wrong kind says nothing about the others.
+    }
+  };
+  read([&] { facts.version = archive.decodeIntegerForKey(kVersion); });
+  read([&] {
+    if (archive.containsValueForKey(kSavedDate)) {
+      facts.savedDate = archive.decodeDoubleForKey(kSavedDate);
+    }
+  });
+  const std::pair<const char*, std::string*> texts[] = {
+      {kAppName, &facts.application},
+      {kBundleIdentifier, &facts.bundleIdentifier},
+      {kAppShortVersion, &facts.shortVersion},
+      {kAppVersion, &facts.buildVersion}};
+  for (const auto& [key, text] : texts) {
+    read([&] { *text = archive.decodeStringForKey(key).value_or(""); });
   }
+  return facts;
 }
 
 std::shared_ptr<PaintManager> PaintManager::paintMgrWithPaintData(
@@ -143,10 +167,10 @@ std::shared_ptr<NSMutableData> PaintManager::paintDataWithResolution(double reso
   archiver.encodeInteger(static_cast<int64_t>(aryDraw_.size()), kObjectsCount);
   archiver.encodeDouble(secondsSince1970(), kSavedDate);
   constexpr std::pair<const char*, const char*> kBundleFacts[] = {
-      {"AppName", "CFBundleName"},
-      {"BundleIdentifier", "CFBundleIdentifier"},
-      {"AppShortVersion", "CFBundleShortVersionString"},
-      {"AppVersion", "CFBundleVersion"}};
+      {kAppName, "CFBundleName"},
+      {kBundleIdentifier, "CFBundleIdentifier"},
+      {kAppShortVersion, "CFBundleShortVersionString"},
+      {kAppVersion, "CFBundleVersion"}};
   for (const auto& [key, fact] : kBundleFacts) {
     archiver.encodeObject(mainBundleObjectForInfoDictionaryKey(fact), key);
   }

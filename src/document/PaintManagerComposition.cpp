@@ -84,6 +84,11 @@ PictureFailure PaintManager::pictureFailure(DrawBase& draw) {
   return draw.pictureFailure();
 }
 
+PictureFacts PaintManager::pictureFacts(DrawBase& draw) {
+  const PictureSessionScope session(pictures_);
+  return draw.pictureFacts();
+}
+
 std::shared_ptr<const NSBitmapImageRep> PaintManager::backgroundMask() const {
   return drawBackground_ != nullptr && bMaskWithBackground_ ? drawBackground_->image() : nullptr;
 }

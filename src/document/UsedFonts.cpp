@@ -1,5 +1,6 @@
 #include "document/UsedFonts.h"
 
+#include <cmath>
 #include <functional>
 #include <map>
 
@@ -26,25 +27,47 @@ void visitTexts(const DrawArray& draws, const VisitText& visit) {
   }
 }
 
+using FontsByName = std::map<std::string, UsedFont>;
+
+void addFonts(FontsByName& fonts, const NSAttributedString& text) {
+  const TextLayout layout = text.unlimitedLayout();
+  for (const PlacedRun& run : layout.runs) {
+    UsedFont& font = fonts[run.style->font->fontName()];
+    const double size = run.style->font->pointSize();
+    if (std::isfinite(size)) font.sizes.insert(size);
+    if (!run.font->faceName.empty()) font.faces.insert(run.font->faceName);
+  }
+}
+
+std::vector<UsedFont> listed(FontsByName byName) {
+  std::vector<UsedFont> fonts;
+  fonts.reserve(byName.size());
+  for (auto& [name, font] : byName) {
+    font.wanted = name;
+    fonts.push_back(std::move(font));
+  }
+  return fonts;
+}
+
 }  // namespace
 
 std::vector<UsedFont> usedFonts(const PaintManager& document) {
-  std::map<std::string, std::set<std::string>> byName;
-  visitTexts(document.allDraws(), [&](const NSAttributedString& text) {
-    const TextLayout layout = text.unlimitedLayout();
-    for (const PlacedRun& run : layout.runs) {
-      std::set<std::string>& faces = byName[run.style->font->fontName()];
-      if (!run.font->faceName.empty()) faces.insert(run.font->faceName);
-    }
-  });
-  std::vector<UsedFont> fonts;
-  fonts.reserve(byName.size());
-  for (auto& [name, faces] : byName) fonts.push_back({name, std::move(faces)});
-  return fonts;
+  FontsByName fonts;
+  visitTexts(document.allDraws(), [&](const NSAttributedString& text) { addFonts(fonts, text); });
+  return listed(std::move(fonts));
+}
+
+std::optional<ShownText> shownText(const DrawBase& draw) {
+  const auto* text = dynamic_cast<const DrawText*>(&draw);
+  if (text == nullptr) return std::nullopt;
+  FontsByName fonts;
+  addFonts(fonts, *text->textStorage());
+  return ShownText{text->textStorage()->string(), listed(std::move(fonts))};
 }
 
 bool lacksAllFonts(const PaintManager& document) {
   bool hasText = false;
   visitTexts(document.allDraws(), [&](const NSAttributedString&) { hasText = true; });
-  return hasText && FontRegistry::shared()->resolve(NSFont::defaultFont()->fontName(), 0)->face == nullptr;
+  return hasText &&
+         FontRegistry::shared()->resolve(NSFont::defaultFont()->fontName(), 0)->face == nullptr;
 }

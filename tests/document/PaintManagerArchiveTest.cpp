@@ -82,9 +82,9 @@ TEST(PaintManagerArchive, Detection) {
   EXPECT_TRUE(PaintManager::detectPaintData(madeDocumentData("inner is no archive")));
   EXPECT_FALSE(PaintManager::detectPaintData(madeDocumentData("no paint data")));
   EXPECT_FALSE(PaintManager::detectPaintData(nullptr));
-  EXPECT_EQ(PaintManager::versionOfPaintData(madeDocumentData("version 23")), 23);
-  EXPECT_EQ(PaintManager::versionOfPaintData(madeDocumentData("no version")), 0);
-  EXPECT_EQ(PaintManager::versionOfPaintData(madeDocumentData("no paint data")), std::nullopt);
+  EXPECT_EQ(PaintManager::factsOfPaintData(madeDocumentData("version 23"))->version, 23);
+  EXPECT_EQ(PaintManager::factsOfPaintData(madeDocumentData("no version"))->version, 0);
+  EXPECT_FALSE(PaintManager::factsOfPaintData(madeDocumentData("no paint data")));
 }
 
 TEST(PaintManagerArchive, CanvasSizeIsTruncatedText) {

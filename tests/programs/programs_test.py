@@ -17,6 +17,10 @@ import tempfile
 import time
 import unittest
 
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+
+from paint_document import PaintDocument
+from picture_documents import png
 from program_support import adopt_orphans, children, png_texts, read, read_png, run, wait_until
 
 BIN, DOCUMENTS, EXAMPLES, DATA = (os.path.abspath(path) for path in sys.argv[1:5])
@@ -33,6 +37,19 @@ ERASE = b"\r\x1b[K"
 
 def document(name):
     return os.path.join(DOCUMENTS, name + ".paintdoc")
+
+
+# Rectangles on a canvas of 40 x 20: x, y from below, width, height, colour. The last two are a group.
+LEFT, RIGHT, TOP = (2, 0, 18, 18, (255, 0, 0)), (24, 4, 8, 8, (0, 0, 255)), (30, 10, 4, 4, (0, 255, 0))
+
+
+def layers(**facts):
+    doc = PaintDocument(40, 20)
+    rectangle = lambda x, y, w, h, rgb, **more: doc.draw(
+        "DrawRectangle", outline=doc.rectangle(x, y, w, h), fill=[c / 255 for c in rgb], **more)
+    doc.draws = [rectangle(*LEFT, title="left"), rectangle(0, 0, 40, 20, (9, 9, 9), title="off", visible=False), doc.group(
+        [rectangle(*RIGHT, title="blue"), rectangle(0, 0, 40, 20, (9, 9, 9), visible=False), rectangle(*TOP)])]
+    return doc.to_bytes(**facts)
 
 
 def shown_on(terminal):
@@ -471,7 +488,7 @@ class Programs(unittest.TestCase):
         self.assertEqual(info["fonts"], checked["fonts"])
         fonts = {font["wanted"]: font["faces"] for font in info["fonts"]}
         self.assertIn("NotoColorEmoji", fonts["HelveticaNeue"])
-        self.assertIn(f'font "HelveticaNeue" drawn with {" ".join(fonts["HelveticaNeue"])}\n'.encode(),
+        self.assertIn(f'font "HelveticaNeue" 22 drawn with {" ".join(fonts["HelveticaNeue"])}\n'.encode(),
                       run(PAINTDOC, "info", path).stdout)
 
     def test_info(self):
@@ -487,7 +504,35 @@ class Programs(unittest.TestCase):
         nested = json.loads(run(PAINTDOC, "info", "--json", document("nested groups")).stdout)
         self.assertEqual(nested["draws"][1]["draws"][1]["draws"][0]["name"], "deep")
         text = run(PAINTDOC, "info", document("nested groups")).stdout.decode()
-        self.assertIn('\n      DrawImage "deep" bounds 0 0 8 8\n', text)
+        self.assertIn('\n      2.2.1 DrawImage "deep" bounds 0 0 8 8 bitmap\n', text)
+
+    def test_info_of_the_writer(self):
+        path = self.write("a", layers(SavedDate=1e18, AppName="\x1b[31mA", BundleIdentifier=7, AppVersion=None))
+        info = json.loads(run(PAINTDOC, "info", "--json", path).stdout)
+        self.assertEqual(info["saved"], None)
+        self.assertEqual(info["application"], {"name": "\x1b[31mA", "identifier": None, "version": "1.0", "build": None})
+        text = run(PAINTDOC, "info", path).stdout
+        self.assertIn(b'\napplication "?[31mA" version 1.0\n', text)
+        self.assertNotIn(b"saved", text)
+        self.assertIn(b'\n  3 DrawGroup bounds 24 4 10 10\n    3.1 DrawRectangle "blue" bounds 24 4 8 8\n', text)
+        self.assertIn(b"\nsaved 2023-11-14T22:13:20Z\n", run(PAINTDOC, "info", self.write("b", layers())).stdout)
+
+    def test_info_of_texts_and_pictures(self):
+        doc, long = PaintDocument(64, 64), "Zwölf\x1b\n" + "ä" * 99
+        style = doc.style("Nowhere-Bold", 12.5)
+        doc.add("DrawText", outline=doc.rectangle(0, 0, 64, 64), Text=doc.text((long, style), ("b", doc.style("Nowhere-Bold", 8))))
+        doc.add("DrawImage2", outline=doc.rectangle(0, 0, 9, 9), ImageData=doc.archive.mutable_data(png([(1, 2, 3)] * 15, 5)))
+        doc.add("DrawSVG", outline=doc.rectangle(0, 0, 9, 9), SVGData=doc.archive.mutable_data(SVG_ARC.replace(b"3 0 0", b"2 0 0")))
+        path = self.write("a", doc.to_bytes())
+        text, bitmap, svg = json.loads(run(PAINTDOC, "info", "--json", path).stdout)["draws"]
+        font, = text["text"]["fonts"]
+        self.assertEqual((text["text"]["string"], font["wanted"], font["sizes"]), (long + "b", "Nowhere-Bold", [8, 12.5]))
+        self.assertNotIn("Nowhere-Bold", font["faces"])
+        self.assertEqual(bitmap["picture"], {"kind": "bitmap", "format": "PNG", "size": [5, 3], "leftOut": None})
+        self.assertEqual(svg["picture"], {"kind": "SVG picture", "format": "SVG", "size": [9, 9], "leftOut": None})
+        lines = run(PAINTDOC, "info", path).stdout.decode().splitlines()
+        self.assertIn('text "Zwölf??%s...", font "Nowhere-Bold" 8 12.5 drawn with %s' % ("ä" * 26, " ".join(font["faces"])), lines[-3])
+        self.assertTrue(lines[-2].endswith(" bitmap PNG 5 x 3"), lines[-2])
 
     @unittest.skipUnless(shutil.which("update-mime-database") and shutil.which("gio"),
                          "shared-mime-info or gio is not installed")

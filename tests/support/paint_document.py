@@ -205,5 +205,6 @@ class PaintDocument:
                   "AppName": outer.add("Example"), "BundleIdentifier": outer.add("org.example.paint"),
                   "AppShortVersion": outer.add("1.0"), "AppVersion": outer.add("100")}
         fields.update(outer_fields)
-        outer.top = {key: value for key, value in fields.items() if value is not None}
+        outer.top = {key: outer.add(value) if isinstance(value, str) else value
+                     for key, value in fields.items() if value is not None}
         return outer.to_bytes()

@@ -29,6 +29,13 @@ enum class ResizeLineWidth : uint8_t { no, yes };
 /// Whether a draw that has a drop shadow casts it.
 enum class CastShadow : uint8_t { no, yes };
 
+/// The embedded picture that a draw shows, if any.
+struct PictureFacts {
+  PictureFailure failure = PictureFailure::none;
+  const char* format = "";  ///< "PNG", "SVG" and so on; empty where it is not known
+  NSSize size{};  ///< its own: pixels of a bitmap, else units; zero where it cannot be read
+};
+
 /// Root of every draw (one drawing object on the canvas): its outline path, the attributes all
 /// kinds of draws share, their archived record, and the rendering pipeline.
 ///
@@ -68,6 +75,8 @@ class PAINT_API DrawBase : public NSObject {
   /// Why the embedded picture that this draw shows cannot be drawn; none when it can, and for draws
   /// without one. Reads and draws the picture. Throws std::bad_alloc.
   virtual PictureFailure pictureFailure() { return PictureFailure::none; }
+  /// The same, and what the picture is.
+  virtual PictureFacts pictureFacts() { return {}; }
   /// What that picture is, in words; empty for draws that show none.
   virtual const char* pictureKind() const { return ""; }
 

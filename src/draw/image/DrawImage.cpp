@@ -59,6 +59,12 @@ PictureFailure DrawImage::pictureFailure() {
   return isTooLarge ? PictureFailure::tooLarge : PictureFailure::unreadable;
 }
 
+PictureFacts DrawImage::pictureFacts() {
+  const auto bitmap = image();  // held, so that it is decoded once
+  return {pictureFailure(), encoded_ == nullptr ? "" : encoded_->formatName(),
+          bitmap == nullptr ? NSZeroSize : bitmap->size()};
+}
+
 std::shared_ptr<DrawImage2> DrawImage::convertedDraw() const {
   auto draw = std::make_shared<DrawImage2>();
   draw->init();

@@ -30,6 +30,7 @@ class DrawImage : public DrawRectangle {
   void _draw(CastShadow cast) override;
 
   PictureFailure pictureFailure() override;
+  PictureFacts pictureFacts() override;
   const char* pictureKind() const override { return "bitmap"; }
 
   bool initWithCoder(NSCoder& coder) override;

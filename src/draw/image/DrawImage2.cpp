@@ -78,6 +78,12 @@ PictureFailure DrawImage2::pictureFailure() {
   return imageForDrawing() != nullptr ? PictureFailure::none : failure_;
 }
 
+PictureFacts DrawImage2::pictureFacts() {
+  const auto bitmap = image();  // held, so that it is decoded once
+  return {pictureFailure(), encoded_ == nullptr ? "" : encoded_->formatName(),
+          bitmap == nullptr ? NSZeroSize : bitmap->size()};
+}
+
 void DrawImage2::setImage(std::shared_ptr<NSBitmapImageRep> image) {
   _image = std::move(image);
   madeImage_.reset();

@@ -57,6 +57,7 @@ class DrawImage2 : public DrawRoundRectangle {
   void _draw(CastShadow cast) override;
 
   PictureFailure pictureFailure() override;
+  PictureFacts pictureFacts() override;
   const char* pictureKind() const override { return "bitmap"; }
   /// Notes that an archive held a bitmap that could not be read.
   void setImageUnreadable() { failure_ = PictureFailure::unreadable; }

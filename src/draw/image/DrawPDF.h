@@ -13,6 +13,7 @@ class DrawPDF : public DrawImage2 {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   bool shouldEncodeImage() const override { return false; }
+  PictureFacts pictureFacts() override { return {pictureFailure(), "PDF", originalPDFSize()}; }
   const char* pictureKind() const override { return "PDF page"; }
 
   /// Null when the data is no PDF document that can be read, or one without pages.

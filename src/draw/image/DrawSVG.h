@@ -11,6 +11,7 @@ class DrawSVG : public DrawImage2 {
   static const NSClass kClass;
   const NSClass& classInfo() const override { return kClass; }
   bool shouldEncodeImage() const override { return false; }
+  PictureFacts pictureFacts() override { return {pictureFailure(), "SVG", originalSVGSize()}; }
   const char* pictureKind() const override { return "SVG picture"; }
 
   /// Null unless the data is an SVG text that can be drawn and is at least one unit wide and high.
