@@ -89,6 +89,13 @@ CLI::Validator oneOf(const std::vector<std::string>& words) {
   return {check, listed(words)};
 }
 
+CLI::Option* takesAny(CLI::Option* option) {
+  constexpr int kAny = CLI::detail::expected_max_vector_size;
+  return option->expected(kAny, kAny)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
 void addVersionOption(CLI::App& app) {
   app.set_version_flag("-V,--version", app.get_name() + " " + PAINT_VERSION, "Print the version");
 }

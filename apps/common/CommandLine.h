@@ -10,6 +10,7 @@
 
 namespace CLI {
 class App;
+class Option;
 class Validator;
 }  // namespace CLI
 
@@ -19,6 +20,10 @@ CLI::Validator wholeNumber(int64_t least, int64_t most, const std::string& hint 
 
 /// The values of an option: one of these words.
 CLI::Validator oneOf(const std::vector<std::string>& words);
+
+/// For arguments of any number; answers the option. What the library does for lists would split a
+/// name such as [a,b].
+CLI::Option* takesAny(CLI::Option* option);
 
 /// Adds -V and --version, which show the name of the program and PAINT_VERSION.
 void addVersionOption(CLI::App& app);

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <memory>
 
+#include "paintdoc/PictureEdits.h"
 #include "platform/graphics/bitmap/ImageFiles.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
 #include "platform/graphics/color/NSColor.h"
-#include "platform/graphics/context/NSGraphicsContext.h"
 
 namespace {
 
@@ -22,16 +21,10 @@ constexpr Ending kEndings[] = {
     {"webp", PictureFormat::webp}, {"tiff", PictureFormat::tiff}, {"tif", PictureFormat::tiff},
 };
 
-std::vector<uint8_t> encodeOverWhite(const NSBitmapImageRep& bitmap, double quality) {
-  std::shared_ptr<NSBitmapImageRep> flat;
-  if (!InitImageRep(bitmap.size(), &flat)) return {};
-  {
-    const ZTFocusScope focus(flat);
-    NSColor::whiteColor()->set();
-    NSRectFill({NSZeroPoint, bitmap.size()});
-    drawInRect(bitmap, {NSZeroPoint, bitmap.size()});
-  }
-  return encodeJPEG(*flat, quality);
+std::vector<uint8_t> encodeOverWhite(const NSBitmapImageRep& bitmap, double quality,
+                                     double dotsPerInch) {
+  const auto flat = bitmapOver(bitmap, *NSColor::whiteColor());
+  return flat == nullptr ? std::vector<uint8_t>() : encodeJPEG(*flat, quality, dotsPerInch);
 }
 
 }  // namespace
@@ -65,16 +58,16 @@ const char* nameOf(PictureFormat format) {
 }
 
 std::vector<uint8_t> encodePicture(const NSBitmapImageRep& bitmap, PictureFormat format,
-                                   double quality) {
+                                   double quality, double dotsPerInch) {
   switch (format) {
     case PictureFormat::jpeg:
-      return encodeOverWhite(bitmap, quality);
+      return encodeOverWhite(bitmap, quality, dotsPerInch);
     case PictureFormat::webp:
       return encodeWebP(bitmap, quality);
     case PictureFormat::tiff:
-      return encodeTIFF(bitmap);
+      return encodeTIFF(bitmap, dotsPerInch);
     case PictureFormat::png:
       break;
   }
-  return encodePNG(bitmap);
+  return encodePNG(bitmap, {.texts = {}, .dotsPerInch = dotsPerInch});
 }

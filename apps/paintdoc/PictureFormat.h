@@ -22,7 +22,7 @@ std::vector<std::string> knownPictureFormats();
 const char* nameOf(PictureFormat format);
 
 /// The bitmap as a file of the format. JPEG, which has no alpha, shows it over white. `quality`
-/// from 0 to 1 counts for JPEG and WebP, whose 1 is lossless. Empty when the format cannot hold the
-/// size or there is no memory.
+/// from 0 to 1 counts for JPEG and WebP, whose 1 is lossless. All but WebP say the density, unless
+/// it is 0. Empty when the format cannot hold the size or there is no memory.
 std::vector<uint8_t> encodePicture(const NSBitmapImageRep& bitmap, PictureFormat format,
-                                   double quality);
+                                   double quality, double dotsPerInch);

@@ -10,7 +10,9 @@
 #include "common/Documents.h"
 #include "common/LeftOutPictures.h"
 #include "extension/ThumbnailProvider.h"
+#include "paintdoc/ChosenDraws.h"
 #include "paintdoc/Json.h"
+#include "paintdoc/PictureEdits.h"
 #include "paintdoc/Progress.h"
 #include "platform/foundation/Limits.h"
 #include "platform/graphics/bitmap/NSBitmapImageRep.h"
@@ -30,16 +32,25 @@ struct Renderable {
   /// The picture no larger than `side` in either direction, in full size when that is 0. Null
   /// when that is too large, empty when a long picture has no pixel left in its short direction.
   std::function<Bitmap(int64_t side)> draw{};
+  /// The same of a part, at the scale. Null when that is too large.
+  std::function<Bitmap(const PictureLayout& layout)> compose{};
   /// The document that is drawn, if it is one.
   std::shared_ptr<PaintManager> document{};
+  /// Units an inch, 0 when nothing says.
+  double resolution = 0;
   /// What the drawing left out.
   std::function<std::vector<LeftOutPicture>()> leftOut = [] {
     return std::vector<LeftOutPicture>();
   };
 };
 
-Renderable documentToRender(const LoadedDocument& loaded, const std::string& name) {
+Renderable documentToRender(const LoadedDocument& loaded, const std::string& name,
+                            const std::vector<std::string>& draws) {
   if (loaded.document == nullptr) return {.status = loaded.status, .reason = loaded.reason};
+  if (!draws.empty()) {
+    const std::string missing = showOnly(*loaded.document, draws);
+    if (!missing.empty()) return {kExitUsage, "there is no draw \"" + printable(missing) + "\""};
+  }
   const NSSize size = loaded.document->size();
   if (size.width < 1 || size.height < 1) return {.status = kExitNothingToDraw, .size = size};
   const auto progress = std::make_shared<Progress>();
@@ -60,8 +71,18 @@ Renderable documentToRender(const LoadedDocument& loaded, const std::string& nam
     if (side == 0 || composed == nullptr) return composed;
     return ThumbnailProvider::replyForImage(composed, size, {length, length})->drawnBitmap();
   };
+  const auto compose = [document = loaded.document, progress](const PictureLayout& layout) {
+    auto composed = document->composedImage(layout.part, layout.scale);
+    progress->clear();
+    return composed;
+  };
   const auto leftOut = [document = loaded.document] { return document->leftOutPictures(); };
-  return {kExitSuccess, {}, size, draw, loaded.document, leftOut};
+  return {.size = size,
+          .draw = draw,
+          .compose = compose,
+          .document = loaded.document,
+          .resolution = densityOr0(loaded.resolution),
+          .leftOut = leftOut};
 }
 
 /// The size of the picture's own aspect ratio that fits into a square. Vectors are enlarged too.
@@ -86,16 +107,42 @@ Renderable svgToRender(const std::shared_ptr<NSData>& data, SVGEngine wanted) {
     const NSSize size = side == 0 ? own : fitted(own, side);
     return ZTSVGTool::imageWithSVGData(data.get(), size, true, svg);
   };
-  return {.size = own, .draw = draw};
+  const auto compose = [data, own, svg](const PictureLayout& layout) -> Bitmap {
+    const NSSize size{std::ceil(own.width * layout.scale), std::ceil(own.height * layout.scale)};
+    if (size.width * size.height > limits::kMaxCanvasPixels) return nullptr;
+    const auto whole = ZTSVGTool::imageWithSVGData(data.get(), size, true, svg);
+    if (whole == nullptr) return nullptr;
+    const int64_t x = std::llround(layout.part.origin.x * layout.scale);
+    const int64_t y = std::llround((own.height - NSMaxY(layout.part)) * layout.scale);
+    return croppedBitmap(*whole, x, y,
+                         {std::min(layout.pixels.width, whole->pixelsWide() - x),
+                          std::min(layout.pixels.height, whole->pixelsHigh() - y)});
+  };
+  return {.size = own, .draw = draw, .compose = compose};
 }
 
-Renderable thingToRender(const std::string& input, SVGEngine svg) {
+Renderable thingToRender(const RenderRequest& request) {
   std::error_code error;
-  const auto data = readInput(input, &error);
-  if (data != nullptr && ZTSVGTool::isSVGFormatData(data.get())) return svgToRender(data, svg);
+  const auto data = readInput(request.input, &error);
+  if (data != nullptr && ZTSVGTool::isSVGFormatData(data.get())) {
+    if (!request.draws.empty()) return {kExitUsage, "an SVG picture has no draws"};
+    return svgToRender(data, request.svg);
+  }
   const LoadedDocument loaded = loadDocument(data, error);
-  if (loaded.document != nullptr) loaded.document->setSVGEngine(svg);
-  return documentToRender(loaded, input);
+  if (loaded.document != nullptr) loaded.document->setSVGEngine(request.svg);
+  return documentToRender(loaded, request.input, request.draws);
+}
+
+/// For names of files; "-" has none.
+std::string nameWithoutEnding(const std::string& path) {
+  const std::string file = path.substr(path.rfind('/') + 1);
+  const size_t dot = file.rfind('.');
+  return file == "-" ? "picture" : file.substr(0, dot == 0 ? file.npos : dot);
+}
+
+bool isTooLarge(PictureBox size) {
+  constexpr int64_t kMost = limits::kMaxCanvasPixels;
+  return size.width > kMost || size.height > kMost || size.width * size.height > kMost;
 }
 
 struct WrittenPicture {
@@ -110,16 +157,23 @@ class PictureRun {
   explicit PictureRun(const RenderRequest& request)
       : request_(request),
         sides_(request.sizes.empty() ? std::vector<int64_t>{0} : request.sizes),
-        source_(thingToRender(request.input, request.svg)) {}
+        source_(thingToRender(request)) {}
 
   ExitStatus run();
 
  private:
-  std::string pathFor(int64_t side) const {
-    return pathForSize(request_.output, side == 0 ? fullSide() : side, sides_.size());
-  }
-  /// The larger side of the full size, in pixels; 0 when nothing is so large, or so small.
-  int64_t fullSide() const;
+  std::string pathFor(int64_t side) const;
+  /// What "%s" stands for.
+  std::string sizeText(int64_t side) const;
+  /// Whether a size, or none, is all that is asked for: documents are then reduced only, and with
+  /// the filter of thumbnails.
+  bool isPlain(int64_t side) const;
+  PictureLayout layoutFor(int64_t side) const;
+  /// Composed, but not edited; null when it is too large.
+  Bitmap drawn(int64_t side);
+  Bitmap edited(Bitmap bitmap) const;
+  /// Pixels an inch of a picture before it is trimmed; 0 when nothing says.
+  double densityOf(const NSBitmapImageRep& bitmap, int64_t side) const;
   ExitStatus writeSize(int64_t side);
   PictureFormat format() const;
   ExitStatus failed(ExitStatus status, const std::string& reason = {}) const {
@@ -136,9 +190,63 @@ class PictureRun {
   std::vector<WrittenPicture> written_;
 };
 
-int64_t PictureRun::fullSide() const {
-  const double side = std::max(source_.size.width, source_.size.height);
-  return side >= 1 && side <= limits::kMaxCanvasPixels ? static_cast<int64_t>(side) : 0;
+bool PictureRun::isPlain(int64_t side) const {
+  const PictureWish& wish = request_.wish;
+  const bool isLarger =
+      static_cast<double>(side) > std::max(source_.size.width, source_.size.height);
+  const bool enlarges = wish.enlarges && isLarger && source_.document != nullptr;
+  return wish.scale == 0 && wish.dotsPerInch == 0 && !wish.box && !wish.part && !enlarges;
+}
+
+PictureLayout PictureRun::layoutFor(int64_t side) const {
+  PictureWish wish = request_.wish;
+  if (side != 0) wish.box = PictureBox{side, side};
+  if (source_.document == nullptr) wish.enlarges = true;  // vectors are sharp in any size
+  return layoutOf(wish, source_.size, source_.resolution);
+}
+
+std::string PictureRun::sizeText(int64_t side) const {
+  if (side != 0) return std::to_string(side);
+  if (const auto& box = request_.wish.box) {
+    return std::to_string(box->width) + "x" + std::to_string(box->height);
+  }
+  if (source_.status != kExitSuccess) return "0";
+  const PictureBox full = layoutFor(0).result();
+  return std::to_string(std::max(full.width, full.height));
+}
+
+std::string PictureRun::pathFor(int64_t side) const {
+  return pathForSize(request_.output, {sizeText(side), nameWithoutEnding(request_.input)},
+                     sides_.size());
+}
+
+Bitmap PictureRun::drawn(int64_t side) {
+  if (isPlain(side)) return source_.draw(side);
+  const PictureLayout layout = layoutFor(side);
+  if (isTooLarge(layout.pixels) || isTooLarge(layout.result())) return nullptr;
+  auto composed = source_.compose(layout);
+  if (composed == nullptr || !layout.stretched) return composed;
+  return resizedBitmap(*composed, *layout.stretched);
+}
+
+Bitmap PictureRun::edited(Bitmap bitmap) const {
+  if (request_.trims) bitmap = trimmedBitmap(*bitmap);
+  const bool isEmpty = bitmap == nullptr || bitmap->pixelsWide() < 1 || bitmap->pixelsHigh() < 1;
+  return isEmpty || request_.background == nullptr ? bitmap
+                                                   : bitmapOver(*bitmap, *request_.background);
+}
+
+double PictureRun::densityOf(const NSBitmapImageRep& bitmap, int64_t side) const {
+  const PictureWish& wish = request_.wish;
+  if (wish.dotsPerInch > 0) return wish.dotsPerInch;
+  if (!isPlain(side)) {
+    const PictureLayout layout = layoutFor(side);
+    return layout.stretched ? 0 : source_.resolution * layout.scale;
+  }
+  const double scale = static_cast<double>(bitmap.pixelsWide()) / source_.size.width;
+  const double height = source_.size.height * scale;
+  const bool isStretched = std::abs(static_cast<double>(bitmap.pixelsHigh()) - height) > 1;
+  return isStretched ? 0 : source_.resolution * scale;
 }
 
 PictureFormat PictureRun::format() const {
@@ -154,6 +262,7 @@ ExitStatus PictureRun::run() {
     if (!mistake.empty()) return fail(kProgram, path, kExitUsage, mistake);
   }
   if (source_.status != kExitSuccess) return failed(source_.status, source_.reason);
+  if (layoutFor(0).isEmpty()) return failed(kExitUsage, "the part lies outside of the canvas");
   for (const int64_t side : sides_) {
     if (const ExitStatus status = writeSize(side); status != kExitSuccess) return status;
   }
@@ -171,14 +280,17 @@ void PictureRun::tellLeftOut() const {
 }
 
 ExitStatus PictureRun::writeSize(int64_t side) {
-  const Bitmap bitmap = source_.draw(side);
+  Bitmap bitmap = drawn(side);
+  const double density = bitmap == nullptr ? 0 : densityOf(*bitmap, side);
+  if (bitmap != nullptr) bitmap = edited(std::move(bitmap));
   if (bitmap == nullptr) {
     const bool tooLarge = source_.size.width * source_.size.height > limits::kMaxCanvasPixels;
-    return tooLarge && side == 0 ? failed(kExitCanvasTooLarge)
-                                 : failed(kExitLimitReached, "too large a picture");
+    return tooLarge && side == 0 && isPlain(side)
+               ? failed(kExitCanvasTooLarge)
+               : failed(kExitLimitReached, "too large a picture");
   }
   if (bitmap->pixelsWide() < 1 || bitmap->pixelsHigh() < 1) return failed(kExitNothingToDraw);
-  const std::vector<uint8_t> bytes = encodePicture(*bitmap, format(), request_.quality);
+  const std::vector<uint8_t> bytes = encodePicture(*bitmap, format(), request_.quality, density);
   const std::string path = pathFor(side);
   if (bytes.empty()) {
     return fail(kProgram, path, kExitOutputFailed,
@@ -210,21 +322,25 @@ ExitStatus PictureRun::writeReport() const {
 
 }  // namespace
 
-std::string pathForSize(const std::string& output, int64_t size, size_t sizeCount) {
-  const std::string number = std::to_string(size);
-  std::string path = output;
-  size_t place = path.find("%s");
-  if (place != std::string::npos) {
-    for (; place != std::string::npos; place = path.find("%s", place)) {
-      path.replace(place, 2, number);
+std::string pathForSize(const std::string& output, const OutputNames& names, size_t sizeCount) {
+  std::string path;
+  bool hasSize = false;
+  for (size_t i = 0; i < output.size(); ++i) {
+    const std::string mark = output.substr(i, 2);
+    const bool isSize = mark == "%s";
+    if (isSize || mark == "%n") {
+      path += isSize ? names.size : names.input;
+      hasSize = hasSize || isSize;
+      ++i;
+    } else {
+      path += output[i];
     }
-    return path;
   }
-  if (sizeCount < 2) return path;
+  if (hasSize || sizeCount < 2) return path;
   const size_t name = path.rfind('/') + 1;
   const size_t dot = path.rfind('.');
   const bool hasEnding = dot != std::string::npos && dot > name;
-  return path.insert(hasEnding ? dot : path.size(), "-" + number);
+  return path.insert(hasEnding ? dot : path.size(), "-" + names.size);
 }
 
 ExitStatus render(const RenderRequest& request) {

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "common/ExitStatus.h"
 #include "paintdoc/PictureFormat.h"
+#include "paintdoc/PictureLayout.h"
 #include "platform/pictures/PictureSession.h"
+
+class NSColor;
 
 /// What `paintdoc render` is asked for.
 struct RenderRequest {
@@ -21,15 +25,28 @@ struct RenderRequest {
   /// What the end of the output's name says, or PNG for standard output, when there is none.
   std::optional<PictureFormat> format;
   double quality = 0.9;
+  /// For what `sizes` does not say: with it, neither scale, nor density, nor box.
+  PictureWish wish;
+  /// What draws to paint alone, by numbers and titles; none for all.
+  std::vector<std::string> draws;
+  /// What the picture is shown over; null for nothing.
+  std::shared_ptr<const NSColor> background;
+  /// Cut off the transparent edges.
+  bool trims = false;
   SVGEngine svg = SVGEngine::system;
   /// Tell on standard output what was written, as JSON.
   bool report = false;
 };
 
-/// The output path for one of the sizes: "%s" stands for the size, wherever it is; without it, and
-/// when there are several sizes, "-SIZE" is put before the ending. Different sizes of one request
-/// have different paths.
-std::string pathForSize(const std::string& output, int64_t size, size_t sizeCount);
+/// What stands for "%s" and "%n" in the name of an output.
+struct OutputNames {
+  std::string size;
+  std::string input;
+};
+
+/// The output path for one of several sizes: where "%s" is missing, and there are several, "-SIZE"
+/// is put before the ending. Different sizes of one request have different paths.
+std::string pathForSize(const std::string& output, const OutputNames& names, size_t sizeCount);
 
 /// Renders and writes everything that is asked for. Ends with the first failure, which is told on
 /// one line of standard error.

@@ -1,7 +1,5 @@
 // paintdoc: look into a document, render it, check it.
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <charconv>
 #include <new>
 
 #include "common/CommandLine.h"
@@ -9,12 +7,12 @@
 #include "common/ResourceLimits.h"
 #include "paintdoc/Checking.h"
 #include "paintdoc/DocumentInfo.h"
+#include "paintdoc/RenderOptions.h"
 #include "paintdoc/Rendering.h"
 
 namespace {
 
 constexpr const char* kProgram = "paintdoc";
-constexpr int64_t kLargestSize = 16384;
 
 ExitStatus showInfo(const std::string& input, SVGEngine svg, bool json) {
   std::error_code error;
@@ -26,22 +24,6 @@ ExitStatus showInfo(const std::string& input, SVGEngine svg, bool json) {
                             PaintManager::factsOfPaintData(data).value_or(PaintDataFacts()),
                             loaded.resolution};
   return writeText(kProgram, json ? infoJson(facts) : infoText(facts));
-}
-
-std::string mistakeInQuality(const std::string& text) {
-  double quality = -1;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, quality);
-  const bool isRight = error == std::errc() && stop == end && quality >= 0 && quality <= 1;
-  return isRight ? "" : "\"" + text + "\" is not a number from 0 to 1";
-}
-
-/// For arguments of any number. What CLI11 does for vectors would split a name such as [a,b].
-CLI::Option* takesAny(CLI::Option* option) {
-  constexpr int kAny = CLI::detail::expected_max_vector_size;
-  return option->expected(kAny, kAny)
-      ->allow_extra_args(false)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 /// The command line.
@@ -56,7 +38,7 @@ struct Arguments {
   std::string input;  ///< of info
   CheckRequest checkRequest;
   RenderRequest request;
-  std::string format;
+  RenderOptions renderOptions;
   std::string svg = "system";
   std::string explained;
   bool json = false;
@@ -69,14 +51,13 @@ struct Arguments {
  private:
   void addCheckedFiles();
   void addCommonOptions();
-  void addRenderOptions();
 };
 
 Arguments::Arguments() {
   app.require_subcommand(0, 1);
   for (CLI::App* command : {info, render, check, help}) command->fallthrough();
   addCommonOptions();
-  addRenderOptions();
+  renderOptions.addTo(*render, request);
   info->add_option("FILE", input, "Document; - is standard input")->required();
   addCheckedFiles();
   help->add_option("COMMAND", explained, "One of the others")
@@ -108,58 +89,17 @@ void Arguments::addCommonOptions() {
   for (CLI::App* command : {info, render, check}) command->footer(listThem);
 }
 
-void Arguments::addRenderOptions() {
-  render->add_option("--format", format, "Format of the picture; else what OUT ends with")
-      ->check(oneOf(knownPictureFormats()))
-      ->transform([](const std::string& name) { return CLI::detail::to_lower(name); });
-  render->add_option("--quality", request.quality, "Of JPEG and WebP")
-      ->check(CLI::Validator(mistakeInQuality, "0 to 1"))
-      ->capture_default_str();
-  render->add_option("FILE", request.input, "Document or SVG picture; - is standard input")
-      ->required();
-  render
-      ->add_option("OUT", request.output, "Picture to write; - is standard output; %s is the size")
-      ->required();
-  takesAny(render->add_option("SIZE", request.sizes,
-                              "Largest widths and heights; the full size without"))
-      ->transform(wholeNumber(1, kLargestSize, ": render takes one FILE, one OUT and then sizes"));
-}
-
 std::string Arguments::helpText() const {
   const CLI::App* const command = explained.empty() ? &app : app.get_subcommand(explained);
   const std::string name = explained.empty() ? kProgram : kProgram + (" " + explained);
   return app.get_formatter()->make_help(command, name, CLI::AppFormatMode::Normal);
 }
 
-/// Why a request to render cannot be carried out; empty when it can.
-std::string mistakeIn(const RenderRequest& request) {
-  const bool toOutput = request.output == "-";
-  if (toOutput && request.report) return "standard output cannot take the picture and the report";
-  if (toOutput && request.sizes.size() > 1) return "standard output can take one picture only";
-  if (!request.format && !toOutput && !pictureFormatOfPath(request.output)) {
-    return "no picture format has this ending; known are " +
-           CLI::detail::join(knownPictureFormats(), ", ");
-  }
-  return {};
-}
-
-/// Each size once, in the order in which they were given.
-std::vector<int64_t> differentSizes(const std::vector<int64_t>& sizes) {
-  std::vector<int64_t> different;
-  for (const int64_t size : sizes) {
-    const bool isKnown = std::find(different.begin(), different.end(), size) != different.end();
-    if (!isKnown) different.push_back(size);
-  }
-  return different;
-}
-
 ExitStatus renderAsAsked(Arguments& arguments) {
   RenderRequest& request = arguments.request;
-  request.sizes = differentSizes(request.sizes);
   request.report = arguments.json;
   request.svg = arguments.engine();
-  if (!arguments.format.empty()) request.format = pictureFormatNamed(arguments.format);
-  const std::string mistake = mistakeIn(request);
+  const std::string mistake = arguments.renderOptions.completeRequest(request);
   return mistake.empty() ? render(request) : fail(kProgram, request.output, kExitUsage, mistake);
 }
 

@@ -8,12 +8,14 @@ _paintdoc() {
   case $previous in
     --format) mapfile -t COMPREPLY < <(compgen -W 'png jpeg jpg webp tiff tif' -- "$current"); return ;;
     --svg) mapfile -t COMPREPLY < <(compgen -W 'system built-in' -- "$current"); return ;;
-    --quality | --limit-*) return ;;
+    --fit) mapfile -t COMPREPLY < <(compgen -W 'contain cover stretch' -- "$current"); return ;;
+    --background) mapfile -t COMPREPLY < <(compgen -W 'white black' -- "$current"); return ;;
+    --quality | --limit-* | --scale | --dpi | --size | --part | --draws) return ;;
   esac
   local common='--json --limit-time --limit-memory --limit-output --svg -V --version -h --help'
   case $command in
     '') options="info render check help $common" ;;
-    render) options="--format --quality $common" ;;
+    render) options="--format --quality --scale --dpi --size --fit --enlarge --part --draws --background --trim $common" ;;
     help) options='info render check help' ;;
     *) options=$common ;;
   esac

@@ -8,6 +8,7 @@ import base64
 import json
 import os
 import pty
+import re
 import shutil
 import signal
 import struct
@@ -50,6 +51,42 @@ def layers(**facts):
     doc.draws = [rectangle(*LEFT, title="left"), rectangle(0, 0, 40, 20, (9, 9, 9), title="off", visible=False), doc.group(
         [rectangle(*RIGHT, title="blue"), rectangle(0, 0, 40, 20, (9, 9, 9), visible=False), rectangle(*TOP)])]
     return doc.to_bytes(**facts)
+
+
+def painted(rectangles, scale=1, part=(0, 0, 40, 20), over=(0, 0, 0, 0)):
+    """Rows of RGBA, as the picture of these rectangles is when all edges fall between pixels."""
+    x0, y0, width, height = (round(v * scale) for v in part)
+    rows = [[over] * width for _ in range(height)]
+    for *place, color in rectangles:
+        x, y, w, h = (round(v * scale) for v in place)
+        for row in range(max(y, y0), min(y + h, y0 + height)):
+            for column in range(max(x, x0), min(x + w, x0 + width)):
+                rows[y0 + height - 1 - row][column - x0] = (*color, 255)
+    return rows
+
+
+def rgba(path):
+    return [[(*pixel[:3], *(pixel[3:] or (255,))) for pixel in row] for row in read_png(path)[3]]
+
+
+def density(path):
+    """Pixels an inch as a PNG, JPEG or TIFF file says; None when it does not."""
+    data = read(path)
+    if data.startswith(b"\x89PNG"):
+        at = data.find(b"pHYs")
+        return None if at < 0 else round(struct.unpack_from(">II", data, at + 4)[0] * 0.0254, 1)
+    if data.startswith(b"\xff\xd8"):
+        unit, x, y = struct.unpack_from(">BHH", data, 13)
+        return x if unit == 1 and x == y else None
+    entries = {}
+    start, = struct.unpack_from(">I", data, 4)
+    for i in range(struct.unpack_from(">H", data, start)[0]):
+        tag, _, _, value = struct.unpack_from(">HHII", data, start + 2 + 12 * i)
+        entries[tag] = value
+    if 282 not in entries:
+        return None
+    x, y = (struct.unpack_from(">II", data, entries[tag]) for tag in (282, 283))
+    return x[0] / x[1] if x == y and entries[296] >> 16 == 2 else None
 
 
 def shown_on(terminal):
@@ -196,6 +233,16 @@ class Programs(unittest.TestCase):
                 (PAINTDOC, ["render", red, "a.png", "--format"], "--format takes one value"),
                 (PAINTDOC, ["render", red, "a.jpg", "--quality", "2"], '"2" is not a number from 0 to 1'),
                 (PAINTDOC, ["render", red, "a.jpg", "--quality", "nan"], '"nan" is not a number from 0 to 1'),
+                *((PAINTDOC, ["render", red, "a.png", *options.split(" ")], said) for options, said in (
+                    *((f"--scale {text}", "is not a number from") for text in ("0", "-1", "nan", "1e308", "1e-7", "2x", "")),
+                    ("--dpi 0", "is not a number from"), ("--dpi inf", "is not a number from"),
+                    *((f"--size {text}", "is not two whole numbers") for text in ("5", "0x5", "5x-1", "5x16385", "1.5x2", "nanx1", "5x5x5")),
+                    *((f"--part {text}", "is not four numbers") for text in ("1,2,3", "1,2,0,4", "1,2,3,nan", "1,2,3,1e308", "1,2,3,4,5")),
+                    ("--part -5,-5,5,5", "outside of the canvas"), ("--part 100,0,5,5", "outside of the canvas"),
+                    *((f"--background {text}", "is not #RGB") for text in ("#12", "red", "#12345g", "#-1-2-3", "ffffff")),
+                    *((f"--draws {text}", "there is no draw") for text in ("9", "0", "1.1", "1,", "99999999999999999999", "\x1b[31m")),
+                    ("--fit cover", "with --size only"), ("--enlarge", "with SIZE and --size only"), ("--scale 2 --dpi 3", "one of"),
+                    ("--size 5x5 9", "one of"))),
                 (PAINTDOC, ["render", red, "-", "10", "20"], "one picture only"),
                 (PAINTDOC, ["render", red, "-", "--json"], "the picture and the report"),
                 (THUMBNAILER, [], "INPUT is required"),
@@ -369,6 +416,74 @@ class Programs(unittest.TestCase):
         self.assertEqual(len(os.listdir(self.folder.name)), 7)
         result = run(PAINTDOC, "render", document("red"), os.path.join(self.folder.name, "d"), "1")
         self.assert_one_line(result, 4, PAINTDOC, "nothing to draw")
+
+    def test_render_parts_and_scales(self):
+        every, plain, fine = [LEFT, RIGHT, TOP], self.write("a", layers()), self.write("b", layers(Resolution=144.0))
+        for options, expected in (
+                ("--scale 3", painted(every, 3)), ("--scale 0.5", painted(every, 0.5)), ("--dpi 144", painted(every, 2)),
+                ("--part 20,2,14,10", painted(every, 1, (20, 2, 14, 10))),
+                ("--part 20,2,14,10 --scale 2", painted(every, 2, (20, 2, 14, 10))),
+                ("--part -9,-9,20,12.5", painted(every, 1, (0, 0, 11, 4))),
+                ("--part 20,2,14,10 28 --enlarge", painted(every, 2, (20, 2, 14, 10))),
+                ("--trim", painted(every, 1, (2, 0, 32, 18))), ("--trim --part 0,12,40,8", painted(every, 1, (2, 12, 32, 6))),
+                ("--draws left", painted([LEFT])), ("--draws 3", painted([RIGHT, TOP])), ("--draws 3.3,1", painted([TOP, LEFT])),
+                ("--draws blue --draws 3.3", painted([RIGHT, TOP])), ("--draws off", painted([(0, 0, 40, 20, (9, 9, 9))])),
+                ("--draws blue --trim --scale 2", painted([RIGHT], 2, RIGHT[:4])),
+                ("--background #fe8", painted(every, over=(255, 238, 136, 255))),
+                ("--background #0000ff80", painted(every, over=(0, 0, 255, 128))),
+                ("--trim --background white", painted(every, 1, (2, 0, 32, 18), (255, 255, 255, 255))),
+                ("--size 20x20", painted(every, 0.5)), ("--size 80x80", painted(every)), ("80", painted(every)),
+                ("--size 80x80 --enlarge", painted(every, 2)), ("80 --enlarge", painted(every, 2)),
+                ("--size 10x10 --fit cover", painted(every, 0.5, (10, 0, 20, 20))),
+                ("--size 16x80 --fit cover --enlarge", painted(every, 4, (18, 0, 4, 20)))):
+            result = run(PAINTDOC, "render", plain, self.out, *options.split())
+            self.assertEqual((result.returncode, result.stderr), (0, b""), options)
+            self.assertTrue(rgba(self.out) == expected, options)
+        self.assertEqual(run(PAINTDOC, "render", fine, self.out, "--dpi", "288").returncode, 0)
+        self.assertEqual(rgba(self.out), painted(every, 2))
+        self.assertEqual(run(PAINTDOC, "render", plain, self.out, "--size", "80x10", "--fit=stretch", "--enlarge").returncode, 0)
+        self.assertEqual(read_png(self.out)[:2], (80, 10))
+        self.assertEqual([read_png(self.out)[3][y][x] for x, y in ((20, 5), (54, 6), (1, 5))],
+                         [(255, 0, 0, 255), (0, 0, 255, 255), (0, 0, 0, 0)])
+
+    def test_render_part_of_svg(self):
+        path = self.write("a.svg", b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="20">'
+                                   b'<rect x="2" y="2" width="18" height="18" fill="#f00"/></svg>')
+        for options, expected in (("--scale 2 --part 10,12,20,8", painted([LEFT], 2, (10, 12, 20, 8))),
+                                  ("--trim 80", painted([LEFT], 2, LEFT[:4])),
+                                  ("--size 20x20 --fit cover", painted([LEFT], 1, (10, 0, 20, 20)))):
+            self.assertEqual(run(PAINTDOC, "render", path, self.out, *options.split()).returncode, 0, options)
+            self.assertEqual(rgba(self.out), expected, options)
+
+    def test_render_density(self):
+        plain, fine = self.write("a", layers()), self.write("b", layers(Resolution=144.0))
+        odd = [self.write(f"c{i}", layers(Resolution=value)) for i, value in enumerate((float("nan"), -3.0, 1e300))]
+        for path, options, expected in ((plain, [], None), (plain, ["--dpi", "300"], 300), (fine, [], 144),
+                                        (fine, ["--scale", "2"], 288), (fine, ["20"], 72), (odd[0], [], None), (odd[1], [], None),
+                                        (odd[2], [], None), (fine, ["--size", "9x9", "--fit", "stretch"], None)):
+            for ending in ("png", "jpg", "tif"):
+                out = os.path.join(self.folder.name, "out." + ending)
+                self.assertEqual(run(PAINTDOC, "render", path, out, *options).returncode, 0, (path, options))
+                self.assertEqual(density(out), expected, (path, options, ending))
+
+    def test_names_of_outputs(self):
+        path = self.write("a.%s.paintdoc", layers())
+        for out, options, names in (("%n.png", [], ["a.%s.png"]), ("%n_%s.png", ["--scale=2"], ["a.%s_80.png"]),
+                                    ("%n.png", ["9", "8", "9"], ["a.%s-8.png", "a.%s-9.png"]),
+                                    ("%s%%n.png", ["--size", "9x8"], ["9x8%a.%s.png"])):
+            folder = tempfile.mkdtemp(dir=self.folder.name)
+            self.assertEqual(run(PAINTDOC, "render", path, out, *options, cwd=folder).returncode, 0)
+            self.assertEqual(sorted(os.listdir(folder)), names)
+
+    def test_options_are_described(self):
+        """In the manual and in what shells complete, all of them and no others."""
+        told = run(PAINTDOC, "render", "--help").stdout.decode() + run(PAINTDOC, "--help").stdout.decode()
+        options = set(re.findall(r"^ +(?:-\w,)?--([a-z-]+)", told, re.M))
+        self.assertIn("background", options)
+        for name, pattern in (("man/paintdoc.1", r"^\.It Fl (?:\w , Fl )?-([a-z-]+)"), ("completions/_paintdoc", r"--([a-z]+[a-z-]*)"),
+                              ("completions/paintdoc.bash", r"--([a-z]+(?:-[a-z]+)*)\b(?!-)"), ("completions/paintdoc.fish", r"^complete.* -l ([a-z-]+)")):
+            text = re.sub(r"\(--[^)]*\)--", "--", read(os.path.join(DATA, name)).decode())
+            self.assertEqual(set(re.findall(pattern, text, re.M)), options, name)
 
     def test_render_formats(self):
         starts = {"jpg": b"\xff\xd8\xff", "JPEG": b"\xff\xd8\xff", "webp": b"RIFF", "tif": (b"II*\0", b"MM\0*"), "png": b"\x89PNG"}
@@ -582,6 +697,10 @@ class Programs(unittest.TestCase):
         self.assert_limited(b"time limit", PAINTDOC, "--limit-time", "1", "render", "-", self.out, stdin=reading)
         os.close(reading)
         os.close(writing)
+
+    def test_too_large_a_picture(self):
+        for options in (["--scale", "1000000"], ["--size", "16384x16384", "--fit=stretch", "--enlarge"]):
+            self.assert_limited(b"too large a picture", PAINTDOC, "render", document("red"), self.out, *options)
 
     def test_output_is_limited(self):
         self.assert_limited(b"File too large", PAINTDOC, "--limit-output", "1", "render",
