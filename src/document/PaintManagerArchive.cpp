@@ -121,8 +121,8 @@ std::optional<PaintDataFacts> PaintManager::factsOfPaintData(
       {kBundleIdentifier, &facts.bundleIdentifier},
       {kAppShortVersion, &facts.shortVersion},
       {kAppVersion, &facts.buildVersion}};
-  for (const auto& [key, text] : texts) {
-    read([&] { *text = archive.decodeStringForKey(key).value_or(""); });
+  for (const auto& fact : texts) {
+    read([&] { *fact.second = archive.decodeStringForKey(fact.first).value_or(""); });
   }
   return facts;
 }

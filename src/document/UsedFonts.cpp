@@ -39,7 +39,7 @@ void addFonts(FontsByName& fonts, const NSAttributedString& text) {
   }
 }
 
-std::vector<UsedFont> listed(FontsByName byName) {
+std::vector<UsedFont> listed(FontsByName&& byName) {
   std::vector<UsedFont> fonts;
   fonts.reserve(byName.size());
   for (auto& [name, font] : byName) {
