@@ -42,8 +42,8 @@ class GlyphPictures {
                               NSImageInterpolation interpolation);
 
  private:
-  using Key = std::tuple<const FontFace*, uint32_t, double, double, double, double, int64_t, int64_t,
-                         NSImageInterpolation>;
+  using Key = std::tuple<const FontFace*, uint32_t, double, double, double, double, int64_t,
+                         int64_t, NSImageInterpolation>;
 
   std::map<std::pair<const FontFace*, uint32_t>, Picture> pictures_;
   std::map<Key, Placed> scaled_;
