@@ -76,8 +76,10 @@ Json fileJson(const PaintDataFacts& file) {
 }
 
 void appendPicture(std::string& out, const DrawBase& draw, const PictureFacts& facts) {
-  out += std::string(" ") + draw.pictureKind();
-  if (*facts.format != '\0') out += std::string(" ") + facts.format;
+  const std::string kind = draw.pictureKind(), format = facts.format;
+  out += " " + kind;
+  // "PDF page" says it already.
+  if (!format.empty() && !kind.starts_with(format)) out += " " + format;
   if (facts.size.width > 0) out += formatted(" %g x %g", facts.size.width, facts.size.height);
   if (facts.failure != PictureFailure::none) {
     out += std::string(" left out: ") + describe(facts.failure);

@@ -231,6 +231,28 @@ TEST(DrawBaseRendering, DropShadowsLieUnderTheWholeAndOutsideTheFill) {
   EXPECT_EQ(canvas.at(21, 50)[3], 0);
 }
 
+TEST(DrawBaseRendering, MitredTipsCastTheirShadow) {
+  const auto draw = made<DrawBezierPath>();
+  draw->bezierPath()->moveToPoint({20, 10});
+  draw->bezierPath()->lineToPoint({40, 10});
+  draw->bezierPath()->lineToPoint({30, 60});
+  draw->bezierPath()->closePath();
+  draw->bezierPath()->setLineJoinStyle(LineJoin::miter);
+  draw->setLineWidth(8);
+  draw->setEnableFill(true);
+  draw->setFillColor(NSColor::redColor());
+  draw->setEnableShadow(true);
+  auto shadow = std::make_shared<NSShadow>();
+  shadow->setShadowOffset({40, 0});
+  shadow->setShadowColor(NSColor::blueColor());
+  draw->setShadow(shadow);
+  // The miter ends 5.1 half widths above the corner, at 80.4, and is 3.4 wide at 72.
+  const Canvas canvas = Canvas().draw(*draw);
+  EXPECT_EQ(canvas.at(30, 72)[3], 255);
+  EXPECT_EQ(canvas.at(70, 72), kBlue);
+  EXPECT_EQ(canvas.at(70, 84), kClear);
+}
+
 TEST(DrawBaseRendering, GradientShadowsAreCastByThePaintedWhole) {
   auto square = filled(NSMakeRect(30, 40, 20, 20), NSColor::redColor());
   square->setUseGradualFill(true);
