@@ -202,10 +202,6 @@ std::vector<const NSBezierPath*> heads(const ZTArrowPathInfo* info) {
   return paths;
 }
 
-void appendHeads(NSBezierPath& path, const ZTArrowPathInfo* info) {
-  for (const NSBezierPath* head : heads(info)) path.appendBezierPath(*head);
-}
-
 /// Area enclosed by the polygon of the path's end points, positive when it turns left.
 CGFloat signedArea(const NSBezierPath& path) {
   CGFloat twice = 0;
@@ -363,7 +359,7 @@ void DrawBase::drawStrokeOutline(const NSBezierPath& line, const ZTArrowPathInfo
   const bool erases = translucent || !line.lineDash().empty();
   if (erases && !insideLayer) layer.emplace(port());
   const auto outline = strokeOutlinePath(line);
-  appendHeads(*outline, info);
+  appendTurnedHeads(*outline, info);
   outline->setLineWidth(2 * static_cast<CGFloat>(_strokeOutlineWidth));
   _strokeOutlineColor->setStroke();
   outline->stroke();
