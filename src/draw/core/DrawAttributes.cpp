@@ -31,11 +31,13 @@ const T* as(const std::shared_ptr<NSObject>& object) {
   return dynamic_cast<const T*>(object.get());
 }
 
-/// The same pairs, in any order.
-bool dictionariesAreEqual(const NSDictionary& a, const NSDictionary& b) {
+/// The same pairs in any order; the value under one key may differ.
+bool pairsAreEqual(const NSDictionary& a, const NSDictionary& b, const NSString* except = nullptr) {
   if (a.count() != b.count()) return false;
   for (size_t i = 0; i < a.count(); ++i) {
-    const auto other = b.objectForKey(*a.allKeys()[i]);
+    const auto& key = a.allKeys()[i];
+    if (except != nullptr && key->isEqual(*except)) continue;
+    const auto other = b.objectForKey(*key);
     if (other == nullptr || !valuesAreEqual(a.allValues()[i], other)) return false;
   }
   return true;
@@ -53,21 +55,14 @@ bool valuesAreEqual(const std::shared_ptr<NSObject>& a, const std::shared_ptr<NS
   if (const auto* shadow = as<NSShadow>(a)) return zt_isEqualWithShadow(shadow, as<NSShadow>(b));
   if (const auto* font = as<NSFont>(a)) return zt_isEqualWithFont(font, as<NSFont>(b));
   const auto *dictionary = as<NSDictionary>(a), *other = as<NSDictionary>(b);
-  if (dictionary != nullptr && other != nullptr) return dictionariesAreEqual(*dictionary, *other);
+  if (dictionary != nullptr && other != nullptr) return pairsAreEqual(*dictionary, *other);
   return archivesAreEqual(a, b);
 }
 
 }  // namespace
 
 bool IsEqualDrawAttributes(const NSDictionary* a, const NSDictionary* b) {
-  const size_t count = a != nullptr ? a->count() : 0;
-  if (a == b) return true;
-  if (count != (b != nullptr ? b->count() : 0)) return false;
-  for (size_t i = 0; i < count; ++i) {
-    const auto& key = a->allKeys()[i];
-    if (key->isEqual(*NSString::stringWithString(kClassName))) continue;
-    const auto other = b->objectForKey(*key);
-    if (other == nullptr || !valuesAreEqual(a->allValues()[i], other)) return false;
-  }
-  return true;
+  const NSDictionary none;
+  return a == b || pairsAreEqual(a != nullptr ? *a : none, b != nullptr ? *b : none,
+                                 NSString::stringWithString(kClassName).get());
 }
